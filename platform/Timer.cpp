@@ -1,0 +1,44 @@
+#include "platform/Timer.hpp"
+
+#include "platform/Desktop.hpp"
+
+#include <utility>
+
+namespace platform {
+
+Date Date::now() { return desktop().now(); }
+
+Timer::Timer(TimeInterval interval, Action action, std::any userInfo, bool repeats)
+    : _interval{interval}
+    , _action{std::move(action)}
+    , _userInfo{std::move(userInfo)}
+    , _repeats{repeats} {}
+
+std::shared_ptr<Timer> Timer::scheduledTimer(TimeInterval interval, Action action, std::any userInfo,
+                                             bool repeats) {
+    struct Constructible : Timer {
+        Constructible(TimeInterval interval, Action action, std::any userInfo, bool repeats)
+            : Timer{interval, std::move(action), std::move(userInfo), repeats} {}
+    };
+    std::shared_ptr<Timer> timer =
+        std::make_shared<Constructible>(interval, std::move(action), std::move(userInfo), repeats);
+    desktop().schedule(timer);
+    return timer;
+}
+
+void Timer::invalidate() {
+    if (!_isValid) {
+        return;
+    }
+    _isValid = false;
+    desktop().cancel(*this);
+}
+
+void Timer::fire(const std::shared_ptr<Timer>& timer) {
+    timer->_action(timer);
+    if (!timer->_repeats) {
+        timer->invalidate();
+    }
+}
+
+} // namespace platform

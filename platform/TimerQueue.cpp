@@ -1,0 +1,97 @@
+#include "platform/TimerQueue.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+#include <utility>
+
+namespace platform {
+namespace {
+
+using std::chrono::nanoseconds;
+
+// A timer's shortest period, also that of an interval of zero or less: a tenth of a millisecond.
+constexpr nanoseconds shortestPeriod{100'000};
+// Far enough never to be reached and near enough never to overflow: a hundred years.
+constexpr nanoseconds longestPeriod = std::chrono::hours{24 * 36'525};
+
+nanoseconds period(TimeInterval seconds) {
+    const double asNanoseconds = seconds * 1e9;
+    if (!(asNanoseconds > static_cast<double>(shortestPeriod.count()))) {
+        return shortestPeriod;
+    }
+    if (asNanoseconds >= static_cast<double>(longestPeriod.count())) {
+        return longestPeriod;
+    }
+    return nanoseconds{std::llround(asNanoseconds)};
+}
+
+} // namespace
+
+void TimerQueue::add(std::shared_ptr<Timer> timer, Instant now) {
+    const Instant due = now + period(timer->interval());
+    _entries.push_back({std::move(timer), due, _nextOrder++, false});
+}
+
+void TimerQueue::remove(const Timer& timer) {
+    std::erase_if(_entries, [&](const Entry& entry) { return entry.timer.get() == &timer; });
+}
+
+std::optional<TimerQueue::Instant> TimerQueue::nextDue(RunLoopMode mode) const {
+    const Entry* entry = next(mode);
+    return entry ? std::optional{entry->due} : std::nullopt;
+}
+
+bool TimerQueue::fireDue(Instant now, RunLoopMode mode) {
+    // Timers scheduled from here on wait for the next call, so that no chain of them can hold the loop.
+    const std::uint64_t newcomers = _nextOrder;
+    std::vector<const Timer*> fired;
+    for (;;) {
+        Entry* best = nullptr;
+        for (Entry& entry : _entries) {
+            const bool isCandidate = entry.due <= now && entry.order < newcomers && mayFire(entry, mode) &&
+                                     std::find(fired.begin(), fired.end(), entry.timer.get()) == fired.end();
+            if (isCandidate && (!best || std::tie(entry.due, entry.order) < std::tie(best->due, best->order))) {
+                best = &entry;
+            }
+        }
+        if (!best) {
+            return !fired.empty();
+        }
+        const std::shared_ptr<Timer> timer = best->timer;
+        fired.push_back(timer.get());
+        best->isFiring = true;
+        if (timer->repeats()) {
+            const nanoseconds step = period(timer->interval());
+            best->due += step * ((now - best->due) / step + 1);
+        }
+        Timer::fire(timer); // may change the queue: look the entry up again
+        if (Entry* entry = find(*timer)) {
+            entry->isFiring = false;
+        }
+    }
+}
+
+bool TimerQueue::mayFire(const Entry& entry, RunLoopMode mode) const {
+    const bool modeAllows = mode == RunLoopMode::Default ||
+                            (entry.timer->repeats() && _policy == RepeatingTimersDuringModal::Fire);
+    return modeAllows && !entry.isFiring;
+}
+
+const TimerQueue::Entry* TimerQueue::next(RunLoopMode mode) const {
+    const Entry* best = nullptr;
+    for (const Entry& entry : _entries) {
+        if (mayFire(entry, mode) && (!best || entry.due < best->due)) {
+            best = &entry;
+        }
+    }
+    return best;
+}
+
+TimerQueue::Entry* TimerQueue::find(const Timer& timer) {
+    const auto found = std::find_if(_entries.begin(), _entries.end(),
+                                    [&](const Entry& entry) { return entry.timer.get() == &timer; });
+    return found == _entries.end() ? nullptr : &*found;
+}
+
+} // namespace platform

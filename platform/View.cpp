@@ -1,0 +1,128 @@
+#include "platform/View.hpp"
+
+#include "platform/Fatal.hpp"
+
+#include <charconv>
+
+namespace platform {
+namespace {
+
+/// Cuts "[label](address)" out of `markdown`; everything else is plain text.
+std::vector<node::TextRun> runsOf(const std::string& markdown) {
+    std::vector<node::TextRun> runs;
+    const auto addPlain = [&](std::string string) {
+        if (!string.empty()) {
+            runs.push_back({std::move(string), std::nullopt});
+        }
+    };
+    std::size_t position = 0;
+    for (;;) {
+        const std::size_t label = markdown.find('[', position);
+        const std::size_t middle = markdown.find("](", label);
+        const std::size_t end = markdown.find(')', middle);
+        if (end == std::string::npos) {
+            addPlain(markdown.substr(position));
+            return runs;
+        }
+        addPlain(markdown.substr(position, label - position));
+        runs.push_back({markdown.substr(label + 1, middle - label - 1),
+                        markdown.substr(middle + 2, end - middle - 2)});
+        position = end + 1;
+    }
+}
+
+template <typename Kind>
+Kind& the(Node& node) {
+    Kind* kind = std::get_if<Kind>(&node);
+    return kind ? *kind : (fatal(), *kind);
+}
+
+} // namespace
+
+std::string NumberFormatter::string(std::int64_t number) const { return std::to_string(number); }
+
+std::optional<std::int64_t> NumberFormatter::number(const std::string& text) const {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string::npos) {
+        return std::nullopt;
+    }
+    const char* const begin = text.data() + first;
+    const char* const end = text.data() + text.find_last_not_of(' ') + 1;
+    std::int64_t number = 0;
+    const auto [parsedTo, error] = std::from_chars(begin, end, number);
+    return error == std::errc{} && parsedTo == end ? std::optional{number} : std::nullopt;
+}
+
+void node::TextField::commit(const std::string& text) const {
+    if (const std::optional<std::int64_t> number = formatter.number(text)) {
+        value.set(*number);
+    }
+}
+
+void node::TextField::submit(const std::string& text) const {
+    commit(text);
+    if (onSubmit) {
+        onSubmit();
+    }
+}
+
+void node::Picker::select(std::size_t index) const {
+    const std::size_t previous = selection.get();
+    selection.set(index);
+    if (index != previous && onChange) {
+        onChange();
+    }
+}
+
+View View::onSubmit(std::function<void()> action) && {
+    the<node::TextField>(node).onSubmit = std::move(action);
+    return std::move(*this);
+}
+
+View View::onChange(std::function<void()> action) && {
+    the<node::Picker>(node).onChange = std::move(action);
+    return std::move(*this);
+}
+
+void View::appear() const {
+    for (const Modifier& each : modifiers) {
+        if (const auto* onAppear = std::get_if<modifier::OnAppear>(&each)) {
+            onAppear->action();
+        }
+    }
+    if (const auto* stack = std::get_if<node::Stack>(&node)) {
+        for (const View& child : stack->children) {
+            child.appear();
+        }
+    }
+}
+
+View Text(const std::string& markdown) { return View{node::Text{runsOf(markdown)}, {}}; }
+
+View VerbatimText(std::string string) { return View{node::Text{{{std::move(string), std::nullopt}}}, {}}; }
+
+View Image(NSImage image) { return View{node::Image{std::move(image)}, {}}; }
+
+View TextField(std::string placeholder, Binding<std::int64_t> value, NumberFormatter formatter) {
+    return View{node::TextField{std::move(placeholder), std::move(value), formatter, nullptr}, {}};
+}
+
+View Toggle(std::string title, Binding<bool> isOn) {
+    return View{node::Toggle{std::move(title), std::move(isOn)}, {}};
+}
+
+View Button(std::string label, double labelPadding, std::function<void()> action) {
+    return View{node::Button{std::move(label), labelPadding, std::move(action)}, {}};
+}
+
+View HStack(std::vector<View> children) {
+    return View{node::Stack{Axis::Horizontal, Alignment::Center, std::move(children)}, {}};
+}
+
+View VStack(std::vector<View> children) { return VStack(Alignment::Center, std::move(children)); }
+
+View VStack(Alignment alignment, std::vector<View> children) {
+    return View{node::Stack{Axis::Vertical, alignment, std::move(children)}, {}};
+}
+
+} // namespace platform
