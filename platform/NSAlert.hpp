@@ -37,7 +37,9 @@ public:
     void addButton(std::string title) { _buttons.push_back(std::move(title)); }
 
     /// The titles of the buttons in order; a single "OK" if none was added.
-    std::vector<std::string> buttons() const { return _buttons.empty() ? std::vector<std::string>{"OK"} : _buttons; }
+    std::vector<std::string> buttons() const {
+        return _buttons.empty() ? std::vector<std::string>{"OK"} : _buttons;
+    }
 
     /// Whether a check box stands below the message.
     void setShowsSuppressionButton(bool shows);

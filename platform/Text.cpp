@@ -10,9 +10,9 @@ namespace {
 constexpr std::array<std::string_view, 7> lineEnds{"\n", "\r", "\v", "\f", "\u0085", "\u2028", "\u2029"};
 
 // The tab and the characters of the category "separator, space".
-constexpr std::array<std::string_view, 18> whitespace{
-    "\t",     " ",      "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
-    "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
+constexpr std::array<std::string_view, 18> whitespace{"\t",     " ",      "\u00A0", "\u1680", "\u2000", "\u2001",
+                                                      "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
+                                                      "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
 
 /// The length of the well-formed character that `bytes` begin with; 0 if it is malformed.
 std::size_t characterLength(std::string_view bytes) {

@@ -73,8 +73,8 @@ bool TimerQueue::fireDue(Instant now, RunLoopMode mode) {
 }
 
 bool TimerQueue::mayFire(const Entry& entry, RunLoopMode mode) const {
-    const bool modeAllows = mode == RunLoopMode::Default ||
-                            (entry.timer->repeats() && _policy == RepeatingTimersDuringModal::Fire);
+    const bool modeAllows =
+        mode == RunLoopMode::Default || (entry.timer->repeats() && _policy == RepeatingTimersDuringModal::Fire);
     return modeAllows && !entry.isFiring;
 }
 

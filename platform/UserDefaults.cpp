@@ -70,8 +70,7 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 } // namespace
 
 bool boolFromDefaults(const DefaultsValue& value) {
-    return std::visit(Overloaded{[](bool truth) { return truth; },
-                                 [](std::int64_t number) { return number != 0; },
+    return std::visit(Overloaded{[](bool truth) { return truth; }, [](std::int64_t number) { return number != 0; },
                                  [](double number) { return number != 0; },
                                  [](const std::string& text) { return boolFromText(text); }},
                       value);
@@ -119,8 +118,6 @@ std::optional<std::string> UserDefaults::stringForKey(std::string_view key) cons
     return desktop().stringForKey(key);
 }
 
-void UserDefaults::set(DefaultsValue value, std::string_view key) {
-    desktop().setDefault(std::move(value), key);
-}
+void UserDefaults::set(DefaultsValue value, std::string_view key) { desktop().setDefault(std::move(value), key); }
 
 } // namespace platform

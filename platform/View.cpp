@@ -25,8 +25,8 @@ std::vector<node::TextRun> runsOf(const std::string& markdown) {
             return runs;
         }
         addPlain(markdown.substr(position, label - position));
-        runs.push_back({markdown.substr(label + 1, middle - label - 1),
-                        markdown.substr(middle + 2, end - middle - 2)});
+        runs.push_back(
+            {markdown.substr(label + 1, middle - label - 1), markdown.substr(middle + 2, end - middle - 2)});
         position = end + 1;
     }
 }

@@ -168,8 +168,8 @@ struct OnAppear {
 
 } // namespace modifier
 
-using Node = std::variant<node::Text, node::Image, node::TextField, node::Toggle, node::Picker, node::Button,
-                          node::Stack>;
+using Node =
+    std::variant<node::Text, node::Image, node::TextField, node::Toggle, node::Picker, node::Button, node::Stack>;
 using Modifier = std::variant<modifier::Frame, modifier::Padding, modifier::FontStyle, modifier::Disabled,
                               modifier::Focusable, modifier::FixedSize, modifier::Shortcut, modifier::OnAppear>;
 
@@ -234,23 +234,23 @@ View VStack(Alignment alignment, std::vector<View> children);
 
 /// A choice among `options`, each a title with the value that it stands for.
 template <typename Value>
-View Picker(std::string title, Binding<Value> selection, const std::vector<std::pair<std::string, Value>>& options) {
+View Picker(std::string title, Binding<Value> selection,
+            const std::vector<std::pair<std::string, Value>>& options) {
     std::vector<std::string> items;
     std::vector<Value> values;
     for (const auto& [item, value] : options) {
         items.push_back(item);
         values.push_back(value);
     }
-    Binding<std::size_t> index{
-        [get = selection.get, values] {
-            const Value selected = get();
-            std::size_t position = 0;
-            while (position < values.size() && values[position] != selected) {
-                ++position;
-            }
-            return position;
-        },
-        [set = selection.set, values](std::size_t position) { set(values.at(position)); }};
+    Binding<std::size_t> index{[get = selection.get, values] {
+                                   const Value selected = get();
+                                   std::size_t position = 0;
+                                   while (position < values.size() && values[position] != selected) {
+                                       ++position;
+                                   }
+                                   return position;
+                               },
+                               [set = selection.set, values](std::size_t position) { set(values.at(position)); }};
     return View{node::Picker{std::move(title), std::move(items), std::move(index), nullptr}, {}};
 }
 

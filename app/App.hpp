@@ -1,0 +1,86 @@
+#pragma once
+
+// The application object. It owns every other component, builds them in a fixed order, and runs the break
+// cycle: a work interval, a reminder, and then the next interval or a snooze.
+
+#include "alerts/UXAudio.hpp"
+#include "alerts/UXPopup.hpp"
+#include "app/AppState.hpp"
+#include "app/Events.hpp"
+#include "config/Cfg.hpp"
+#include "platform/Date.hpp"
+#include "platform/NSApplication.hpp"
+#include "platform/NSImage.hpp"
+#include "platform/Timer.hpp"
+#include "statusbar/UXStatus.hpp"
+
+#include <memory>
+
+namespace marvelode {
+
+class App : public platform::NSApplicationDelegate, public platform::UNUserNotificationCenterDelegate {
+public:
+    using State = AppState;
+
+    /// What the pending timer ends.
+    enum class TimerType {
+        Timer,    ///< A work interval.
+        Reminder, ///< A snooze.
+    };
+
+    struct Icon {
+        /// The application picture, looked up on first use; a missing one stops the program.
+        static const platform::NSImage& image();
+    };
+
+    /// Builds all components; schedules, publishes and shows nothing.
+    explicit App(bool isTest);
+    App() = delete;
+    ~App() override;
+    App(const App&) = delete;
+    App& operator=(const App&) = delete;
+
+    void applicationDidFinishLaunching() override;
+
+    /// Seconds until the current work interval ends; negative once it has ended, also during snoozes.
+    platform::TimeInterval countdown() const;
+
+    /// The action of the cycle's timer. A timer that is not the current one, or no longer valid, is ignored.
+    void timeExpired(const std::shared_ptr<platform::Timer>& fired);
+
+    /// A work interval has ended.
+    void timerFired();
+
+    /// A snooze has ended.
+    void reminderFired();
+
+    void onCfgChange(const Cfg::Parameter& parameter);
+    void onUIAction(UIAction action);
+    void terminate();
+
+    const std::shared_ptr<Events> events;
+    const std::shared_ptr<Cfg> cfg;
+    const std::shared_ptr<UXAudio> audio;
+    const std::shared_ptr<UXPopup> popup;
+    platform::Date systemTimerDeadline; ///< When the current work interval ends; a snooze does not move it.
+    State state = State::Init;
+    std::shared_ptr<platform::Timer> systemTimer; ///< The one pending timer; null before the first.
+    std::shared_ptr<UXStatus> status;             ///< Null only during construction.
+
+private:
+    void initialize();
+
+    /// Starts a new work interval, of the length stored at this moment.
+    void restart();
+
+    /// Replaces the pending timer. Only a work interval moves the deadline.
+    void time(platform::TimeInterval interval, TimerType type);
+
+    /// Plays the sound and, if popups are enabled, asks the user and acts on the answer.
+    void notify();
+
+    /// Every wake of the machine starts a new work interval, whatever the settings say.
+    void didWakeFromSleep();
+};
+
+} // namespace marvelode

@@ -1,0 +1,25 @@
+#pragma once
+
+// The program's one error type: a message for the log. Errors are caught close to where they arise and are
+// never shown to the user.
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace marvelode {
+
+class Err : public std::exception {
+public:
+    explicit Err(std::string message)
+        : msg{std::move(message)} {}
+
+    /// The message alone, without decoration.
+    const std::string& description() const noexcept { return msg; }
+
+    const char* what() const noexcept override { return msg.c_str(); }
+
+    const std::string msg;
+};
+
+} // namespace marvelode

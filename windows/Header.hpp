@@ -1,0 +1,14 @@
+#pragma once
+
+// The upper part that both windows begin with: the application picture and, beside it, the program's name.
+
+#include "platform/View.hpp"
+
+#include <vector>
+
+namespace marvelode {
+
+/// The picture, 50 points high, unless `isTest`; beside it the name, with `below` under it.
+platform::View header(bool isTest, std::vector<platform::View> below);
+
+} // namespace marvelode
