@@ -56,7 +56,8 @@ public:
 
     void onceShown(std::function<void()> deed) override {
         _agenda.push_back({[this, before = _desktop.windowsOpened()] {
-                               return _desktop.windowsOpened() > before;
+                               return _desktop.windowsOpened() > before &&
+                                      (_desktop.alertIsUp() || _desktop.panelIsUp());
                            },
                            std::move(deed)});
     }

@@ -1,0 +1,55 @@
+# Fails if a component or a platform type includes what it must not: components know the platform types, one another and
+# the language's library without its clocks, files and threads, and are compiled alike everywhere; platform types know no
+# operating system. Run as: cmake -D FOLDER=<the project's folder> -P Includes.cmake
+
+cmake_minimum_required(VERSION 3.25)
+
+set(components app config statusbar alerts windows)
+set(not_for_components barrier chrono condition_variable csignal cstdio ctime filesystem fstream future iostream latch
+    mutex semaphore shared_mutex stop_token syncstream thread)
+set(offences 0)
+
+function(report file line)
+    message("${file}: ${line}")
+    math(EXPR count "${offences} + 1")
+    set(offences ${count} PARENT_SCOPE)
+endfunction()
+
+# Sets `lines` to the preprocessor's lines in `file`.
+macro(read_directives file)
+    file(STRINGS ${file} lines REGEX "^[ \t]*#")
+endmacro()
+
+foreach(component IN LISTS components)
+    file(GLOB files RELATIVE ${FOLDER} ${FOLDER}/${component}/*)
+    list(APPEND seen ${files})
+    foreach(file IN LISTS files)
+        read_directives(${FOLDER}/${file})
+        foreach(line IN LISTS lines)
+            if(line STREQUAL "#pragma once" OR line MATCHES "^#include \"(platform|app|config|statusbar|alerts|windows)/[A-Za-z0-9]+\\.hpp\"$")
+                continue()
+            endif()
+            if(line MATCHES "^#include <([a-z_]+)>$" AND NOT CMAKE_MATCH_1 IN_LIST not_for_components)
+                continue()
+            endif()
+            report(${file} "${line}")
+        endforeach()
+    endforeach()
+endforeach()
+
+file(GLOB files RELATIVE ${FOLDER} ${FOLDER}/platform/*.hpp)
+foreach(file IN LISTS files)
+    read_directives(${FOLDER}/${file})
+    foreach(line IN LISTS lines)
+        if(NOT line MATCHES "^#pragma once$|^#include (<[a-z_]+>|\"platform/[A-Za-z0-9]+\\.hpp\")$")
+            report(${file} "${line}")
+        endif()
+    endforeach()
+endforeach()
+
+if(NOT seen)
+    message(FATAL_ERROR "no component in ${FOLDER}")
+endif()
+if(offences)
+    message(FATAL_ERROR "${offences} offences")
+endif()
