@@ -1,0 +1,32 @@
+# `cpack` makes a Debian package from what `cmake --install` installs.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME marvelode-timer)
+set(CPACK_PACKAGE_VENDOR "The Marvelode makers")
+set(CPACK_PACKAGE_CONTACT "The Marvelode makers <makers@marvelode.example>")
+set(CPACK_PACKAGE_HOMEPAGE_URL https://marvelode.example)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "break reminder that lives in the tray")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Marvelode Timer counts down the time you work and then reminds you, with a
+sound and a window, to look around, take a breath and stretch. Between two
+breaks it is a small icon in the panel with the time left beside it.
+.
+It works with every panel that shows status icons, and without any. Scripts
+control it over D-Bus.")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/OpenFolders.cmake)
+
+# Installed as if into /usr, so that the files that name the program name the right place.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_INSTALL_PREFIX /usr)
+
+# The libraries come from the programs themselves, the sounds' decoder among them. The launcher's actions call
+# dbus-send where the desktop does not speak D-Bus itself.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "default-dbus-session-bus | dbus-session-bus, dbus-bin, hicolor-icon-theme")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse | pulseaudio, libcanberra-pulse, notification-daemon")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gnome-shell-extension-appindicator")
+
+include(CPack)
