@@ -1,0 +1,59 @@
+#import "platform/macos/Alert.hpp"
+
+#import "platform/macos/Retained.hpp"
+#import "platform/macos/Strings.hpp"
+
+#import <AppKit/AppKit.h>
+
+#include "platform/Fatal.hpp"
+
+namespace cocoa {
+namespace {
+
+NSAlertStyle styleOf(const platform::NSAlert& model) {
+    switch (model.alertStyle) {
+    case platform::NSAlert::Style::Warning:
+        return NSAlertStyleWarning;
+    case platform::NSAlert::Style::Informational:
+        return NSAlertStyleInformational;
+    case platform::NSAlert::Style::Critical:
+        return NSAlertStyleCritical;
+    }
+    platform::fatal();
+}
+
+/// The check box of `alert`, set up like `model`.
+NSButton* showSuppressionButton(NSAlert* alert, const platform::NSSuppressionButton& model) {
+    [alert setShowsSuppressionButton:YES];
+    NSButton* const button = [alert suppressionButton];
+    if (!button) {
+        platform::fatal();
+    }
+    [button setState:static_cast<NSInteger>(model.state)];
+    [button setTitle:toCocoa(model.title)];
+    return button;
+}
+
+} // namespace
+
+int runAlert(platform::NSAlert& model) {
+    const Retained<NSAlert> owned{[[NSAlert alloc] init]};
+    NSAlert* const alert = owned.get();
+    [alert setAlertStyle:styleOf(model)];
+    [alert setIcon:model.icon ? [NSImage imageNamed:toCocoa(*model.icon)] : nil];
+    [alert setMessageText:toCocoa(model.messageText)];
+    [alert setInformativeText:toCocoa(model.informativeText)];
+    for (const std::string& title : model.buttons()) {
+        [alert addButtonWithTitle:toCocoa(title)];
+    }
+    platform::NSSuppressionButton* const suppression = model.suppressionButton();
+    NSButton* const button = suppression ? showSuppressionButton(alert, *suppression) : nil;
+
+    const NSInteger answer = [alert runModal];
+    if (suppression) {
+        suppression->state = static_cast<platform::NSSuppressionButton::StateValue>([button state]);
+    }
+    return static_cast<int>(answer);
+}
+
+} // namespace cocoa

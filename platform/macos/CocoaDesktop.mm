@@ -1,0 +1,191 @@
+#import "platform/macos/CocoaDesktop.hpp"
+
+#import "platform/macos/Alert.hpp"
+#import "platform/macos/Strings.hpp"
+
+#import <UserNotifications/UserNotifications.h>
+#import <os/log.h>
+
+#include <algorithm>
+#include <cstdio>
+
+/// Passes on what the system tells the application. It may be told of user notifications, but asks for none.
+@interface ApplicationDelegate : NSObject <NSApplicationDelegate, UNUserNotificationCenterDelegate> {
+    platform::Desktop* _desktop;
+}
+- (instancetype)initWithDesktop:(platform::Desktop&)desktop;
+@end
+
+@implementation ApplicationDelegate
+
+- (instancetype)initWithDesktop:(platform::Desktop&)desktop {
+    if ((self = [super init])) {
+        _desktop = &desktop;
+    }
+    return self;
+}
+
+- (void)dealloc {
+    [[[NSWorkspace sharedWorkspace] notificationCenter] removeObserver:self];
+    [super dealloc];
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    [[[NSWorkspace sharedWorkspace] notificationCenter] addObserver:self
+                                                           selector:@selector(didWakeFromSleep:)
+                                                               name:NSWorkspaceDidWakeNotification
+                                                             object:nil];
+    if (_desktop->application.delegate) {
+        _desktop->application.delegate->applicationDidFinishLaunching();
+    }
+}
+
+- (void)didWakeFromSleep:(NSNotification*)notification {
+    (void)notification;
+    _desktop->workspaceNotifications.post(platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification);
+}
+
+@end
+
+namespace cocoa {
+namespace {
+
+NSUserDefaults* defaults() { return [NSUserDefaults standardUserDefaults]; }
+
+id toCocoa(bool truth) { return [NSNumber numberWithBool:truth]; }
+
+id toCocoa(std::int64_t number) { return [NSNumber numberWithLongLong:number]; }
+
+id toCocoa(double number) { return [NSNumber numberWithDouble:number]; }
+
+os_log_t logOf(const platform::Logger& logger) {
+    return os_log_create(logger.subsystem.c_str(), logger.category.c_str());
+}
+
+os_log_type_t typeOf(platform::Logger::Level level) {
+    switch (level) {
+    case platform::Logger::Level::Error:
+        return OS_LOG_TYPE_ERROR;
+    }
+}
+
+} // namespace
+
+CocoaDesktop::CocoaDesktop()
+    : _applicationDelegate{[[ApplicationDelegate alloc] initWithDesktop:*this]} {
+    [[NSApplication sharedApplication] setDelegate:_applicationDelegate.get()];
+}
+
+CocoaDesktop::~CocoaDesktop() { [NSApp setDelegate:nil]; }
+
+int CocoaDesktop::run(int argc, const char* const* argv) {
+    return NSApplicationMain(argc, const_cast<const char**>(argv));
+}
+
+void CocoaDesktop::terminate() { [NSApp terminate:nil]; }
+
+void CocoaDesktop::activate(bool ignoringOtherApps) { [NSApp activateIgnoringOtherApps:ignoringOtherApps]; }
+
+platform::Date CocoaDesktop::now() { return platform::Date{[[NSDate date] timeIntervalSince1970]}; }
+
+void CocoaDesktop::schedule(const std::shared_ptr<platform::Timer>& timer) { _timers.schedule(timer); }
+
+void CocoaDesktop::cancel(const platform::Timer& timer) { _timers.cancel(timer); }
+
+void CocoaDesktop::showStatusItem(const std::shared_ptr<platform::NSStatusItem>& item) {
+    _statusItem.emplace(item);
+}
+
+void CocoaDesktop::statusItemChanged() {
+    if (_statusItem) {
+        _statusItem->update();
+    }
+}
+
+int CocoaDesktop::runAlert(platform::NSAlert& alert) { return cocoa::runAlert(alert); }
+
+void CocoaDesktop::runModal(platform::NSPanel& model, const platform::View& content) {
+    Panel panel{model, content};
+    if (_centered == &model) {
+        _centered = nullptr;
+        panel.center();
+    }
+    _running.push_back(&panel);
+    panel.runModal();
+    _running.pop_back();
+}
+
+void CocoaDesktop::stopModal() { [NSApp stopModal]; }
+
+void CocoaDesktop::center(platform::NSPanel& panel) { _centered = &panel; }
+
+void CocoaDesktop::close(platform::NSPanel& model) {
+    const auto found =
+        std::find_if(_running.begin(), _running.end(), [&](const Panel* each) { return each->shows(model); });
+    if (found != _running.end()) {
+        (*found)->close();
+    } else if (model.delegate) {
+        model.delegate->windowWillClose();
+    }
+}
+
+bool CocoaDesktop::boolForKey(std::string_view key) { return [defaults() boolForKey:toCocoa(key)]; }
+
+std::int64_t CocoaDesktop::integerForKey(std::string_view key) { return [defaults() integerForKey:toCocoa(key)]; }
+
+std::optional<std::string> CocoaDesktop::stringForKey(std::string_view key) {
+    NSString* const text = [defaults() stringForKey:toCocoa(key)];
+    return text ? std::optional{fromCocoa(text)} : std::nullopt;
+}
+
+void CocoaDesktop::setDefault(platform::DefaultsValue value, std::string_view key) {
+    const id object = std::visit([](const auto& each) -> id { return toCocoa(each); }, value);
+    [defaults() setObject:object forKey:toCocoa(key)];
+}
+
+std::optional<std::filesystem::path> CocoaDesktop::resource(std::string_view name, std::string_view extension) {
+    NSURL* const url = [[NSBundle mainBundle] URLForResource:toCocoa(name) withExtension:toCocoa(extension)];
+    return url ? std::optional{std::filesystem::path{fromCocoa([url path])}} : std::nullopt;
+}
+
+std::optional<std::string> CocoaDesktop::contentsOf(const std::filesystem::path& url) {
+    NSData* const data = [NSData dataWithContentsOfURL:[NSURL fileURLWithPath:toCocoa(url.native())]];
+    if (!data) {
+        return std::nullopt;
+    }
+    std::string bytes([data length], '\0');
+    [data getBytes:bytes.data() length:bytes.size()];
+    return bytes;
+}
+
+std::optional<platform::NSImage> CocoaDesktop::imageNamed(std::string_view name) {
+    NSImage* const image = [NSImage imageNamed:toCocoa(name)];
+    NSString* const path = [[NSBundle mainBundle] pathForImageResource:toCocoa(name)];
+    if (!image || !path) {
+        return std::nullopt;
+    }
+    return platform::NSImage{std::string{name}, fromCocoa(path), {[image size].width, [image size].height}};
+}
+
+bool CocoaDesktop::canPlay(const std::filesystem::path& url) { return _sounds.open(url); }
+
+bool CocoaDesktop::play(const platform::NSSound& sound) { return _sounds.play(sound.url); }
+
+void CocoaDesktop::beep() { NSBeep(); }
+
+void CocoaDesktop::print(std::string_view line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+bool CocoaDesktop::isLogEnabled(const platform::Logger& logger, platform::Logger::Level level) {
+    return os_log_type_enabled(logOf(logger), typeOf(level));
+}
+
+void CocoaDesktop::log(const platform::Logger& logger, platform::Logger::Level level, std::string_view message) {
+    os_log_with_type(logOf(logger), typeOf(level), "%{public}s", std::string{message}.c_str());
+}
+
+} // namespace cocoa

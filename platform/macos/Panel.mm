@@ -1,0 +1,74 @@
+#import "platform/macos/Panel.hpp"
+
+#import "platform/macos/Strings.hpp"
+
+/// Tells the delegate of the program's panel that the panel closes, however that came about.
+@interface PanelDelegate : NSObject <NSWindowDelegate> {
+    const platform::NSPanel* _model;
+}
+- (instancetype)initWithModel:(const platform::NSPanel&)model;
+@end
+
+@implementation PanelDelegate
+
+- (instancetype)initWithModel:(const platform::NSPanel&)model {
+    if ((self = [super init])) {
+        _model = &model;
+    }
+    return self;
+}
+
+- (void)windowWillClose:(NSNotification*)notification {
+    (void)notification;
+    if (_model->delegate) {
+        _model->delegate->windowWillClose();
+    }
+}
+
+@end
+
+namespace cocoa {
+
+Panel::Panel(platform::NSPanel& model, const platform::View& content)
+    : _model{model}
+    , _panel{[[NSPanel alloc] init]}
+    , _contentView{[[HostingView alloc] initWithRootView:content]}
+    , _delegate{[[PanelDelegate alloc] initWithModel:model]} {
+    using ButtonType = platform::NSPanel::ButtonType;
+    NSPanel* const panel = _panel.get();
+    [panel setReleasedWhenClosed:NO];
+    [panel setContentSize:[_contentView.get() frame].size];
+    [panel setContentView:_contentView.get()];
+    [panel setDelegate:_delegate.get()];
+    [panel setTitle:toCocoa(model.title)];
+    [panel setStyleMask:[panel styleMask] | static_cast<NSWindowStyleMask>(model.styleMask)];
+    for (const auto& [type, button] : {std::pair{ButtonType::Close, NSWindowCloseButton},
+                                       std::pair{ButtonType::Miniaturize, NSWindowMiniaturizeButton},
+                                       std::pair{ButtonType::Zoom, NSWindowZoomButton}}) {
+        const platform::NSWindowButton* const modelButton = model.standardWindowButton(type);
+        [[panel standardWindowButton:button] setHidden:modelButton && modelButton->isHidden];
+    }
+    [panel setPreventsApplicationTerminationWhenModal:model.preventsApplicationTerminationWhenModal];
+    [panel setMovableByWindowBackground:model.isMovableByWindowBackground];
+    [_contentView.get() setHidden:YES];
+    [panel setTitleVisibility:static_cast<NSWindowTitleVisibility>(model.titleVisibility)];
+    [panel setTitlebarAppearsTransparent:model.titlebarAppearsTransparent];
+    [panel setInitialFirstResponder:[_contentView.get() firstFocusable]];
+}
+
+Panel::~Panel() {
+    [_panel.get() setDelegate:nil];
+    [_panel.get() close];
+}
+
+void Panel::center() { [_panel.get() center]; }
+
+void Panel::runModal() {
+    [_contentView.get() setHidden:NO];
+    [NSApp runModalForWindow:_panel.get()];
+    [_contentView.get() setHidden:YES];
+}
+
+void Panel::close() { [_panel.get() close]; }
+
+} // namespace cocoa

@@ -1,0 +1,51 @@
+#import "platform/macos/Timers.hpp"
+
+/// The target of one `NSTimer`, which keeps it alive.
+@interface TimerTarget : NSObject {
+    std::shared_ptr<platform::Timer> _timer;
+}
+- (instancetype)initWithTimer:(std::shared_ptr<platform::Timer>)timer;
+- (void)timeExpired:(NSTimer*)fired;
+@end
+
+@implementation TimerTarget
+
+- (instancetype)initWithTimer:(std::shared_ptr<platform::Timer>)timer {
+    if ((self = [super init])) {
+        _timer = std::move(timer);
+    }
+    return self;
+}
+
+- (void)timeExpired:(NSTimer*)fired {
+    (void)fired;
+    platform::Timer::fire(_timer);
+}
+
+@end
+
+namespace cocoa {
+
+Timers::~Timers() {
+    for (const auto& [timer, scheduled] : _scheduled) {
+        [scheduled.get() invalidate];
+    }
+}
+
+void Timers::schedule(const std::shared_ptr<platform::Timer>& timer) {
+    const Retained<TimerTarget> target{[[TimerTarget alloc] initWithTimer:timer]};
+    NSTimer* const scheduled = [NSTimer scheduledTimerWithTimeInterval:timer->interval()
+                                                                target:target.get()
+                                                              selector:@selector(timeExpired:)
+                                                              userInfo:nil
+                                                               repeats:timer->repeats()];
+    _scheduled[timer.get()] = Retained<NSTimer>{[scheduled retain]};
+}
+
+void Timers::cancel(const platform::Timer& timer) {
+    if (const auto entry = _scheduled.extract(&timer)) {
+        [entry.mapped().get() invalidate];
+    }
+}
+
+} // namespace cocoa

@@ -1,0 +1,237 @@
+#import "tests/macos/Session.hpp"
+
+#import "platform/macos/CocoaDesktop.hpp"
+#import "platform/macos/Strings.hpp"
+
+#include <gtest/gtest.h>
+
+#include <objc/runtime.h>
+#include <optional>
+
+using macos_tests::Session;
+
+namespace {
+
+bool isTerminating = false;
+int modalSessions = 0; ///< How many alerts and panels have been run so far.
+NSStatusItem* statusItem = nil;
+
+IMP runModalForWindow;
+IMP statusItemWithLength;
+
+NSInteger countedRunModalForWindow(id self, SEL selector, NSWindow* window) {
+    ++modalSessions;
+    return reinterpret_cast<NSInteger (*)(id, SEL, NSWindow*)>(runModalForWindow)(self, selector, window);
+}
+
+NSStatusItem* rememberedStatusItemWithLength(id self, SEL selector, CGFloat length) {
+    statusItem =
+        reinterpret_cast<NSStatusItem* (*)(id, SEL, CGFloat)>(statusItemWithLength)(self, selector, length);
+    return statusItem;
+}
+
+/// Instead of ending the process, has the session end the program.
+void terminate(id, SEL, id) { isTerminating = true; }
+
+IMP replace(Class kind, SEL selector, IMP implementation) {
+    return method_setImplementation(class_getInstanceMethod(kind, selector), implementation);
+}
+
+} // namespace
+
+/// Calls the session back from the run loop.
+@interface SessionClock : NSObject {
+    Session* _session;
+}
+- (instancetype)initWithSession:(Session&)session;
+- (void)tick:(NSTimer*)timer;
+@end
+
+@implementation SessionClock
+
++ (void)initialize {
+    replace([NSApplication class], @selector(terminate:), reinterpret_cast<IMP>(terminate));
+    runModalForWindow = replace([NSApplication class], @selector(runModalForWindow:),
+                                reinterpret_cast<IMP>(countedRunModalForWindow));
+    statusItemWithLength = replace([NSStatusBar class], @selector(statusItemWithLength:),
+                                   reinterpret_cast<IMP>(rememberedStatusItemWithLength));
+}
+
+- (instancetype)initWithSession:(Session&)session {
+    if ((self = [super init])) {
+        _session = &session;
+    }
+    return self;
+}
+
+- (void)tick:(NSTimer*)timer {
+    (void)timer;
+    _session->tick();
+}
+
+@end
+
+namespace macos_tests {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+void collect(NSView* view, Class kind, NSMutableArray* found) {
+    if ([view isKindOfClass:kind]) {
+        [found addObject:view];
+    }
+    for (NSView* each in [view subviews]) {
+        collect(each, kind, found);
+    }
+}
+
+} // namespace
+
+Session::Session() { [SessionClock class]; }
+
+Session::~Session() = default;
+
+int Session::run(const std::vector<std::string>& arguments, milliseconds limit, const Program& program) {
+    @autoreleasepool {
+        NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+        NSMutableDictionary* const domain = [NSMutableDictionary dictionary];
+        for (const auto& [key, value] : platform::argumentDomain(arguments)) {
+            [domain setObject:cocoa::toCocoa(value) forKey:cocoa::toCocoa(key)];
+        }
+        [defaults removeVolatileDomainForName:NSArgumentDomain];
+        [defaults setVolatileDomain:domain forName:NSArgumentDomain];
+
+        std::vector<const char*> argv{"program"};
+        for (const std::string& each : arguments) {
+            argv.push_back(each.c_str());
+        }
+        argv.push_back(nullptr);
+
+        isTerminating = false;
+        _ranOut = false;
+        _isRunning = true;
+        _end = Clock::now() + limit;
+        _agenda.clear();
+        cocoa::CocoaDesktop desktop;
+        if (++_runs > 1) { // AppKit announces the end of launching only once in a process
+            [static_cast<NSObject*>([NSApp delegate]) performSelector:@selector(applicationDidFinishLaunching:)
+                                                           withObject:nil
+                                                           afterDelay:0];
+        }
+        scheduleTick();
+        const int status = program(static_cast<int>(arguments.size() + 1), argv.data());
+        _isRunning = false;
+        statusItem = nil;
+        return status;
+    }
+}
+
+void Session::when(std::function<bool()> isDue, std::function<void()> deed) {
+    _agenda.push_back({std::move(isDue), std::move(deed)});
+}
+
+void Session::after(milliseconds delay, std::function<void()> deed) {
+    when([due = Clock::now() + delay] { return Clock::now() >= due; }, std::move(deed));
+}
+
+void Session::onceShown(std::function<void()> deed) {
+    when([before = modalSessions] { return modalSessions > before && [frontWindow() isVisible]; },
+         std::move(deed));
+}
+
+void Session::scheduleTick() {
+    SessionClock* const clock = [[[SessionClock alloc] initWithSession:*this] autorelease];
+    NSTimer* const timer = [NSTimer timerWithTimeInterval:0.004
+                                                   target:clock
+                                                 selector:@selector(tick:)
+                                                 userInfo:nil
+                                                  repeats:NO];
+    for (NSString* mode in
+         @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
+        [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
+    }
+}
+
+void Session::tick() {
+    if (!_isRunning) {
+        return;
+    }
+    scheduleTick(); // first, because a deed may open a window and not return before that closes
+    if (Clock::now() > _end) {
+        _ranOut = true;
+        isTerminating = true;
+    }
+    if (isTerminating) {
+        [NSApp stop:nil]; // one modal session at a time, then the run loop itself
+        return;
+    }
+    for (auto each = _agenda.begin(); each != _agenda.end(); ++each) {
+        if (each->isDue()) {
+            const auto action = std::move(each->action);
+            _agenda.erase(each);
+            action();
+            return;
+        }
+    }
+}
+
+NSWindow* frontWindow() { return [NSApp modalWindow]; }
+
+NSArray* viewsOfClass(Class kind) {
+    NSMutableArray* const found = [NSMutableArray array];
+    collect([frontWindow() contentView], kind, found);
+    return found;
+}
+
+NSButton* buttonTitled(std::string_view title) {
+    for (NSButton* each in viewsOfClass([NSButton class])) {
+        if ([[each title] isEqualToString:cocoa::toCocoa(title)]) {
+            return each;
+        }
+    }
+    return nil;
+}
+
+NSButton* alertButton(std::size_t index) {
+    return [[frontWindow() contentView] viewWithTag:NSAlertFirstButtonReturn + static_cast<NSInteger>(index)];
+}
+
+NSButton* alertCheckBox() {
+    for (NSButton* each in viewsOfClass([NSButton class])) {
+        if ([each tag] < NSAlertFirstButtonReturn && [each isEnabled]) {
+            return each;
+        }
+    }
+    return nil;
+}
+
+void press(NSButton* button) {
+    EXPECT_NE(button, nil) << "no such button";
+    [button performClick:nil];
+}
+
+void closeFrontWindow() { [frontWindow() close]; }
+
+NSStatusBarButton* statusButton() { return [statusItem button]; }
+
+NSMenu* statusMenu() { return [statusItem menu]; }
+
+NSMenuItem* menuEntry(std::string_view title) {
+    [statusMenu() update];
+    return static_cast<NSMenuItem*>([statusMenu() itemWithTitle:cocoa::toCocoa(title)]);
+}
+
+void pick(std::string_view title) {
+    NSMenuItem* const entry = menuEntry(title);
+    EXPECT_NE(entry, nil) << title;
+    if ([entry isEnabled]) {
+        [statusMenu() performActionForItemAtIndex:[statusMenu() indexOfItem:entry]];
+    }
+}
+
+void wakeMachine() {
+    [[[NSWorkspace sharedWorkspace] notificationCenter] postNotificationName:NSWorkspaceDidWakeNotification
+                                                                      object:nil];
+}
+
+} // namespace macos_tests

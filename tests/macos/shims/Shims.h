@@ -1,0 +1,54 @@
+#pragma once
+
+// What AppKit has and GNUstep lacks, with the signatures of Apple's documentation. Included ahead of every source
+// that is compiled against GNUstep; never part of the product. README.md beside this file gives the reason for each.
+
+#import <AppKit/AppKit.h>
+
+// Constants under the names that they have had since macOS 10.12
+
+#define NSAlertStyleWarning NSWarningAlertStyle
+#define NSAlertStyleInformational NSInformationalAlertStyle
+#define NSAlertStyleCritical NSCriticalAlertStyle
+#define NSBezelStyleRounded NSRoundedBezelStyle
+#define NSButtonTypeMomentaryPushIn NSMomentaryPushInButton
+#define NSButtonTypeSwitch NSSwitchButton
+
+typedef NS_ENUM(NSInteger, NSWindowTitleVisibility) {
+    NSWindowTitleVisible = 0,
+    NSWindowTitleHidden = 1,
+};
+
+// Methods
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSAlert (Shims)
+@property BOOL showsSuppressionButton;
+@property (nullable, readonly) NSButton* suppressionButton;
+@end
+
+@interface NSColor (Shims)
+@property (class, strong, readonly) NSColor* linkColor;
+@end
+
+@interface NSFont (Shims)
++ (NSFont*)monospacedSystemFontOfSize:(CGFloat)fontSize weight:(NSFontWeight)weight;
+@end
+
+@interface NSStatusBarButton (Shims)
+- (NSInteger)sendActionOn:(NSEventMask)mask;
+@end
+
+@interface NSStatusItem (Shims)
+@property (nullable, readonly, strong) NSStatusBarButton* button;
+@end
+
+@interface NSWindow (Shims)
+@property BOOL preventsApplicationTerminationWhenModal;
+@property NSWindowStyleMask styleMask;
+@property NSWindowTitleVisibility titleVisibility;
+@property BOOL titlebarAppearsTransparent;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,242 @@
+// The methods behind Shims.h. Setters of what GNUstep cannot show do nothing: the message tests watch that they are
+// sent. The menu bar is a strip of a window at the top of the screen.
+
+#import "tests/macos/shims/LogEntries.hpp"
+
+#include <map>
+#include <objc/runtime.h>
+
+// Alerts: a check box is added to the alert's window once it is up
+
+namespace {
+
+std::map<NSAlert*, NSButton*> suppressionButtons;
+IMP runModalWithoutSuppressionButton;
+
+NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
+    if (suppressionButtons.count(self) != 0) {
+        [self performSelector:@selector(placeSuppressionButton)
+                   withObject:nil
+                   afterDelay:0
+                      inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+    }
+    return reinterpret_cast<NSInteger (*)(id, SEL)>(runModalWithoutSuppressionButton)(self, selector);
+}
+
+} // namespace
+
+@interface NSAlert (ShimMethods)
+- (void)setShowsSuppressionButton:(BOOL)shows;
+@end
+
+@implementation NSAlert (ShimMethods)
+
++ (void)load {
+    Method const method = class_getInstanceMethod([NSAlert class], @selector(runModal));
+    runModalWithoutSuppressionButton =
+        method_setImplementation(method, reinterpret_cast<IMP>(runModalWithSuppressionButton));
+}
+
+- (void)setShowsSuppressionButton:(BOOL)shows {
+    [suppressionButtons[self] release];
+    suppressionButtons.erase(self);
+    if (shows) {
+        NSButton* const button = [[NSButton alloc] initWithFrame:NSMakeRect(16, 12, 240, 20)];
+        [button setButtonType:NSSwitchButton];
+        suppressionButtons[self] = button;
+    }
+}
+
+- (NSButton*)suppressionButton {
+    const auto found = suppressionButtons.find(self);
+    return found == suppressionButtons.end() ? nil : found->second;
+}
+
+- (void)placeSuppressionButton {
+    NSView* const content = [[NSApp modalWindow] contentView];
+    [[self suppressionButton] setFrameOrigin:NSMakePoint(16, 14)];
+    [content addSubview:[self suppressionButton]];
+    [content setNeedsDisplay:YES];
+}
+
+@end
+
+// Windows
+
+@interface NSWindow (ShimMethods)
+@end
+
+@implementation NSWindow (ShimMethods)
+
+- (void)setPreventsApplicationTerminationWhenModal:(BOOL)prevents {
+    (void)prevents;
+}
+
+- (void)setStyleMask:(NSUInteger)styleMask {
+    (void)styleMask;
+}
+
+- (void)setTitleVisibility:(NSWindowTitleVisibility)visibility {
+    (void)visibility;
+}
+
+- (void)setTitlebarAppearsTransparent:(BOOL)transparent {
+    (void)transparent;
+}
+
+@end
+
+// Fonts and colours
+
+@interface NSFont (ShimMethods)
+@end
+
+@implementation NSFont (ShimMethods)
+
++ (NSFont*)monospacedSystemFontOfSize:(CGFloat)fontSize weight:(NSFontWeight)weight {
+    (void)weight;
+    return [NSFont userFixedPitchFontOfSize:fontSize];
+}
+
+@end
+
+@interface NSColor (ShimMethods)
+@end
+
+@implementation NSColor (ShimMethods)
+
++ (NSColor*)linkColor {
+    return [NSColor colorWithCalibratedRed:0 green:0.3 blue:0.8 alpha:1];
+}
+
+@end
+
+// The menu bar
+
+/// Opens the item's menu when it is pressed.
+@interface StripButton : NSStatusBarButton {
+    NSStatusItem* _item;
+}
+- (instancetype)initWithFrame:(NSRect)frame item:(NSStatusItem*)item;
+@end
+
+@implementation StripButton
+
+- (instancetype)initWithFrame:(NSRect)frame item:(NSStatusItem*)item {
+    if ((self = [super initWithFrame:frame])) {
+        _item = item;
+        [self setBordered:NO];
+        [self setTitle:@""];
+        [self setImagePosition:NSImageLeft];
+    }
+    return self;
+}
+
+- (void)mouseDown:(NSEvent*)event {
+    [NSMenu popUpContextMenu:[_item menu] withEvent:event forView:self];
+}
+
+@end
+
+/// A status item in a window of its own.
+@interface StripItem : NSStatusItem {
+    NSWindow* _window;
+    StripButton* _button;
+    NSMenu* _stripMenu;
+}
+- (instancetype)initWithLength:(CGFloat)length;
+- (void)remove;
+@end
+
+@implementation StripItem
+
+- (instancetype)initWithLength:(CGFloat)length {
+    if ((self = [super init])) {
+        const NSRect screen = [[NSScreen mainScreen] frame];
+        const NSRect frame = NSMakeRect(NSMaxX(screen) - length - 200, NSMaxY(screen) - 28, length, 28);
+        _window = [[NSWindow alloc] initWithContentRect:frame
+                                              styleMask:NSBorderlessWindowMask
+                                                backing:NSBackingStoreBuffered
+                                                  defer:NO];
+        [_window setReleasedWhenClosed:NO];
+        [_window setLevel:NSStatusWindowLevel];
+        _button = [[StripButton alloc] initWithFrame:NSMakeRect(0, 0, length, 28) item:self];
+        [_window setContentView:_button];
+        [_window orderFront:nil];
+    }
+    return self;
+}
+
+- (void)dealloc {
+    [_window release];
+    [_button release];
+    [_stripMenu release];
+    [super dealloc];
+}
+
+- (NSStatusBarButton*)button {
+    return _button;
+}
+
+- (NSMenu*)menu {
+    return _stripMenu;
+}
+
+- (void)setMenu:(NSMenu*)menu {
+    [_stripMenu autorelease];
+    _stripMenu = [menu retain];
+}
+
+- (void)remove {
+    [_window close];
+}
+
+@end
+
+@interface NSStatusBar (ShimMethods)
+@end
+
+@implementation NSStatusBar (ShimMethods)
+
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation" // these replace GNUstep's own
+
++ (NSStatusBar*)systemStatusBar {
+    static NSStatusBar* const bar = [[NSStatusBar alloc] init];
+    return bar;
+}
+
+- (NSStatusItem*)statusItemWithLength:(CGFloat)length {
+    return [[[StripItem alloc] initWithLength:length] autorelease];
+}
+
+- (void)removeStatusItem:(NSStatusItem*)item {
+    [static_cast<StripItem*>(item) remove];
+}
+
+#pragma clang diagnostic pop
+
+@end
+
+// The unified log
+
+struct os_log_s {
+    std::string subsystem;
+    std::string category;
+};
+
+std::vector<LogEntry>& logEntries() {
+    static std::vector<LogEntry> entries;
+    return entries;
+}
+
+os_log_t os_log_create(const char* subsystem, const char* category) {
+    static std::map<std::pair<std::string, std::string>, os_log_s> logs; // one for each name, as Apple's are
+    return &logs.try_emplace({subsystem, category}, os_log_s{subsystem, category}).first->second;
+}
+
+bool os_log_type_enabled(os_log_t oslog, os_log_type_t type) { return oslog && type == OS_LOG_TYPE_ERROR; }
+
+void logEntry(os_log_t log, os_log_type_t type, const char* format, const char* argument) {
+    logEntries().push_back({log->subsystem, log->category, type, format, argument});
+}
