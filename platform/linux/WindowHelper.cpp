@@ -1,0 +1,186 @@
+#include "platform/linux/WindowHelper.hpp"
+
+#include "platform/NSImage.hpp"
+#include "platform/linux/WindowProcess.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+/// Ticks the alert's check box as the user did. Gives false if the event tells nothing of the kind.
+bool tick(NSAlert& alert, const Event& event) {
+    const bool* isTicked = event.value ? std::get_if<bool>(&*event.value) : nullptr;
+    NSSuppressionButton* checkBox = alert.suppressionButton();
+    if (!isTicked || !checkBox || event.control != alert.buttons().size()) {
+        return false;
+    }
+    using enum NSSuppressionButton::StateValue;
+    checkBox->state = *isTicked ? On : Off;
+    return true;
+}
+
+/// Does what a change by the user does to a control, if the value is one that the control can take.
+class Change {
+public:
+    explicit Change(ControlValue value)
+        : _value{value} {}
+
+    bool operator()(const node::TextField& field) const {
+        const auto* number = std::get_if<std::int64_t>(&_value);
+        return number && (field.value.set(*number), true);
+    }
+    bool operator()(const node::Toggle& toggle) const {
+        const auto* isOn = std::get_if<bool>(&_value);
+        return isOn && (toggle.isOn.set(*isOn), true);
+    }
+    bool operator()(const node::Picker& picker) const {
+        const auto* index = std::get_if<std::int64_t>(&_value);
+        const bool isItem = index && *index >= 0 && static_cast<std::size_t>(*index) < picker.items.size();
+        return isItem && (picker.select(static_cast<std::size_t>(*index)), true);
+    }
+    bool operator()(const auto& /* takes no value */) const { return false; }
+
+private:
+    ControlValue _value;
+};
+
+/// Does to the view's control what the user did to it in the window. Gives false if that makes no sense.
+bool apply(const Event& event, const View& content) {
+    const auto controls = controlsIn(content);
+    if (event.control >= controls.size()) {
+        return false;
+    }
+    const Node& control = *controls[event.control];
+    if (event.kind == Event::Kind::Changed) {
+        return std::visit(Change{*event.value}, control);
+    }
+    const auto* button = std::get_if<node::Button>(&control);
+    const auto* field = std::get_if<node::TextField>(&control);
+    if (event.kind == Event::Kind::Pressed && button) {
+        button->action();
+        return true;
+    }
+    if (event.kind == Event::Kind::Submitted && field) {
+        if (field->onSubmit) {
+            field->onSubmit();
+        }
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+/// One window on screen, from its request to its end.
+class WindowHelper::Session {
+public:
+    Session(WindowHelper& helper, bool isPanel)
+        : window{++helper._lastWindow}
+        , isPanel{isPanel}
+        , _helper{helper} {
+        if (_helper._sessions.empty()) {
+            _helper._process = std::make_unique<WindowProcess>(_helper._helperProgram, _helper._logError);
+        }
+        _helper._sessions.push_back(this);
+    }
+    ~Session() {
+        _helper._sessions.pop_back();
+        if (_helper._sessions.empty()) {
+            _helper._process.reset();
+        } else {
+            send(CloseRequest{window});
+        }
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    void send(const Request& request) { _helper._process->send(request); }
+
+    /// Waits until the user did something with this window; nothing once the session is over or the program dead.
+    std::optional<Event> nextEvent() {
+        while (!isOver) {
+            if (const auto event = _helper._process->nextEvent()) {
+                if (event->window == window) {
+                    return event;
+                } // the windows below take no input, and those above are gone
+            } else if (_helper._process->isAlive()) {
+                _helper._iterate();
+            } else {
+                break;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void giveUp() { _helper._process->giveUp("the window program told of something that cannot be done"); }
+
+    const std::uint32_t window;
+    const bool isPanel;
+    bool isOver = false;
+
+private:
+    WindowHelper& _helper;
+};
+
+WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,
+                           std::function<void(std::string_view)> logError)
+    : _helperProgram{std::move(helperProgram)}
+    , _iterate{std::move(iterate)}
+    , _logError{std::move(logError)} {}
+
+WindowHelper::~WindowHelper() = default;
+
+int WindowHelper::runAlert(NSAlert& alert) {
+    const auto picture = NSImage::named(alert.icon.value_or("Marvelode.png"));
+    Session session{*this, false};
+    session.send(AlertRequest{session.window, alert, picture ? picture->url : std::filesystem::path{}});
+    while (const auto event = session.nextEvent()) {
+        if (event->kind == Event::Kind::Pressed && event->control < alert.buttons().size()) {
+            return NSAlert::FirstButtonReturn + static_cast<int>(event->control);
+        }
+        if (event->kind == Event::Kind::Closed) {
+            break;
+        }
+        if (!tick(alert, *event)) {
+            session.giveUp();
+        }
+    }
+    return NSAlert::Stopped;
+}
+
+void WindowHelper::runModal(NSPanel& panel, const View& content) {
+    Session session{*this, true};
+    session.send(
+        PanelRequest{session.window, panel.title, panel.isMovableByWindowBackground, content, nullptr});
+    while (const auto event = session.nextEvent()) {
+        if (event->kind == Event::Kind::Closed) {
+            break;
+        }
+        if (!apply(*event, content)) {
+            session.giveUp();
+        } else if (!session.isOver) {
+            session.send(ValuesRequest{session.window, valuesOf(content)});
+        }
+    }
+    if (!session.isOver) {
+        panel.close();
+    }
+}
+
+void WindowHelper::stopModal() {
+    const auto innermost = std::find_if(_sessions.rbegin(), _sessions.rend(),
+                                        [](const Session* session) { return session->isPanel; });
+    if (innermost != _sessions.rend()) {
+        (*innermost)->isOver = true;
+    }
+}
+
+void WindowHelper::closeAll() {
+    for (Session* session : _sessions) {
+        session->isOver = true;
+    }
+}
+
+} // namespace platform::freedesktop

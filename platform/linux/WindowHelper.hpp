@@ -1,0 +1,56 @@
+#pragma once
+
+// Shows alerts and panels through a program of its own, so that the resident program needs no toolkit. That program
+// runs while a window is up; if it cannot, or dies, every window it showed counts as closed by the user.
+
+#include "platform/NSAlert.hpp"
+#include "platform/NSPanel.hpp"
+#include "platform/View.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+class WindowProcess;
+
+class WindowHelper {
+public:
+    /// Shows windows with the program at `helperProgram`. `iterate` runs the main context once and may block until
+    /// something happened; `logError` is told why windows could not be shown. Both are kept.
+    WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,
+                 std::function<void(std::string_view)> logError);
+    ~WindowHelper();
+    WindowHelper(const WindowHelper&) = delete;
+    WindowHelper& operator=(const WindowHelper&) = delete;
+
+    /// Shows the alert on top of all windows and waits for the answer, keeping its check box up to date; gives
+    /// `NSAlert::Stopped` if it was closed without one.
+    int runAlert(NSAlert& alert);
+
+    /// Shows the panel on top of all windows and runs the operations of the controls in `content` as the user uses
+    /// them, until `stopModal()`. A panel that the user or an accident closes is told so by `NSPanel::close`.
+    void runModal(NSPanel& panel, const View& content);
+
+    /// Lets the innermost `runModal` return; does nothing if there is none.
+    void stopModal();
+
+    /// Lets every `runAlert` and `runModal` return, without any panel being told.
+    void closeAll();
+
+private:
+    class Session;
+
+    std::filesystem::path _helperProgram;
+    std::function<void()> _iterate;
+    std::function<void(std::string_view)> _logError;
+    std::unique_ptr<WindowProcess> _process; ///< Exists exactly while there are sessions.
+    std::vector<Session*> _sessions;         ///< One for each window, the topmost last.
+    std::uint32_t _lastWindow = 0;
+};
+
+} // namespace platform::freedesktop

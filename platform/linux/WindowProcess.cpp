@@ -1,0 +1,127 @@
+#include "platform/linux/WindowProcess.hpp"
+
+#include <glib-unix.h>
+
+#include <csignal>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+using namespace std::string_literals;
+
+/// How long a program that was told to end may take.
+constexpr timeval patience{0, 500'000};
+
+std::string messageOf(int error) { return std::generic_category().message(error); }
+
+} // namespace
+
+WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError)
+    : _logError{std::move(logError)} {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        _logError("no window can be shown: " + messageOf(errno));
+        return;
+    }
+    _socket = ends[0];
+    start(path, ends[1]);
+    close(ends[1]);
+}
+
+void WindowProcess::start(const std::filesystem::path& path, int childSocket) {
+    std::string program = path.string();
+    std::array<gchar*, 2> arguments{program.data(), nullptr};
+    constexpr int inherited = -1;
+    GError* error = nullptr;
+    const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
+    if (!g_spawn_async_with_fds(nullptr, arguments.data(), nullptr, flags, nullptr, nullptr, &_process, childSocket,
+                                inherited, inherited, &error)) {
+        const std::unique_ptr<GError, decltype(&g_error_free)> owned{error, g_error_free};
+        _logError("no window can be shown: "s + error->message);
+        close(std::exchange(_socket, -1));
+        return;
+    }
+    const auto onReadable = [](gint, GIOCondition, gpointer self) -> gboolean {
+        static_cast<WindowProcess*>(self)->receive();
+        return G_SOURCE_CONTINUE; // `end()` removes the source
+    };
+    _source = g_unix_fd_add(_socket, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), onReadable, this);
+}
+
+WindowProcess::~WindowProcess() {
+    if (!isAlive()) {
+        return;
+    }
+    shutdown(_socket, SHUT_WR);
+    setsockopt(_socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    std::array<char, longestMessage> ignored; // NOLINT(*-member-init): written before it would be read
+    while (recv(_socket, ignored.data(), ignored.size(), 0) > 0) {
+    }
+    end();
+}
+
+void WindowProcess::end() {
+    g_source_remove(std::exchange(_source, 0));
+    close(std::exchange(_socket, -1));
+    kill(_process, SIGKILL); // of no effect on a program that has ended
+    while (waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+std::optional<Event> WindowProcess::nextEvent() {
+    if (_events.empty()) {
+        return std::nullopt;
+    }
+    const Event event = _events.front();
+    _events.pop_front();
+    return event;
+}
+
+void WindowProcess::send(const Request& request) {
+    if (!isAlive()) {
+        return;
+    }
+    const std::string message = encode(request);
+    const bool fits = message.size() <= longestMessage;
+    if (!fits || ::send(_socket, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0) {
+        giveUp("the window program cannot be told what to show: " + messageOf(fits ? errno : EMSGSIZE));
+    }
+}
+
+void WindowProcess::giveUp(std::string_view reason) {
+    if (isAlive()) {
+        _logError(reason);
+        end();
+    }
+}
+
+void WindowProcess::receive() {
+    std::array<char, longestMessage> packet; // NOLINT(*-member-init): as above
+    const ssize_t size = recv(_socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_TRUNC);
+    if (size < 0 && (errno == EAGAIN || errno == EINTR)) {
+        return;
+    }
+    if (size <= 0) {
+        giveUp("the window program ended before its window was closed");
+        return;
+    }
+    const auto length = static_cast<std::size_t>(size);
+    const auto event = length <= packet.size() ? decodeEvent({packet.data(), length}) : std::nullopt;
+    if (event) {
+        _events.push_back(*event);
+    } else {
+        giveUp("the window program sent a message that makes no sense");
+    }
+}
+
+} // namespace platform::freedesktop

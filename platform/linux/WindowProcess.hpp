@@ -1,0 +1,52 @@
+#pragma once
+
+// One run of the program that shows windows, and the socket that leads to it. It is started by the constructor and
+// has certainly ended, leaving no zombie, when the destructor returns.
+
+#include "platform/linux/window/Protocol.hpp"
+
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform::freedesktop {
+
+class WindowProcess {
+public:
+    /// Starts the program at `path`, and reads what it says whenever the calling thread's main context is iterated.
+    /// If it cannot start, or goes away before it is told to, `logError` learns why.
+    WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError);
+
+    /// Lets the program close all its windows and end; kills it if that takes more than half a second.
+    ~WindowProcess();
+    WindowProcess(const WindowProcess&) = delete;
+    WindowProcess& operator=(const WindowProcess&) = delete;
+
+    /// Whether the program runs and speaks the protocol. Once false, it stays so.
+    bool isAlive() const { return _socket >= 0; }
+
+    /// The oldest event that nobody took yet; the last ones may still come from a program that is dead by now.
+    std::optional<Event> nextEvent();
+
+    /// Does nothing if the program is dead.
+    void send(const Request& request);
+
+    /// Kills the program, because of `reason`.
+    void giveUp(std::string_view reason);
+
+private:
+    void start(const std::filesystem::path& path, int childSocket);
+    void receive();
+    void end();
+
+    std::function<void(std::string_view)> _logError;
+    int _socket = -1; ///< Open exactly while the program is alive.
+    int _process = 0;
+    unsigned _source = 0;
+    std::deque<Event> _events;
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,300 @@
+#include "platform/linux/window/Content.hpp"
+
+#include "platform/linux/window/Pictures.hpp"
+
+#include <cmath>
+
+namespace platform::freedesktop {
+namespace {
+
+template <typename... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+constexpr int usualSpacing = 8;
+constexpr double usualPadding = 16;
+constexpr int shortestFieldInCharacters = 3;
+
+int pixels(double points) { return static_cast<int>(std::lround(points)); }
+
+GtkAlign alignOf(Alignment alignment) {
+    switch (alignment) {
+    case Alignment::Leading:
+        return GTK_ALIGN_START;
+    case Alignment::Center:
+        return GTK_ALIGN_CENTER;
+    case Alignment::Trailing:
+        return GTK_ALIGN_END;
+    }
+    return GTK_ALIGN_FILL;
+}
+
+/// A box that gives `widget` a place inside itself.
+GtkWidget* boxed(GtkWidget* widget) {
+    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    gtk_box_pack_start(GTK_BOX(box), widget, TRUE, TRUE, 0);
+    return box;
+}
+
+GtkWidget* padded(GtkWidget* widget, const modifier::Padding& padding) {
+    const int length = pixels(padding.length.value_or(usualPadding));
+    const auto pad = [&](Edges edge, void (*setMargin)(GtkWidget*, gint)) {
+        if (padding.edges == edge || padding.edges == Edges::All) {
+            setMargin(widget, length);
+        }
+    };
+    GtkWidget* box = boxed(widget);
+    pad(Edges::Top, gtk_widget_set_margin_top);
+    pad(Edges::Bottom, gtk_widget_set_margin_bottom);
+    pad(Edges::Leading, gtk_widget_set_margin_start);
+    pad(Edges::Trailing, gtk_widget_set_margin_end);
+    return box;
+}
+
+std::string markupOf(const node::Text& text) {
+    std::string markup;
+    for (const node::TextRun& run : text.runs) {
+        const auto escaped = [](const std::string& plain) {
+            const std::unique_ptr<gchar, decltype(&g_free)> markedUp{
+                g_markup_escape_text(plain.c_str(), static_cast<gssize>(plain.size())), g_free};
+            return std::string{markedUp.get()};
+        };
+        markup += run.link ? "<a href=\"" + escaped(*run.link) + "\">" + escaped(run.string) + "</a>"
+                           : escaped(run.string);
+    }
+    return markup;
+}
+
+void setFont(GtkWidget* label, Font font) {
+    PangoAttrList* attributes = pango_attr_list_new();
+    if (font == Font::Title2) {
+        pango_attr_list_insert(attributes, pango_attr_scale_new(1.3));
+        pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
+    } else if (font == Font::Caption) {
+        pango_attr_list_insert(attributes, pango_attr_scale_new(PANGO_SCALE_SMALL));
+        gtk_style_context_add_class(gtk_widget_get_style_context(label), GTK_STYLE_CLASS_DIM_LABEL);
+    }
+    gtk_label_set_attributes(GTK_LABEL(label), attributes);
+    pango_attr_list_unref(attributes);
+}
+
+/// Whether a control has no text of its own, so that the text before it is its name.
+bool isNameless(const Node& node) {
+    return std::visit(Overloaded{
+                          [](const node::TextField&) { return true; },
+                          [](const node::Toggle& toggle) { return toggle.title.empty(); },
+                          [](const node::Picker& picker) { return picker.title.empty(); },
+                          [](const auto&) { return false; },
+                      },
+                      node);
+}
+
+} // namespace
+
+Content::Content(const View& view) { _root = build(view, Font::Body).outer; }
+
+void Content::Field::show() {
+    shown = node->text();
+    gtk_entry_set_text(entry, shown.c_str());
+}
+
+void Content::commitEdits() {
+    for (const auto& field : _fields) {
+        if (field->isEdited()) {
+            field->node->commit(field->text());
+            field->show();
+        }
+    }
+}
+
+void Content::refresh() {
+    for (const auto& field : _fields) {
+        if (!field->isEdited() && field->shown != field->node->text()) {
+            field->show();
+        }
+    }
+    for (const auto& refresher : _refreshers) {
+        refresher();
+    }
+}
+
+Content::Widgets Content::build(const View& view, Font font) {
+    if (const auto* style = view.last<modifier::FontStyle>()) {
+        font = style->font;
+    }
+    GtkWidget* inner = std::visit(Overloaded{
+                                      [&](const node::Text& text) { return build(text, font); },
+                                      [&](const node::Image& image) { return build(image, view); },
+                                      [&](const node::Stack& stack) { return build(stack, font); },
+                                      [&](const auto& control) { return build(control); },
+                                  },
+                                  view.node);
+    GtkWidget* outer = inner;
+    for (const Modifier& modifier : view.modifiers) {
+        outer = modified(outer, inner, modifier);
+    }
+    return {outer, inner};
+}
+
+GtkWidget* Content::build(const node::Text& text, Font font) {
+    GtkWidget* label = gtk_label_new(nullptr);
+    gtk_label_set_markup(GTK_LABEL(label), markupOf(text).c_str());
+    setFont(label, font);
+    return label;
+}
+
+GtkWidget* Content::build(const node::Image& image, const View& view) {
+    const auto* frame = view.last<modifier::Frame>();
+    return picture(image.image.url, frame ? frame->width.value_or(image.image.size.width) : image.image.size.width,
+                   frame ? frame->height.value_or(image.image.size.height) : image.image.size.height);
+}
+
+GtkWidget* Content::build(const node::TextField& node) {
+    GtkWidget* entry = gtk_entry_new();
+    gtk_entry_set_placeholder_text(GTK_ENTRY(entry), node.placeholder.c_str());
+    gtk_entry_set_width_chars(GTK_ENTRY(entry), shortestFieldInCharacters);
+    gtk_entry_set_input_purpose(GTK_ENTRY(entry), GTK_INPUT_PURPOSE_NUMBER);
+    _fields.push_back(std::make_unique<Field>(Field{&node, GTK_ENTRY(entry), {}}));
+    Field& field = *_fields.back();
+    field.show();
+    connect(entry, "activate", [&field] {
+        field.node->submit(field.text());
+        field.show();
+    });
+    connect(entry, "focus-out-event", [this](GdkEvent*) -> gboolean {
+        commitEdits();
+        return GDK_EVENT_PROPAGATE;
+    });
+    return entry;
+}
+
+GtkWidget* Content::build(const node::Toggle& node) {
+    GtkWidget* toggle = gtk_switch_new();
+    const auto refresher = [&node, toggle] { gtk_switch_set_active(GTK_SWITCH(toggle), node.isOn.get()); };
+    refresher();
+    _refreshers.emplace_back(refresher);
+    connect(toggle, "notify::active", [this, &node, toggle](GParamSpec*) {
+        const bool isOn = gtk_switch_get_active(GTK_SWITCH(toggle)) != FALSE;
+        if (isOn != node.isOn.get()) {
+            commitEdits();
+            node.isOn.set(isOn);
+        }
+    });
+    if (node.title.empty()) {
+        return toggle;
+    }
+    GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, usualSpacing);
+    GtkWidget* label = gtk_label_new_with_mnemonic(_mnemonics.mark(node.title).c_str());
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), toggle);
+    setAccessibleName(toggle, node.title.c_str());
+    gtk_container_add(GTK_CONTAINER(row), label);
+    gtk_container_add(GTK_CONTAINER(row), toggle);
+    return row;
+}
+
+GtkWidget* Content::build(const node::Picker& node) {
+    GtkWidget* picker = gtk_combo_box_text_new();
+    for (const std::string& item : node.items) {
+        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(picker), item.c_str());
+    }
+    const auto refresher = [&node, picker] {
+        gtk_combo_box_set_active(GTK_COMBO_BOX(picker), static_cast<gint>(node.selection.get()));
+    };
+    refresher();
+    _refreshers.emplace_back(refresher);
+    connect(picker, "changed", [this, &node, picker] {
+        const gint index = gtk_combo_box_get_active(GTK_COMBO_BOX(picker));
+        if (index >= 0 && static_cast<std::size_t>(index) != node.selection.get()) {
+            commitEdits();
+            node.select(static_cast<std::size_t>(index));
+        }
+    });
+    setAccessibleName(picker, node.title.c_str());
+    return picker;
+}
+
+GtkWidget* Content::build(const node::Button& node) {
+    GtkWidget* button = gtk_button_new();
+    GtkWidget* label = gtk_label_new_with_mnemonic(_mnemonics.mark(node.label).c_str());
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), button);
+    g_object_set(label, "margin", pixels(node.labelPadding), nullptr);
+    gtk_container_add(GTK_CONTAINER(button), label);
+    connect(button, "clicked", [this, &node] {
+        commitEdits();
+        node.action();
+    });
+    return button;
+}
+
+GtkWidget* Content::build(const node::Stack& stack, Font font) {
+    const bool isVertical = stack.axis == Axis::Vertical;
+    GtkWidget* box =
+        gtk_box_new(isVertical ? GTK_ORIENTATION_VERTICAL : GTK_ORIENTATION_HORIZONTAL, usualSpacing);
+    GtkWidget* precedingLabel = nullptr;
+    for (const View& child : stack.children) {
+        const Widgets widgets = build(child, font);
+        if (isVertical) {
+            gtk_widget_set_halign(widgets.outer, alignOf(stack.alignment));
+        } else {
+            gtk_widget_set_valign(widgets.outer, alignOf(stack.alignment));
+        }
+        gtk_container_add(GTK_CONTAINER(box), widgets.outer);
+        if (precedingLabel && isNameless(child.node)) {
+            name(widgets.inner, precedingLabel);
+        }
+        precedingLabel = std::holds_alternative<node::Text>(child.node) ? widgets.inner : nullptr;
+    }
+    return box;
+}
+
+GtkWidget* Content::framed(GtkWidget* widget, const modifier::Frame& frame) {
+    gtk_widget_set_halign(widget, alignOf(frame.alignment));
+    gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
+    GtkWidget* box = boxed(widget);
+    gtk_widget_set_size_request(box, frame.width ? pixels(*frame.width) : -1, frame.height ? pixels(*frame.height) : -1);
+    if (frame.width) {
+        auto& column = _columns[*frame.width];
+        if (!column) {
+            column.reset(gtk_size_group_new(GTK_SIZE_GROUP_HORIZONTAL));
+        }
+        gtk_size_group_add_widget(column.get(), box);
+    }
+    return box;
+}
+
+GtkWidget* Content::modified(GtkWidget* widget, GtkWidget* inner, const Modifier& modifier) {
+    std::visit(Overloaded{
+                   [&](const modifier::Frame& frame) { widget = framed(widget, frame); },
+                   [&](const modifier::Padding& padding) { widget = padded(widget, padding); },
+                   [&](const modifier::Disabled& disabled) {
+                       gtk_widget_set_sensitive(widget, !disabled.isDisabled);
+                   },
+                   [&](const modifier::Focusable&) { gtk_widget_set_can_focus(inner, TRUE); },
+                   [&](const modifier::FixedSize&) {
+                       gtk_widget_set_halign(widget, GTK_ALIGN_CENTER);
+                       gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
+                   },
+                   [&](const modifier::Shortcut&) { // the default action is the only kind
+                       gtk_widget_set_can_default(inner, TRUE);
+                       gtk_style_context_add_class(gtk_widget_get_style_context(inner),
+                                                   GTK_STYLE_CLASS_SUGGESTED_ACTION);
+                       _defaultButton = inner;
+                   },
+                   [](const modifier::FontStyle&) {}, // heeded where the text is made
+                   [](const modifier::OnAppear&) {},  // stays in the resident program
+               },
+               modifier);
+    return widget;
+}
+
+void Content::name(GtkWidget* widget, GtkWidget* label) {
+    const std::string title = gtk_label_get_text(GTK_LABEL(label));
+    setAccessibleName(widget, title.c_str());
+    gtk_label_set_text_with_mnemonic(GTK_LABEL(label), _mnemonics.mark(title).c_str());
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), widget);
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,23 @@
+#pragma once
+
+// Pictures from files and from the icon theme, sharp on screens of every density.
+
+#include "platform/linux/window/Gtk.hpp"
+
+#include <filesystem>
+
+namespace platform::freedesktop {
+
+/// The picture at `path` in that size; an empty widget if it cannot be read. The reference is floating.
+GtkWidget* picture(const std::filesystem::path& path, double width, double height);
+
+/// The picture at `path`, that high and as wide as it needs. The reference is floating.
+GtkWidget* picture(const std::filesystem::path& path, double height);
+
+/// The application's icon at that size; null if the icon theme has none. The reference is floating.
+GtkWidget* applicationIcon(int size);
+
+/// The name of the application's icon and desktop file.
+inline constexpr const char* applicationId = "org.marvelode.Timer";
+
+} // namespace platform::freedesktop

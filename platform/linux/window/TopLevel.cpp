@@ -1,0 +1,162 @@
+#include "platform/linux/window/TopLevel.hpp"
+
+#include "platform/linux/window/Pictures.hpp"
+
+#ifdef GDK_WINDOWING_X11
+#include <gdk/gdkx.h>
+#endif
+
+#include <string_view>
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+constexpr gint64 keylessMicroseconds = 500'000;
+
+/// Round corners need a compositor; without one, GTK gives the window a border instead.
+constexpr const char* appearance = R"(
+    window.csd:not(.solid-csd), window.csd:not(.solid-csd) decoration { border-radius: 12px; }
+    window .card { margin: 24px; }
+    window .buttons button { min-width: 76px; }
+)";
+
+/// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself.
+bool prefersDark() {
+    const gchar* desktop = g_getenv("XDG_CURRENT_DESKTOP");
+    if (!desktop || std::string_view{desktop}.find("GNOME") == std::string_view::npos) {
+        return false;
+    }
+    constexpr const char* schemaId = "org.gnome.desktop.interface";
+    const std::unique_ptr<GSettingsSchema, decltype(&g_settings_schema_unref)> schema{
+        g_settings_schema_source_lookup(g_settings_schema_source_get_default(), schemaId, TRUE),
+        g_settings_schema_unref};
+    if (!schema || !g_settings_schema_has_key(schema.get(), "color-scheme")) {
+        return false;
+    }
+    const std::unique_ptr<GSettings, decltype(&g_object_unref)> settings{g_settings_new(schemaId), g_object_unref};
+    const std::unique_ptr<gchar, decltype(&g_free)> scheme{g_settings_get_string(settings.get(), "color-scheme"),
+                                                          g_free};
+    return std::string_view{scheme.get()} == "prefer-dark";
+}
+
+GdkMonitor* monitorOfPointer(GdkDisplay* display) {
+    gint x = 0;
+    gint y = 0;
+    gdk_device_get_position(gdk_seat_get_pointer(gdk_display_get_default_seat(display)), nullptr, &x, &y);
+    return gdk_display_get_monitor_at_point(display, x, y);
+}
+
+bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
+
+} // namespace
+
+void setUpAppearance() {
+    if (prefersDark()) {
+        g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", TRUE, nullptr);
+    }
+    const std::unique_ptr<GtkCssProvider, decltype(&g_object_unref)> provider{gtk_css_provider_new(), g_object_unref};
+    gtk_css_provider_load_from_data(provider.get(), appearance, -1, nullptr);
+    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider.get()),
+                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    gtk_window_set_default_icon_name(applicationId);
+}
+
+TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<void()> wantsToClose)
+    : _window{GTK_WINDOW(gtk_window_new(GTK_WINDOW_TOPLEVEL))}
+    , _wantsToClose{std::move(wantsToClose)} {
+    gtk_window_set_title(_window, title.c_str());
+    gtk_window_set_type_hint(_window, GDK_WINDOW_TYPE_HINT_DIALOG);
+    gtk_window_set_resizable(_window, FALSE);
+    gtk_window_set_keep_above(_window, TRUE);
+    if (below) {
+        gtk_window_set_transient_for(_window, below);
+        gtk_window_set_modal(_window, TRUE);
+    }
+
+    // an invisible title bar of our own: the desktop draws none then, but GTK draws shadow and corners
+    GtkWidget* titleBar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    gtk_widget_set_no_show_all(titleBar, TRUE);
+    gtk_window_set_titlebar(_window, titleBar);
+
+    connect(_window, "delete-event", [this](GdkEvent*) -> gboolean {
+        _wantsToClose();
+        return GDK_EVENT_STOP;
+    });
+    connect(_window, "map-event", [this](GdkEvent*) -> gboolean {
+        _shownAt = g_get_monotonic_time();
+        return GDK_EVENT_PROPAGATE;
+    });
+    connect(_window, "key-press-event", [this](GdkEventKey* event) { return keyPressed(*event); });
+}
+
+TopLevel::~TopLevel() { gtk_widget_destroy(GTK_WIDGET(_window)); }
+
+void TopLevel::moveByBackground() {
+    gtk_widget_add_events(GTK_WIDGET(_window), GDK_BUTTON_PRESS_MASK);
+    connect(_window, "button-press-event", [this](GdkEventButton* event) -> gboolean {
+        if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_PRIMARY) {
+            return GDK_EVENT_PROPAGATE;
+        }
+        gtk_window_begin_move_drag(_window, static_cast<gint>(event->button), static_cast<gint>(event->x_root),
+                                   static_cast<gint>(event->y_root), event->time);
+        return GDK_EVENT_STOP;
+    });
+}
+
+void TopLevel::comeUnasked() {
+    gtk_window_stick(_window);
+    _comesUnasked = true;
+}
+
+bool TopLevel::isTooEarlyForKeys() const {
+    return _comesUnasked && g_get_monotonic_time() - _shownAt < keylessMicroseconds;
+}
+
+gboolean TopLevel::keyPressed(const GdkEventKey& event) {
+    if (isTooEarlyForKeys()) {
+        return GDK_EVENT_STOP;
+    }
+    if (event.keyval == GDK_KEY_Escape) {
+        _wantsToClose();
+        return GDK_EVENT_STOP;
+    }
+    GtkWidget* focus = gtk_window_get_focus(_window);
+    const bool isOnPicker = focus && gtk_widget_get_ancestor(focus, GTK_TYPE_COMBO_BOX);
+    if (isReturn(event.keyval) && isOnPicker) { // would open the picker, which Space and the arrow keys do
+        return gtk_window_activate_default(_window);
+    }
+    return GDK_EVENT_PROPAGATE;
+}
+
+void TopLevel::centre() {
+    GdkRectangle area{};
+    gdk_monitor_get_workarea(monitorOfPointer(gtk_widget_get_display(GTK_WIDGET(_window))), &area);
+    gint width = 0;
+    gint height = 0;
+    gtk_window_get_size(_window, &width, &height);
+    gtk_window_move(_window, area.x + (area.width - width) / 2, area.y + (area.height - height) / 2);
+}
+
+void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
+    gtk_style_context_add_class(gtk_widget_get_style_context(content), "card");
+    gtk_container_add(GTK_CONTAINER(_window), content);
+    gtk_widget_show_all(content);
+    if (defaultButton) {
+        gtk_window_set_default(_window, defaultButton);
+        gtk_widget_grab_focus(defaultButton);
+    }
+    gtk_widget_realize(GTK_WIDGET(_window));
+    centre();
+    guint32 now = GDK_CURRENT_TIME;
+#ifdef GDK_WINDOWING_X11
+    GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(_window));
+    if (GDK_IS_X11_WINDOW(surface)) { // window managers give the keyboard to what happened last
+        now = gdk_x11_get_server_time(surface);
+        gdk_x11_window_set_user_time(surface, now);
+    }
+#endif
+    gtk_window_present_with_time(_window, now);
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,50 @@
+#pragma once
+
+// A window as all windows of this program are: a small frameless card with rounded corners in the middle of the
+// screen with the pointer, above other windows, with the keyboard. It never closes by itself.
+
+#include "platform/linux/window/Gtk.hpp"
+
+#include <functional>
+#include <string>
+
+namespace platform::freedesktop {
+
+class TopLevel {
+public:
+    /// `below` is the window that this one is about, and that takes no input meanwhile; null if there is none.
+    /// `wantsToClose` is called when the user or the desktop wants the window to go away.
+    TopLevel(const std::string& title, GtkWindow* below, std::function<void()> wantsToClose);
+
+    /// Takes the window off the screen.
+    ~TopLevel();
+    TopLevel(const TopLevel&) = delete;
+    TopLevel& operator=(const TopLevel&) = delete;
+
+    GtkWindow* window() const { return _window; }
+
+    /// Lets the user drag the window by everything that is no control.
+    void moveByBackground();
+
+    /// Lets the window appear wherever the user works, and take no key for its first half second: somebody who is
+    /// typing as it appears does not mean it.
+    void comeUnasked();
+
+    /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.
+    void present(GtkWidget* content, GtkWidget* defaultButton);
+
+private:
+    bool isTooEarlyForKeys() const;
+    gboolean keyPressed(const GdkEventKey& event);
+    void centre();
+
+    GtkWindow* _window;
+    std::function<void()> _wantsToClose;
+    bool _comesUnasked = false;
+    gint64 _shownAt = 0; ///< In microseconds of the monotonic clock.
+};
+
+/// Lets this program's windows look as they should; call once, after GTK was initialised.
+void setUpAppearance();
+
+} // namespace platform::freedesktop
