@@ -7,6 +7,7 @@ VERSION. The tools it calls are in the packages that packaging/dependencies list
 
 import configparser
 import gzip
+import json
 import os
 import pathlib
 import re
@@ -44,14 +45,13 @@ class Failed(AssertionError):
 
 
 def output(*command, **options):
-    """What `command` prints; its messages are the failure where it does not succeed."""
+    """What `command` prints; with its messages it is the failure where the command does not succeed."""
     command = [str(word) for word in command]
     if not shutil.which(command[0]):
         raise Failed(f"{command[0]} is not installed; its package is in packaging/dependencies")
-    result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                            text=True, check=False, **options)
+    result = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False, **options)
     if result.returncode != 0:
-        raise Failed(f"{shlex.join(command)} ended with status {result.returncode}:\n{result.stdout}")
+        raise Failed(f"{shlex.join(command)} ended with status {result.returncode}:\n{result.stdout}{result.stderr}")
     return result.stdout
 
 
@@ -62,6 +62,13 @@ def without_desktop(home, **more):
 
 def files_in(folder):
     return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir()}
+
+
+def what_is_asked_by(commands, home):
+    """What each of `commands` asks of the running program, on a bus of their own."""
+    recorder = pathlib.Path(__file__).with_name("recorder.py")
+    return json.loads(output("dbus-run-session", "--", "/usr/bin/python3", recorder, *commands,
+                             env=without_desktop(home)))
 
 
 def key_file(path):
@@ -129,6 +136,11 @@ class Installation(PackagingTest):
         self.assertEqual({action: launcher[f"Desktop Action {action}"]["Name"] for action in actions},
                          {"restart": "Restart timer", "toggle-mute": "Mute", "quit": "Quit"})
 
+    def test_the_launcher_does_what_it_offers(self):
+        launcher = key_file(self.tree / LAUNCHER)
+        commands = [launcher[f"Desktop Action {action}"]["Exec"] for action in ("restart", "toggle-mute", "quit")]
+        self.assertEqual(what_is_asked_by(commands, self.temporary), [["Restart"], ["ToggleMute"], ["Quit"]])
+
     def test_the_autostart_file_is_valid(self):
         output("desktop-file-validate", self.tree / AUTOSTART)
 
@@ -158,6 +170,13 @@ class Installation(PackagingTest):
         page = self.temporary / "marvelode-timer.1"
         page.write_bytes(gzip.decompress((self.tree / MANUAL).read_bytes()))
         output("mandoc", "-T", "lint", "-W", "warning", page)
+
+    def test_the_examples_in_the_manual_do_what_they_say(self):
+        page = gzip.decompress((self.tree / MANUAL).read_bytes()).decode()
+        commands = re.findall(r"^\.Dl ((?:busctl|gdbus) .*)$", page, re.MULTILINE)
+        self.assertEqual(what_is_asked_by(commands, self.temporary),
+                         [["Restart"], ["ToggleMute"], ["TogglePopups"], ["ShowSettings"], ["Quit"],
+                          ["State", "Text", "RemainingSeconds"], ["Restart"]])
 
     def test_the_manual_explains_every_setting(self):
         declared = re.search(r"struct Key \{.*?\}", (PROJECT / "config/Cfg.hpp").read_text(), re.DOTALL).group()

@@ -10,7 +10,7 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 sound and a window, to look around, take a breath and stretch. Between two
 breaks it is a small icon in the panel with the time left beside it.
 .
-It works with every panel that shows status icons, and without any. Scripts
+It works with panels that show status icons, and without any. Scripts
 control it over D-Bus.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
