@@ -13,10 +13,11 @@ std::shared_ptr<NSMenuItem> NSMenuItem::separator() {
 }
 
 void NSMenuItem::setState(StateValue state) {
-    if (_state == state) {
+    if (_state == state && _hasState) {
         return;
     }
     _state = state;
+    _hasState = true;
     desktop().statusItemChanged();
 }
 

@@ -42,12 +42,16 @@ public:
     /// Whether a check mark stands before the title.
     StateValue state() const { return _state; }
 
+    /// Whether the check mark was ever set or cleared: desktops then leave room for it.
+    bool hasState() const { return _hasState; }
+
     /// Sets or clears the check mark; the desktop shows it at once.
     void setState(StateValue state);
 
 private:
     bool _isSeparator = false;
     StateValue _state = StateValue::Off;
+    bool _hasState = false;
 };
 
 /// A list of entries, from top to bottom.

@@ -1,0 +1,108 @@
+#include "platform/linux/EventLoop.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+TimerQueue::Instant monotonicNow() { return std::chrono::microseconds{g_get_monotonic_time()}; }
+
+} // namespace
+
+/// GLib's view of the loop: asked before and after each wait, run when something is due.
+struct EventLoop::Source {
+    GSource base;
+    EventLoop* loop;
+
+    static EventLoop& loopOf(GSource* source) { return *reinterpret_cast<Source*>(source)->loop; }
+
+    static gboolean prepare(GSource* source, int* timeout) {
+        *timeout = loopOf(source).millisecondsToWait();
+        return *timeout == 0;
+    }
+    static gboolean check(GSource* source) { return loopOf(source).isReady(); }
+    static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
+        loopOf(source).handle();
+        return G_SOURCE_CONTINUE;
+    }
+};
+
+EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle)
+    : _mode{std::move(mode)}
+    , _settle{std::move(settle)} {
+    static GSourceFuncs functions{Source::prepare, Source::check, Source::dispatch, nullptr, nullptr, nullptr};
+    _source = g_source_new(&functions, sizeof(Source));
+    reinterpret_cast<Source*>(_source)->loop = this;
+    g_source_set_can_recurse(_source, TRUE); // an alert runs inside the action of a timer
+    g_source_attach(_source, nullptr);
+}
+
+EventLoop::~EventLoop() {
+    g_source_destroy(_source);
+    g_source_unref(_source);
+}
+
+void EventLoop::run() {
+    _isRunning = true;
+    while (_isRunning) {
+        iterate();
+    }
+}
+
+void EventLoop::iterate() { g_main_context_iteration(nullptr, TRUE); }
+
+void EventLoop::schedule(const std::shared_ptr<Timer>& timer) {
+    const TimerQueue::Instant now = monotonicNow();
+    _timers.add(timer, now);
+    if (!timer->repeats()) {
+        _latestOneShot = timer;
+        _latestOneShotDue = now + std::chrono::duration_cast<TimerQueue::Instant>(
+                                      std::chrono::duration<double>{std::clamp(timer->interval(), 0.0, 1e9)});
+    }
+}
+
+std::optional<double> EventLoop::shareLeft() const {
+    const std::shared_ptr<Timer> timer = _latestOneShot.lock();
+    if (!timer || !timer->isValid() || timer->interval() <= 0) {
+        return std::nullopt;
+    }
+    const std::chrono::duration<double> left = _latestOneShotDue - monotonicNow();
+    return std::clamp(left.count() / timer->interval(), 0.0, 1.0);
+}
+
+void EventLoop::post(std::function<void()> work) {
+    const auto run = [](gpointer data) -> gboolean {
+        (*static_cast<std::function<void()>*>(data))();
+        return G_SOURCE_REMOVE;
+    };
+    const auto release = [](gpointer data) { std::unique_ptr<std::function<void()>>{static_cast<std::function<void()>*>(data)}; };
+    auto owned = std::make_unique<std::function<void()>>(std::move(work));
+    g_idle_add_full(G_PRIORITY_DEFAULT, run, owned.release(), release);
+}
+
+bool EventLoop::isReady() const { return millisecondsToWait() == 0; }
+
+/// Milliseconds until something is due, rounded up so that one wait is enough; -1 if nothing is.
+int EventLoop::millisecondsToWait() const {
+    if (_isUnsettled) {
+        return 0;
+    }
+    const std::optional<TimerQueue::Instant> due = _timers.nextDue(_mode());
+    if (!due) {
+        return -1;
+    }
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - monotonicNow()).count();
+    return static_cast<int>(std::clamp<std::int64_t>(wait, 0, std::numeric_limits<int>::max()));
+}
+
+void EventLoop::handle() {
+    _timers.fireDue(monotonicNow(), _mode());
+    if (std::exchange(_isUnsettled, false)) {
+        _settle();
+    }
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,63 @@
+#pragma once
+
+// The program's run loop on GLib's main context: timers, work to be done later, and the settling of changes after
+// each event. It wakes only for what is due.
+
+#include "platform/TimerQueue.hpp"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <glib.h>
+
+namespace platform::freedesktop {
+
+class EventLoop {
+public:
+    /// `mode` is asked before timers fire; `settle` is what `settleSoon()` asks for.
+    EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle);
+    ~EventLoop();
+    EventLoop(const EventLoop&) = delete;
+    EventLoop& operator=(const EventLoop&) = delete;
+
+    /// Runs until `quit()`.
+    void run();
+
+    /// Waits for the next event and handles what is due; may be called from inside an event.
+    void iterate();
+
+    /// Lets `run()` return once the event at hand is done.
+    void quit() { _isRunning = false; }
+
+    void schedule(const std::shared_ptr<Timer>& timer);
+    void cancel(const Timer& timer) { _timers.remove(timer); }
+
+    /// How much of the latest one-shot timer's interval is still to come, from 1 down to 0; nothing if that timer
+    /// is no longer pending.
+    std::optional<double> shareLeft() const;
+
+    /// Has `settle` called once, after the event at hand, however often this is asked for.
+    void settleSoon() { _isUnsettled = true; }
+
+    /// Runs `work` as an event of its own.
+    void post(std::function<void()> work);
+
+private:
+    struct Source;
+
+    bool isReady() const;
+    int millisecondsToWait() const;
+    void handle();
+
+    std::function<RunLoopMode()> _mode;
+    std::function<void()> _settle;
+    TimerQueue _timers{RepeatingTimersDuringModal::Fire}; // the text goes on counting behind an open window
+    std::weak_ptr<Timer> _latestOneShot;
+    TimerQueue::Instant _latestOneShotDue{};
+    bool _isUnsettled = false;
+    bool _isRunning = false;
+    GSource* _source;
+};
+
+} // namespace platform::freedesktop

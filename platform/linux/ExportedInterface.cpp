@@ -1,0 +1,51 @@
+#include "platform/linux/ExportedInterface.hpp"
+
+#include "platform/Fatal.hpp"
+
+#include <utility>
+
+namespace platform::freedesktop {
+
+ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Method method,
+                                     Property property)
+    : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
+    , _path{std::move(path)}
+    , _description{g_dbus_node_info_new_for_xml(description, nullptr)}
+    , _method{std::move(method)}
+    , _property{std::move(property)} {
+    static const GDBusInterfaceVTable functions{
+        [](GDBusConnection*, const char*, const char*, const char*, const char* name, GVariant* arguments,
+           GDBusMethodInvocation* invocation, gpointer self) {
+            const VariantHandle answer = static_cast<ExportedInterface*>(self)->_method(name, arguments);
+            if (answer) {
+                g_dbus_method_invocation_return_value(invocation, answer.get());
+            } else {
+                g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                                              "No such thing");
+            }
+        },
+        [](GDBusConnection*, const char*, const char*, const char*, const char* name, GError** error,
+           gpointer self) -> GVariant* {
+            VariantHandle value = static_cast<ExportedInterface*>(self)->_property(name);
+            if (!value) {
+                g_set_error_literal(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_PROPERTY, "Not set");
+            }
+            return value.release();
+        },
+        nullptr,
+        {}};
+    if (!_description) {
+        fatal();
+    }
+    _registration = g_dbus_connection_register_object(_bus.get(), _path.c_str(), _description->interfaces[0],
+                                                      &functions, this, nullptr, nullptr);
+}
+
+ExportedInterface::~ExportedInterface() { g_dbus_connection_unregister_object(_bus.get(), _registration); }
+
+void ExportedInterface::emit(const char* signal, GVariant* arguments) const {
+    g_dbus_connection_emit_signal(_bus.get(), nullptr, _path.c_str(), _description->interfaces[0]->name, signal,
+                                  arguments, nullptr); // fails only on a closed bus, which ends the program
+}
+
+} // namespace platform::freedesktop

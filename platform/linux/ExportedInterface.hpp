@@ -1,0 +1,41 @@
+#pragma once
+
+// One D-Bus interface at one object path, answered by two functions. It is on the bus for as long as it lives.
+
+#include "platform/linux/Handles.hpp"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace platform::freedesktop {
+
+class ExportedInterface {
+public:
+    /// Answers a method with the tuple of its results, or with nothing if the arguments make no sense.
+    using Method = std::function<VariantHandle(std::string_view name, GVariant* arguments)>;
+    /// Gives a property's value, or nothing if the object does not have it at present.
+    using Property = std::function<VariantHandle(std::string_view name)>;
+
+    /// `description` is a D-Bus introspection document with exactly one interface, well-formed.
+    ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Method method,
+                      Property property);
+    ~ExportedInterface();
+    ExportedInterface(const ExportedInterface&) = delete;
+    ExportedInterface& operator=(const ExportedInterface&) = delete;
+
+    /// Sends a signal of the interface to everybody who listens; `arguments` is a tuple, or null for none.
+    void emit(const char* signal, GVariant* arguments = nullptr) const;
+
+private:
+    using Description = std::unique_ptr<GDBusNodeInfo, Release<g_dbus_node_info_unref>>;
+
+    ObjectHandle<GDBusConnection> _bus;
+    std::string _path;
+    Description _description;
+    Method _method;
+    Property _property;
+    unsigned _registration;
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,17 @@
+#pragma once
+
+// The system's journal. Where none is running, entries go nowhere: the program prints its messages as well.
+
+#include "platform/Logger.hpp"
+
+#include <string_view>
+
+namespace platform::freedesktop {
+
+/// Whether a journal is running.
+bool isJournalRunning();
+
+/// Adds an entry with the logger's subsystem and category as the fields SUBSYSTEM and CATEGORY.
+void writeToJournal(const Logger& logger, Logger::Level level, std::string_view message);
+
+} // namespace platform::freedesktop

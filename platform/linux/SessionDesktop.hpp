@@ -1,0 +1,101 @@
+#pragma once
+
+// The desktop of a Linux session: what the program asks of a desktop, put together from the parts in this folder.
+// It needs the session bus and nothing else; whatever else is missing is done without.
+
+#include "platform/Desktop.hpp"
+#include "platform/linux/EventLoop.hpp"
+#include "platform/linux/Handles.hpp"
+#include "platform/linux/MenuExport.hpp"
+#include "platform/linux/Resources.hpp"
+#include "platform/linux/SettingsFile.hpp"
+#include "platform/linux/SoundPlayer.hpp"
+#include "platform/linux/StatusNotifierItem.hpp"
+#include "platform/linux/WakeWatcher.hpp"
+#include "platform/linux/WindowHelper.hpp"
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform::freedesktop {
+
+/// Where the files of the program and of its user are.
+struct Places {
+    std::filesystem::path resources; ///< The folder of the program's own resources.
+    std::filesystem::path helpers;   ///< The folder of the programs that show windows and play sounds.
+    std::filesystem::path settings;  ///< The user's settings file.
+
+    /// The places that belong to the running executable and to the user who runs it.
+    static Places ofThisProcess();
+};
+
+class SessionDesktop final : public Desktop {
+public:
+    /// `arguments` are the command line's, without the program's own name: settings among them are read ahead of
+    /// stored ones.
+    SessionDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments);
+    ~SessionDesktop() override;
+
+    /// Returns when the program ends by itself, at SIGTERM, SIGINT or SIGHUP, or with the session bus; always 0.
+    int run(int argc, const char* const* argv) override;
+    void terminate() override;
+    void activate(bool ignoringOtherApps) override;
+
+    Date now() override;
+    void schedule(const std::shared_ptr<Timer>& timer) override;
+    void cancel(const Timer& timer) override;
+
+    void showStatusItem(const std::shared_ptr<NSStatusItem>& item) override;
+    void statusItemChanged() override;
+
+    int runAlert(NSAlert& alert) override;
+    void runModal(NSPanel& panel, const View& content) override;
+    void stopModal() override;
+    void center(NSPanel& panel) override;
+    void close(NSPanel& panel) override;
+
+    bool boolForKey(std::string_view key) override;
+    std::int64_t integerForKey(std::string_view key) override;
+    std::optional<std::string> stringForKey(std::string_view key) override;
+    void setDefault(DefaultsValue value, std::string_view key) override;
+
+    std::optional<std::filesystem::path> resource(std::string_view name, std::string_view extension) override;
+    std::optional<std::string> contentsOf(const std::filesystem::path& url) override;
+    std::optional<NSImage> imageNamed(std::string_view name) override;
+
+    bool canPlay(const std::filesystem::path& url) override;
+    bool play(const NSSound& sound) override;
+    void beep() override;
+
+    void print(std::string_view line) override;
+    bool isLogEnabled(const Logger& logger, Logger::Level level) override;
+    void log(const Logger& logger, Logger::Level level, std::string_view message) override;
+
+private:
+    void settle();
+    StatusContent statusContent() const;
+    std::optional<DefaultsValue> defaultsValue(std::string_view key);
+    void logError(std::string_view problem);
+
+    ObjectHandle<GDBusConnection> _sessionBus;
+    std::map<std::string, std::string, std::less<>> _argumentDomain;
+    Logger _logger{"Marvelode Timer", "Desktop"};
+    EventLoop _loop;
+    Resources _resources;
+    SettingsFile _settings;
+    WindowHelper _windows;
+    SoundPlayer _sounds;
+    std::shared_ptr<NSStatusItem> _statusItem;
+    std::optional<MenuExport> _menu;
+    std::optional<StatusNotifierItem> _statusNotifierItem;
+    std::optional<WakeWatcher> _wakeWatcher;
+    unsigned long _busClosedHandler;
+    std::array<unsigned, 3> _signals;
+};
+
+} // namespace platform::freedesktop

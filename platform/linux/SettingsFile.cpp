@@ -1,0 +1,190 @@
+#include "platform/linux/SettingsFile.hpp"
+
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <glib/gstdio.h>
+
+namespace platform::freedesktop {
+namespace {
+
+constexpr const char* group = "Settings";
+constexpr int ownerOnlyFile = 0600;
+constexpr int ownerOnlyFolder = 0700;
+constexpr std::int64_t secondsBetweenAttempts = 30;
+
+/// The text that a value is written as.
+TextHandle written(const DefaultsValue& value) {
+    struct ToVariant {
+        GVariant* operator()(bool truth) const { return g_variant_new_boolean(truth); }
+        GVariant* operator()(std::int64_t number) const { return g_variant_new_int64(number); }
+        GVariant* operator()(double number) const { return g_variant_new_double(number); }
+        GVariant* operator()(const std::string& text) const { return g_variant_new_string(text.c_str()); }
+    };
+    return TextHandle{g_variant_print(owned(std::visit(ToVariant{}, value)).get(), FALSE)};
+}
+
+/// What a text in the file stands for: a value as it is written, or else, when a hand forgot the quotes, itself.
+DefaultsValue parsed(const char* text) {
+    if (const VariantHandle whole{g_variant_parse(G_VARIANT_TYPE_INT64, text, nullptr, nullptr, nullptr)}) {
+        return g_variant_get_int64(whole.get());
+    }
+    const VariantHandle variant{g_variant_parse(nullptr, text, nullptr, nullptr, nullptr)};
+    if (variant && g_variant_is_of_type(variant.get(), G_VARIANT_TYPE_BOOLEAN)) {
+        return g_variant_get_boolean(variant.get()) != FALSE;
+    }
+    if (variant && g_variant_is_of_type(variant.get(), G_VARIANT_TYPE_DOUBLE)) {
+        return g_variant_get_double(variant.get());
+    }
+    if (variant && g_variant_is_of_type(variant.get(), G_VARIANT_TYPE_STRING)) {
+        return g_variant_get_string(variant.get(), nullptr);
+    }
+    return text;
+}
+
+/// Where `path` leads when it is a link, whether or not anything is there.
+std::filesystem::path followed(std::filesystem::path path) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        if (error) {
+            return path;
+        }
+        path = path.parent_path() / target;
+    }
+    return path;
+}
+
+} // namespace
+
+SettingsFile::SettingsFile(std::filesystem::path path, std::function<void(std::string_view)> logError)
+    : _path{std::move(path)}
+    , _logError{std::move(logError)}
+    , _file{g_key_file_new()} {}
+
+SettingsFile::~SettingsFile() {
+    if (!_unwritten.empty()) {
+        readIfChanged();
+        write();
+    }
+}
+
+std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
+    readIfChanged();
+    if (!_unwritten.empty() && g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC) {
+        write();
+    }
+    if (const auto found = _unwritten.find(key); found != _unwritten.end()) {
+        return found->second;
+    }
+    return storedValue(std::string{key});
+}
+
+void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
+    if (value(key) == newValue) {
+        return;
+    }
+    _unwritten.insert_or_assign(std::string{key}, std::move(newValue));
+    write();
+}
+
+void SettingsFile::readIfChanged() {
+    const Fingerprint now = fingerprint();
+    if (_seen != now) {
+        _seen = now;
+        read();
+    }
+}
+
+void SettingsFile::read() {
+    char* bytes = nullptr;
+    std::size_t length = 0;
+    ErrorSlot error;
+    const bool isRead = g_file_get_contents(_path.c_str(), &bytes, &length, &error);
+    const TextHandle content{bytes};
+    if (!isRead && !error.matches(G_FILE_ERROR, G_FILE_ERROR_NOENT)) {
+        _mayWrite = false;
+        report("Cannot read the settings: " + std::string{error.message()});
+        return;
+    }
+    KeyFileHandle file{g_key_file_new()};
+    if (isRead && length > 0) {
+        const auto flags = static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
+        const bool isText = g_utf8_validate(content.get(), static_cast<gssize>(length), nullptr);
+        if (!isText || !g_key_file_load_from_data(file.get(), content.get(), length, flags, &error)) {
+            keepAside(followed(_path), isText ? error.message() : "no text");
+            return;
+        }
+    }
+    _mayWrite = true;
+    _file = std::move(file);
+}
+
+/// Goes on with the values known so far: the defaults at the start, the last good ones later.
+void SettingsFile::keepAside(const std::filesystem::path& file, const std::string& reason) {
+    std::filesystem::path aside;
+    int number = 0;
+    do {
+        aside = file.string() + ".damaged" + (number == 0 ? "" : "-" + std::to_string(number));
+        ++number;
+    } while (g_file_test(aside.c_str(), G_FILE_TEST_EXISTS));
+    _mayWrite = g_rename(file.c_str(), aside.c_str()) == 0;
+    report("The settings are damaged (" + reason + ")" + (_mayWrite ? "; kept as " + aside.string() : ""));
+    _seen = fingerprint();
+    if (g_key_file_has_group(_file.get(), group)) {
+        write();
+    }
+}
+
+void SettingsFile::write() {
+    _lastAttempt = g_get_monotonic_time();
+    if (!_mayWrite) {
+        return; // the reason is reported already
+    }
+    const std::filesystem::path target = followed(_path);
+    struct stat status {};
+    if (stat(target.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0) {
+        report("Cannot write the settings: " + target.string() + " is read-only");
+        return;
+    }
+    for (const auto& [key, value] : _unwritten) {
+        g_key_file_set_value(_file.get(), group, key.c_str(), written(value).get());
+    }
+    std::size_t length = 0;
+    const TextHandle content{g_key_file_to_data(_file.get(), &length, nullptr)};
+    g_mkdir_with_parents(target.parent_path().c_str(), ownerOnlyFolder); // a failure shows at once below
+    ErrorSlot error;
+    if (!g_file_set_contents_full(target.c_str(), content.get(), static_cast<gssize>(length),
+                                  G_FILE_SET_CONTENTS_CONSISTENT, ownerOnlyFile, &error)) {
+        report("Cannot write the settings: " + std::string{error.message()});
+        return;
+    }
+    _unwritten.clear();
+    _reported.clear();
+    _seen = fingerprint();
+}
+
+std::optional<DefaultsValue> SettingsFile::storedValue(const std::string& key) const {
+    const TextHandle text{g_key_file_get_value(_file.get(), group, key.c_str(), nullptr)};
+    return text ? std::optional{parsed(text.get())} : std::nullopt;
+}
+
+SettingsFile::Fingerprint SettingsFile::fingerprint() const {
+    struct stat status {};
+    if (stat(_path.c_str(), &status) != 0) {
+        return {};
+    }
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+void SettingsFile::report(const std::string& problem) {
+    if (_reported != problem) {
+        _reported = problem;
+        _logError(problem);
+    }
+}
+
+} // namespace platform::freedesktop

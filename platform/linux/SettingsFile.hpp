@@ -1,0 +1,68 @@
+#pragma once
+
+// The settings as a text file that its user may edit at any time: a key file whose values are typed by the way they
+// are written (`true`, `25`, `1500.0`, `'Sonar'`). It is read again whenever it has changed and replaced as a whole.
+
+#include "platform/UserDefaults.hpp"
+#include "platform/linux/Handles.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform::freedesktop {
+
+class SettingsFile {
+public:
+    /// Opens the settings at `path`, which need not exist. What goes wrong is told to `logError`, once each time
+    /// that it begins to go wrong.
+    SettingsFile(std::filesystem::path path, std::function<void(std::string_view)> logError);
+
+    /// Tries once more to write what could not be written before.
+    ~SettingsFile();
+    SettingsFile(const SettingsFile&) = delete;
+    SettingsFile& operator=(const SettingsFile&) = delete;
+
+    /// The value under `key`, as the file has it now; nothing if there is none. A value that cannot be written
+    /// counts as stored for as long as this object lives.
+    std::optional<DefaultsValue> value(std::string_view key);
+
+    /// Stores `value`, keeping everything else in the file. Touches no disk if the file holds it already.
+    void set(DefaultsValue value, std::string_view key);
+
+private:
+    /// What tells one state of a file from another; all zero if there is no file.
+    struct Fingerprint {
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+        std::int64_t size = 0;
+        std::int64_t seconds = 0;
+        std::int64_t nanoseconds = 0;
+        bool operator==(const Fingerprint&) const = default;
+    };
+    using KeyFileHandle = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
+
+    void readIfChanged();
+    void read();
+    void keepAside(const std::filesystem::path& file, const std::string& reason);
+    void write();
+    std::optional<DefaultsValue> storedValue(const std::string& key) const;
+    Fingerprint fingerprint() const;
+    void report(const std::string& problem);
+
+    std::filesystem::path _path;
+    std::function<void(std::string_view)> _logError;
+    KeyFileHandle _file;
+    std::optional<Fingerprint> _seen; // of the file as it was last read or written
+    std::map<std::string, DefaultsValue, std::less<>> _unwritten;
+    std::int64_t _lastAttempt = 0; // monotonic microseconds
+    bool _mayWrite = true;         // false: the file is there but cannot be read, so it must not be replaced
+    std::string _reported;         // the problem at hand
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,138 @@
+#include "platform/linux/StatusNotifierItem.hpp"
+
+#include <bit>
+#include <cstdint>
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+constexpr const char* description = R"xml(<node><interface name="org.kde.StatusNotifierItem">
+  <property name="Category" type="s" access="read"/>
+  <property name="Id" type="s" access="read"/>
+  <property name="Title" type="s" access="read"/>
+  <property name="Status" type="s" access="read"/>
+  <property name="WindowId" type="i" access="read"/>
+  <property name="IconName" type="s" access="read"/>
+  <property name="IconPixmap" type="a(iiay)" access="read"/>
+  <property name="IconAccessibleDesc" type="s" access="read"/>
+  <property name="ToolTip" type="(sa(iiay)ss)" access="read"/>
+  <property name="ItemIsMenu" type="b" access="read"/>
+  <property name="Menu" type="o" access="read"/>
+  <property name="XAyatanaLabel" type="s" access="read"/>
+  <property name="XAyatanaLabelGuide" type="s" access="read"/>
+  <signal name="NewIcon"/>
+  <signal name="NewToolTip"/>
+  <signal name="XAyatanaNewLabel"><arg type="s"/><arg type="s"/></signal>
+</interface></node>)xml";
+
+constexpr const char* title = "Marvelode Timer";
+constexpr const char* widestLabel = "+59m";
+
+/// The pixels as the protocol wants them: in network byte order.
+GVariant* bytesOf(const Picture& picture) {
+    std::vector<std::uint32_t> pixels = picture.pixels;
+    if constexpr (std::endian::native == std::endian::little) {
+        for (std::uint32_t& pixel : pixels) {
+            pixel = GUINT32_SWAP_LE_BE(pixel);
+        }
+    }
+    return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, pixels.data(), pixels.size() * sizeof(std::uint32_t), 1);
+}
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
+                                       std::function<void(std::string_view)> logError)
+    : _resources{resources}
+    , _content{std::move(content)}
+    , _interface{bus, "/StatusNotifierItem", description, nullptr,
+                 [this](std::string_view name) { return property(name); }}
+    , _tray{bus, [this](std::string_view processName) { drawFor(styleOfHost(processName)); }, std::move(logError)} {}
+
+void StatusNotifierItem::show(StatusContent content) {
+    const bool isPictureOld = needsNewPicture(_style, _content, content);
+    const bool isTextOld = _content.text != content.text;
+    if (!isPictureOld && !isTextOld) {
+        return;
+    }
+    if (!isPictureOld) {
+        content.shareLeft = _content.shareLeft; // what the panel shows, and is compared with next time
+    }
+    _content = std::move(content);
+    if (isPictureOld) {
+        _interface.emit("NewIcon");
+    }
+    if (isTextOld) {
+        _interface.emit("NewToolTip");
+        if (hasLabel(_style)) {
+            announceLabel();
+        }
+    }
+}
+
+void StatusNotifierItem::drawFor(HostStyle style) {
+    if (_style != style) {
+        _style = style;
+        _interface.emit("NewIcon");
+        announceLabel();
+    }
+}
+
+void StatusNotifierItem::announceLabel() const {
+    const bool isOffered = hasLabel(_style);
+    _interface.emit("XAyatanaNewLabel",
+                    g_variant_new("(ss)", isOffered ? _content.text.c_str() : "", isOffered ? widestLabel : ""));
+}
+
+VariantHandle StatusNotifierItem::property(std::string_view name) const {
+    const auto text = [](const char* value) { return owned(g_variant_new_string(value)); };
+    if (name == "Category") {
+        return text("ApplicationStatus");
+    }
+    if (name == "Id") {
+        return text("marvelode-timer");
+    }
+    if (name == "Title") {
+        return text(title);
+    }
+    if (name == "Status") {
+        return text("Active");
+    }
+    if (name == "WindowId") {
+        return owned(g_variant_new_int32(0));
+    }
+    if (name == "IconName") {
+        return text(""); // always drawn, never looked up in a theme
+    }
+    if (name == "IconPixmap") {
+        return pictures();
+    }
+    if (name == "IconAccessibleDesc") {
+        return text(inWords(_content.text).c_str());
+    }
+    if (name == "ToolTip") {
+        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, inWords(_content.text).c_str()));
+    }
+    if (name == "ItemIsMenu") {
+        return owned(g_variant_new_boolean(TRUE));
+    }
+    if (name == "Menu") {
+        return owned(g_variant_new_object_path(menuPath));
+    }
+    if (!hasLabel(_style)) {
+        return nullptr;
+    }
+    return text(name == "XAyatanaLabel" ? _content.text.c_str() : widestLabel);
+}
+
+VariantHandle StatusNotifierItem::pictures() const {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a(iiay)"));
+    for (const Picture& picture : picturesFor(_style, _content, _resources)) {
+        g_variant_builder_add(&builder, "(ii@ay)", picture.width, picture.height, bytesOf(picture));
+    }
+    return owned(g_variant_builder_end(&builder));
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,42 @@
+#pragma once
+
+// The status item on the session bus, in the protocol org.kde.StatusNotifierItem: the panel reads the item's
+// properties and is sent a signal when one of them has changed, and only then.
+
+#include "platform/linux/ExportedInterface.hpp"
+#include "platform/linux/HostStyle.hpp"
+#include "platform/linux/Resources.hpp"
+#include "platform/linux/StatusContent.hpp"
+#include "platform/linux/Tray.hpp"
+
+#include <functional>
+#include <string_view>
+
+namespace platform::freedesktop {
+
+class StatusNotifierItem {
+public:
+    /// Where the item's menu must be put on the bus.
+    static constexpr const char* menuPath = "/MenuBar";
+
+    /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
+    StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
+                       std::function<void(std::string_view)> logError);
+
+    /// Shows `content` from now on.
+    void show(StatusContent content);
+
+private:
+    VariantHandle property(std::string_view name) const;
+    VariantHandle pictures() const;
+    void drawFor(HostStyle style);
+    void announceLabel() const;
+
+    const Resources& _resources;
+    StatusContent _content;
+    HostStyle _style = HostStyle::TextInPicture;
+    ExportedInterface _interface;
+    Tray _tray;
+};
+
+} // namespace platform::freedesktop

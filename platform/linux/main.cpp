@@ -1,0 +1,49 @@
+// The resident program: joins the user's session and runs the timer in it.
+
+#include "app/main.hpp"
+#include "platform/linux/SessionDesktop.hpp"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include <malloc.h>
+
+namespace {
+
+constexpr const char* help =
+    R"(Usage: marvelode-timer [-test] [-KEY VALUE]...
+
+Reminds you of a short break every few minutes, from an icon in the panel.
+
+  -test        a work interval of 30 seconds and a snooze of 5
+  -KEY VALUE   a setting for this run, such as -TimerInterval 1500
+  --help       show this text
+  --version    show the version
+)";
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace platform::freedesktop;
+    const std::string_view onlyArgument = argc == 2 ? argv[1] : "";
+    if (onlyArgument == "--help") {
+        std::fputs(help, stdout);
+        return EXIT_SUCCESS;
+    }
+    if (onlyArgument == "--version") {
+        std::puts("Marvelode Timer " MARVELODE_VERSION);
+        return EXIT_SUCCESS;
+    }
+    mallopt(M_ARENA_MAX, 1);       // the bus's own thread needs no memory pool of its own
+    std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
+    ErrorSlot error;
+    const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error)};
+    if (!sessionBus) {
+        std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n", error.message());
+        return EXIT_FAILURE;
+    }
+    SessionDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
+    return marvelode::marvelodeTimer(argc, argv);
+}
