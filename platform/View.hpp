@@ -212,8 +212,9 @@ struct View {
     void appear() const;
 
 private:
-    View with(Modifier modifier) && {
-        modifiers.push_back(std::move(modifier));
+    template <typename Kind>
+    View with(Kind modifier) && {
+        modifiers.emplace_back(std::in_place_type<Kind>, std::move(modifier));
         return std::move(*this);
     }
 };
