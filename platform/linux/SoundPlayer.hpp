@@ -1,0 +1,52 @@
+#pragma once
+
+// The resident program's side of sounds: it has no decoder and no way to a sound server, so it starts a short-lived
+// helper program for each sound and looks after it. Whatever befalls a helper is told to the log and delays nobody.
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+class SoundPlayer {
+public:
+    using LogError = std::function<void(std::string_view)>;
+
+    /// Plays through `helperProgram`. `logError` gets one sentence for each sound that could not be heard; it is
+    /// called on the main thread and may play the next. A helper still there after `longestSound` is ended.
+    SoundPlayer(std::filesystem::path helperProgram, LogError logError,
+                std::chrono::milliseconds longestSound = std::chrono::seconds{30});
+
+    /// Ends what is playing.
+    ~SoundPlayer();
+
+    SoundPlayer(const SoundPlayer&) = delete;
+    SoundPlayer& operator=(const SoundPlayer&) = delete;
+
+    /// Whether the file is a sound of the kind that the helper is certain to play: AAC in an MPEG-4 container.
+    bool canPlay(const std::filesystem::path& sound) const;
+
+    /// Starts the sound and returns at once; false if it is playing already or its helper cannot be started.
+    bool play(const std::filesystem::path& sound);
+
+    /// Starts the desktop's alert sound and returns at once; does nothing while it is playing.
+    void beep();
+
+private:
+    class Helper;
+
+    bool start(std::vector<std::string> arguments, const std::string& description);
+    void ended(const Helper& helper, const std::string& complaint);
+
+    const std::filesystem::path _helperProgram;
+    const LogError _logError;
+    const std::chrono::milliseconds _longestSound;
+    std::vector<std::unique_ptr<Helper>> _helpers;
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,241 @@
+// The resident program and the helpers that it starts for sounds, whatever those do. Small scripts stand in for
+// them.
+
+#include "platform/linux/SoundPlayer.hpp"
+
+#include "TemporaryFolder.hpp"
+
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+using platform::freedesktop::SoundPlayer;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class SoundPlayerTest : public testing::Test {
+protected:
+    SoundPlayerTest() { EXPECT_EQ(mkfifo(_pipe.c_str(), 0600), 0); }
+
+    /// A helper program that does what `commands` of the shell say; `$pipe` is a named pipe for talking to it.
+    std::filesystem::path helper(const std::string& commands) const {
+        const auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        return script;
+    }
+
+    SoundPlayer::LogError log() {
+        return [this](std::string_view sentence) { _logged.emplace_back(sentence); };
+    }
+
+    /// Runs the main loop until something has happened; fails if that takes unreasonably long.
+    static void runUntil(const std::function<bool()>& happened) {
+        bool isLate = false;
+        const guint guard = g_timeout_add(
+            20'000,
+            [](gpointer late) -> gboolean {
+                *static_cast<bool*>(late) = true;
+                return G_SOURCE_CONTINUE;
+            },
+            &isLate);
+        while (!happened() && !isLate) {
+            g_main_context_iteration(nullptr, TRUE);
+        }
+        g_source_remove(guard);
+        ASSERT_FALSE(isLate);
+    }
+
+    void runUntilLogged(std::size_t count = 1) {
+        runUntil([&] { return _logged.size() >= count; });
+    }
+
+    /// Waits for the helper to write a line into the pipe.
+    std::string lineFromHelper() const {
+        std::ifstream pipe{_pipe};
+        std::string line;
+        std::getline(pipe, line);
+        return line;
+    }
+
+    /// Waits for the helper to read from the pipe, and gives it a line.
+    void lineToHelper() const { std::ofstream{_pipe} << "go on\n"; }
+
+    static bool isGone(const std::string& process) { return kill(std::stoi(process), 0) != 0 && errno == ESRCH; }
+
+    const TemporaryFolder _folder;
+    const std::filesystem::path _pipe = _folder.path / "pipe";
+    const std::filesystem::path _sound = "/sounds/A sound; with \"odd\" 'letters' $HOME.m4a";
+    std::vector<std::string> _logged;
+};
+
+TEST_F(SoundPlayerTest, PlaysTheSoundThroughTheHelper) {
+    SoundPlayer player{helper("printf '%s|' \"$@\" > \"$pipe\""), log()};
+    EXPECT_TRUE(player.play(_sound));
+    EXPECT_EQ(lineFromHelper(), "play|" + _sound.string() + "|");
+}
+
+TEST_F(SoundPlayerTest, BeepsThroughTheHelper) {
+    SoundPlayer player{helper("printf '%s|' \"$@\" > \"$pipe\""), log()};
+    player.beep();
+    EXPECT_EQ(lineFromHelper(), "beep|");
+}
+
+TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
+    SoundPlayer player{helper("read go < \"$pipe\""), log()};
+    EXPECT_TRUE(player.play(_sound));
+    EXPECT_FALSE(player.play(_sound));
+    lineToHelper();
+    runUntil([&] { return player.play(_sound); });
+    EXPECT_FALSE(player.play(_sound));
+    EXPECT_THAT(_logged, IsEmpty());
+}
+
+TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
+    SoundPlayer player{helper("echo started > \"$pipe\"; exec sleep 1000"), log()};
+    EXPECT_TRUE(player.play("/Bowl.m4a"));
+    EXPECT_EQ(lineFromHelper(), "started");
+    EXPECT_TRUE(player.play("/Sonar.m4a"));
+    EXPECT_EQ(lineFromHelper(), "started");
+    player.beep();
+    EXPECT_EQ(lineFromHelper(), "started");
+    EXPECT_FALSE(player.play("/Bowl.m4a"));
+}
+
+TEST_F(SoundPlayerTest, OneBeepAtATime) {
+    SoundPlayer player{helper("echo beep >> \"$0.beeps\"; read go < \"$pipe\"; exit 1"), log()};
+    player.beep();
+    player.beep();
+    lineToHelper();
+    runUntilLogged();
+    std::ifstream beeps{_folder.path / "helper.beeps"};
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>{beeps}, {}), "beep\n");
+}
+
+TEST_F(SoundPlayerTest, SuccessIsNotLoggedWhateverTheHelperWrites) {
+    SoundPlayer player{helper("echo a warning from deep down >&2"), log()};
+    EXPECT_TRUE(player.play(_sound));
+    runUntil([&] { return player.play(_sound); });
+    EXPECT_THAT(_logged, IsEmpty());
+}
+
+TEST_F(SoundPlayerTest, MissingHelperIsLoggedEachTime) {
+    SoundPlayer player{_folder.path / "missing", log()};
+    EXPECT_FALSE(player.play("/Bowl.m4a"));
+    ASSERT_THAT(_logged, SizeIs(1));
+    EXPECT_THAT(_logged[0], HasSubstr("The sound Bowl.m4a could not be played: "));
+    EXPECT_THAT(_logged[0], HasSubstr("missing"));
+    player.beep();
+    ASSERT_THAT(_logged, SizeIs(2));
+    EXPECT_THAT(_logged[1], HasSubstr("The alert beep could not be played: "));
+}
+
+TEST_F(SoundPlayerTest, FailureIsLoggedOnceInTheHelpersLastWords) {
+    SoundPlayer player{helper("echo a warning from deep down >&2; echo 'There is no sound card.' >&2; exit 1"),
+                       log()};
+    EXPECT_TRUE(player.play("/Bowl.m4a"));
+    runUntilLogged();
+    EXPECT_THAT(_logged, ElementsAre("The sound Bowl.m4a could not be played: There is no sound card."));
+    EXPECT_TRUE(player.play("/Bowl.m4a"));
+    runUntilLogged(2);
+    EXPECT_THAT(_logged, SizeIs(2));
+}
+
+TEST_F(SoundPlayerTest, SilentFailureIsLogged) {
+    SoundPlayer player{helper("exit 3"), log()};
+    player.beep();
+    runUntilLogged();
+    EXPECT_THAT(_logged, ElementsAre("The alert beep could not be played: its player failed with status 3."));
+}
+
+TEST_F(SoundPlayerTest, CrashIsLogged) {
+    SoundPlayer player{helper("kill -KILL $$"), log()};
+    player.beep();
+    runUntilLogged();
+    ASSERT_THAT(_logged, SizeIs(1));
+    EXPECT_THAT(_logged[0], HasSubstr("its player was ended by a signal"));
+}
+
+TEST_F(SoundPlayerTest, OddLettersInAFailureAreMadeReadable) {
+    SoundPlayer player{helper("printf 'No \\377 device' >&2; exit 1"), log()};
+    player.beep();
+    runUntilLogged();
+    EXPECT_THAT(_logged, ElementsAre("The alert beep could not be played: No \uFFFD device"));
+}
+
+TEST_F(SoundPlayerTest, HangingHelperIsEndedAndLogged) {
+    SoundPlayer player{helper("echo $$ > \"$pipe\"; exec sleep 1000"), log(), 100ms};
+    EXPECT_TRUE(player.play("/Bowl.m4a"));
+    const std::string process = lineFromHelper();
+    runUntilLogged();
+    EXPECT_THAT(_logged, ElementsAre("The sound Bowl.m4a could not be played: its player did not come to an end."));
+    EXPECT_TRUE(isGone(process));
+    EXPECT_TRUE(player.play("/Bowl.m4a"));
+}
+
+TEST_F(SoundPlayerTest, EndlesslyComplainingHelperIsEndedAndLogged) {
+    SoundPlayer player{helper("exec yes >&2"), log(), 100ms};
+    player.beep();
+    runUntilLogged();
+    EXPECT_THAT(_logged, ElementsAre(EndsWith("its player did not come to an end.")));
+}
+
+TEST_F(SoundPlayerTest, LogMayPlayTheNextSound) {
+    SoundPlayer* again = nullptr;
+    const auto logAndRetry = [&](std::string_view sentence) {
+        _logged.emplace_back(sentence);
+        if (_logged.size() < 3) {
+            again->beep();
+        }
+    };
+    SoundPlayer player{helper("exit 1"), logAndRetry};
+    again = &player;
+    player.beep();
+    runUntilLogged(3);
+    EXPECT_THAT(_logged, SizeIs(3));
+}
+
+TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
+    std::string process;
+    {
+        SoundPlayer player{helper("echo $$ > \"$pipe\"; exec sleep 1000"), log()};
+        player.play(_sound);
+        process = lineFromHelper();
+        EXPECT_FALSE(isGone(process));
+    }
+    EXPECT_TRUE(isGone(process));
+    EXPECT_THAT(_logged, IsEmpty());
+}
+
+TEST_F(SoundPlayerTest, LeavesNoDescriptorOpen) {
+    const auto openDescriptors = [] {
+        const std::filesystem::directory_iterator descriptors{"/proc/self/fd"};
+        return std::distance(begin(descriptors), end(descriptors));
+    };
+    SoundPlayer player{helper("exit 1"), log()};
+    player.beep();
+    runUntilLogged();
+    const auto before = openDescriptors();
+    for (std::size_t count = 2; count < 10; ++count) {
+        player.beep();
+        runUntilLogged(count);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+} // namespace
