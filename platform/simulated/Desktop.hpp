@@ -160,6 +160,9 @@ public:
     /// The names of all files that the program asked for by name and extension, in this and earlier runs.
     const std::set<std::string>& lookedUp() const { return _lookedUp; }
 
+protected:
+    int run(int argc, const char* const* argv) override;
+
 private:
     /// An alert or a panel that is being run.
     struct Session {
@@ -171,7 +174,6 @@ private:
     };
     class SessionOnTop;
 
-    int run(int argc, const char* const* argv) override;
     void terminate() override { _isTerminating = true; }
     void activate(bool ignoringOtherApps) override { _isInFront = _isInFront || ignoringOtherApps; }
     void schedule(const std::shared_ptr<Timer>& timer) override { _timers.add(timer, _uptime); }
