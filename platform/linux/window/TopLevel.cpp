@@ -14,11 +14,14 @@ namespace {
 
 constexpr gint64 keylessMicroseconds = 500'000;
 
-/// Round corners need a compositor; without one, GTK gives the window a border instead.
+/// Round corners and shadows need a compositor; without one, a thin line sets the window off.
 constexpr const char* appearance = R"(
     window.csd:not(.solid-csd), window.csd:not(.solid-csd) decoration { border-radius: 12px; }
-    window .card { margin: 24px; }
-    window .buttons button { min-width: 76px; }
+    window.solid-csd decoration { padding: 1px; border: none; box-shadow: none; background-color: @borders; }
+    window .alert { margin: 24px; }
+    window .alert checkbutton { margin-left: -4px; }
+    window .alert button { min-width: 76px; }
+    window .panel { margin: 24px 14px 14px 14px; }
 )";
 
 /// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself.
@@ -139,7 +142,6 @@ void TopLevel::centre() {
 }
 
 void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
-    gtk_style_context_add_class(gtk_widget_get_style_context(content), "card");
     gtk_container_add(GTK_CONTAINER(_window), content);
     gtk_widget_show_all(content);
     if (defaultButton) {

@@ -79,6 +79,7 @@ public:
         gtk_container_add(GTK_CONTAINER(content), message);
         gtk_container_add(GTK_CONTAINER(content), buttons);
 
+        gtk_style_context_add_class(gtk_widget_get_style_context(content), "alert");
         AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(_topLevel.window()));
         atk_object_set_role(accessible, ATK_ROLE_ALERT);
         atk_object_set_description(accessible, alert.informativeText.c_str());
@@ -109,7 +110,6 @@ private:
     /// The first button, which is the default one, stands at the end of the row, as on most desktops.
     GtkWidget* makeButtons(const NSAlert& alert, const Tell& tell) {
         GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
-        gtk_style_context_add_class(gtk_widget_get_style_context(row), "buttons");
         gtk_box_set_homogeneous(GTK_BOX(row), TRUE);
         gtk_widget_set_halign(row, GTK_ALIGN_END);
         std::uint32_t control = 0;
@@ -145,6 +145,7 @@ public:
         if (_request.isMovableByBackground) {
             _topLevel.moveByBackground();
         }
+        gtk_style_context_add_class(gtk_widget_get_style_context(_content.root()), "panel");
         _topLevel.present(_content.root(), _content.defaultButton());
     }
 
