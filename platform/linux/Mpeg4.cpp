@@ -1,13 +1,15 @@
 #include "platform/linux/Mpeg4.hpp"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
 #include <initializer_list>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 namespace platform::freedesktop {
@@ -30,13 +32,37 @@ constexpr std::uint32_t nameOf(std::string_view text) {
     return name;
 }
 
+auto isNamed(std::string_view name) {
+    return [name = nameOf(name)](const Box& box) { return box.name == name; };
+}
+
+bool contains(const Boxes& boxes, std::string_view name) {
+    return std::any_of(boxes.begin(), boxes.end(), isNamed(name));
+}
+
 class Container {
 public:
     explicit Container(const std::filesystem::path& path)
-        : _file{path, std::ios::binary} {}
+        : _file{open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)} {}
+
+    ~Container() {
+        if (_file >= 0) {
+            close(_file);
+        }
+    }
+
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+
+    /// In bytes; zero for what is not a regular, readable file.
+    std::uint64_t size() const {
+        struct stat status {};
+        const bool isFile = fstat(_file, &status) == 0 && S_ISREG(status.st_mode);
+        return isFile ? static_cast<std::uint64_t>(status.st_size) : 0;
+    }
 
     /// The boxes that fill the bytes from `begin` to before `end`; none at all if they are damaged.
-    Boxes boxes(std::uint64_t begin, std::uint64_t end) {
+    Boxes boxes(std::uint64_t begin, std::uint64_t end) const {
         constexpr std::size_t mostInSound = 1000;
         constexpr std::uint64_t longSizeFollows = 1;
         constexpr std::uint64_t extendsToEnd = 0;
@@ -64,11 +90,10 @@ public:
     }
 
     /// The innermost of the boxes that `path` names, each the first of its name inside the one before.
-    std::optional<Box> descend(Box box, std::initializer_list<std::string_view> path) {
+    std::optional<Box> descend(Box box, std::initializer_list<std::string_view> path) const {
         for (const std::string_view step : path) {
             const Boxes inside = boxes(box.begin, box.end);
-            const auto next = std::find_if(inside.begin(), inside.end(),
-                                           [&](const Box& one) { return one.name == nameOf(step); });
+            const auto next = std::find_if(inside.begin(), inside.end(), isNamed(step));
             if (next == inside.end()) {
                 return std::nullopt;
             }
@@ -77,7 +102,7 @@ public:
         return box;
     }
 
-    bool isAacTrack(const Box& track) {
+    bool isAacTrack(const Box& track) const {
         constexpr std::uint64_t flagsSize = 4;
         const std::optional<Box> handler = descend(track, {"mdia", "hdlr"});
         const std::optional<Box> formats = descend(track, {"mdia", "minf", "stbl", "stsd"});
@@ -92,55 +117,39 @@ public:
         return contains(entries, "mp4a");
     }
 
-    static bool contains(const Boxes& boxes, std::string_view name) {
-        return std::any_of(boxes.begin(), boxes.end(), [&](const Box& box) { return box.name == nameOf(name); });
-    }
-
 private:
     /// The eight bytes at `position` as one number, if they lie before `end`.
-    std::optional<std::uint64_t> number(std::uint64_t position, std::uint64_t end) {
-        std::array<char, 8> bytes{};
+    std::optional<std::uint64_t> number(std::uint64_t position, std::uint64_t end) const {
+        std::array<unsigned char, 8> bytes{};
         if (position > end || end - position < bytes.size() ||
-            !_file.seekg(static_cast<std::streamoff>(position)).read(bytes.data(), bytes.size())) {
+            pread(_file, bytes.data(), bytes.size(), static_cast<off_t>(position)) != ssize_t{bytes.size()}) {
             return std::nullopt;
         }
         std::uint64_t value = 0;
-        for (const char byte : bytes) {
-            value = value << 8 | static_cast<unsigned char>(byte);
+        for (const unsigned char byte : bytes) {
+            value = value << 8 | byte;
         }
         return value;
     }
 
-    std::ifstream _file;
+    const int _file;
 };
 
 } // namespace
 
 bool holdsAac(const std::filesystem::path& path) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) {
+    const Container container{path};
+    const Boxes file = container.boxes(0, container.size());
+    if (!contains(file, "ftyp") || !contains(file, "mdat")) {
         return false;
     }
-    const std::uint64_t size = std::filesystem::file_size(path, error);
-    if (error) {
+    const auto movie = std::find_if(file.begin(), file.end(), isNamed("moov"));
+    if (movie == file.end()) {
         return false;
     }
-    Container container{path};
-    const Boxes file = container.boxes(0, size);
-    if (!Container::contains(file, "ftyp") || !Container::contains(file, "mdat")) {
-        return false;
-    }
-    for (const Box& movie : file) {
-        if (movie.name != nameOf("moov")) {
-            continue;
-        }
-        for (const Box& part : container.boxes(movie.begin, movie.end)) {
-            if (part.name == nameOf("trak") && container.isAacTrack(part)) {
-                return true;
-            }
-        }
-    }
-    return false;
+    const Boxes parts = container.boxes(movie->begin, movie->end);
+    return std::any_of(parts.begin(), parts.end(),
+                       [&](const Box& part) { return isNamed("trak")(part) && container.isAacTrack(part); });
 }
 
 } // namespace platform::freedesktop

@@ -15,7 +15,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 const std::filesystem::path resources = RESOURCES;
 

@@ -35,7 +35,7 @@ protected:
 
     /// A helper program that does what `commands` of the shell say; `$pipe` is a named pipe for talking to it.
     std::filesystem::path helper(const std::string& commands) const {
-        const auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
+        auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         return script;
     }
@@ -80,24 +80,24 @@ protected:
 
     const TemporaryFolder _folder;
     const std::filesystem::path _pipe = _folder.path / "pipe";
-    const std::filesystem::path _sound = "/sounds/A sound; with \"odd\" 'letters' $HOME.m4a";
+    const std::filesystem::path _sound = R"(/sounds/A sound; with "odd" 'letters' $HOME.m4a)";
     std::vector<std::string> _logged;
 };
 
 TEST_F(SoundPlayerTest, PlaysTheSoundThroughTheHelper) {
-    SoundPlayer player{helper("printf '%s|' \"$@\" > \"$pipe\""), log()};
+    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), log()};
     EXPECT_TRUE(player.play(_sound));
     EXPECT_EQ(lineFromHelper(), "play|" + _sound.string() + "|");
 }
 
 TEST_F(SoundPlayerTest, BeepsThroughTheHelper) {
-    SoundPlayer player{helper("printf '%s|' \"$@\" > \"$pipe\""), log()};
+    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), log()};
     player.beep();
     EXPECT_EQ(lineFromHelper(), "beep|");
 }
 
 TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
-    SoundPlayer player{helper("read go < \"$pipe\""), log()};
+    SoundPlayer player{helper(R"(read go < "$pipe")"), log()};
     EXPECT_TRUE(player.play(_sound));
     EXPECT_FALSE(player.play(_sound));
     lineToHelper();
@@ -107,7 +107,7 @@ TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
 }
 
 TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
-    SoundPlayer player{helper("echo started > \"$pipe\"; exec sleep 1000"), log()};
+    SoundPlayer player{helper(R"(echo started > "$pipe"; exec sleep 1000)"), log()};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     EXPECT_EQ(lineFromHelper(), "started");
     EXPECT_TRUE(player.play("/Sonar.m4a"));
@@ -118,7 +118,7 @@ TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
 }
 
 TEST_F(SoundPlayerTest, OneBeepAtATime) {
-    SoundPlayer player{helper("echo beep >> \"$0.beeps\"; read go < \"$pipe\"; exit 1"), log()};
+    SoundPlayer player{helper(R"(echo beep >> "$0.beeps"; read go < "$pipe"; exit 1)"), log()};
     player.beep();
     player.beep();
     lineToHelper();
@@ -172,14 +172,14 @@ TEST_F(SoundPlayerTest, CrashIsLogged) {
 }
 
 TEST_F(SoundPlayerTest, OddLettersInAFailureAreMadeReadable) {
-    SoundPlayer player{helper("printf 'No \\377 device' >&2; exit 1"), log()};
+    SoundPlayer player{helper(R"(printf 'No \377 device' >&2; exit 1)"), log()};
     player.beep();
     runUntilLogged();
     EXPECT_THAT(_logged, ElementsAre("The alert beep could not be played: No \uFFFD device"));
 }
 
 TEST_F(SoundPlayerTest, HangingHelperIsEndedAndLogged) {
-    SoundPlayer player{helper("echo $$ > \"$pipe\"; exec sleep 1000"), log(), 100ms};
+    SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 1000)"), log(), 100ms};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     const std::string process = lineFromHelper();
     runUntilLogged();
@@ -213,7 +213,7 @@ TEST_F(SoundPlayerTest, LogMayPlayTheNextSound) {
 TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
     std::string process;
     {
-        SoundPlayer player{helper("echo $$ > \"$pipe\"; exec sleep 1000"), log()};
+        SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 1000)"), log()};
         player.play(_sound);
         process = lineFromHelper();
         EXPECT_FALSE(isGone(process));

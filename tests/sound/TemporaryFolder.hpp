@@ -2,12 +2,13 @@
 
 // A folder for the files of one test. It goes, with all that is in it, when the test ends.
 
-#include <stdlib.h>
-
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 class TemporaryFolder {
 public:
@@ -30,6 +31,7 @@ public:
 
     /// Writes a file and gives its path.
     std::filesystem::path write(const std::string& name, std::string_view contents) const {
+        std::filesystem::remove(path / name); // a new file need not reach the disk, an overwritten one does
         std::ofstream file{path / name, std::ios::binary};
         file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
         return path / name;

@@ -4,7 +4,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <future>
 #include <list>
 #include <memory>
@@ -16,12 +15,9 @@ namespace {
 
 struct Destroy {
     void operator()(ca_proplist* properties) const { ca_proplist_destroy(properties); }
-
-    void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 using Properties = std::unique_ptr<ca_proplist, Destroy>;
-using File = std::unique_ptr<std::FILE, Destroy>;
 
 Properties describe(const char* key, const std::string& value) {
     ca_proplist* properties = nullptr;
@@ -114,15 +110,14 @@ std::string asWave(const Sound& sound) {
 
 } // namespace
 
-// libcanberra plays files only, so the samples become one that exists in memory alone.
+// libcanberra plays files only, so the samples become one, in memory alone and until the process ends.
 void play(const Sound& sound) {
     const std::string wave = asWave(sound);
-    const int descriptor = memfd_create("sound.wav", MFD_CLOEXEC);
-    const File file{descriptor < 0 ? nullptr : fdopen(descriptor, "wb")};
-    if (!file || std::fwrite(wave.data(), wave.size(), 1, file.get()) != 1 || std::fflush(file.get()) != 0) {
+    const int file = memfd_create("sound.wav", MFD_CLOEXEC);
+    if (write(file, wave.data(), wave.size()) != static_cast<ssize_t>(wave.size())) {
         throw Failure{"There is no memory for the sound."};
     }
-    play(describe(CA_PROP_MEDIA_FILENAME, "/proc/self/fd/" + std::to_string(descriptor)));
+    play(describe(CA_PROP_MEDIA_FILENAME, "/proc/self/fd/" + std::to_string(file)));
 }
 
 void playThemed(const std::string& event) { play(describe(CA_PROP_EVENT_ID, event)); }

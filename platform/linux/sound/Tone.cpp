@@ -1,5 +1,6 @@
 #include "platform/linux/sound/Sound.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -14,7 +15,8 @@ Sound tone() {
     constexpr double loudest = 16'000;
 
     Sound sound{.samplesPerSecond = samplesPerSecond, .channels = 1, .samples = {}};
-    for (double time = 0; time < seconds; time += 1.0 / samplesPerSecond) {
+    for (int index = 0; index < seconds * samplesPerSecond; ++index) {
+        const double time = static_cast<double>(index) / samplesPerSecond;
         const double envelope = std::min(time / attack, 1.0) * std::exp(-time / decay);
         const double wave = std::sin(2 * std::numbers::pi * hertz * time);
         sound.samples.push_back(static_cast<std::int16_t>(loudest * envelope * wave));
