@@ -272,7 +272,6 @@ GtkWidget* Content::modified(GtkWidget* widget, GtkWidget* inner, const Modifier
                    [&](const modifier::Disabled& disabled) {
                        gtk_widget_set_sensitive(widget, !disabled.isDisabled);
                    },
-                   [&](const modifier::Focusable&) { gtk_widget_set_can_focus(inner, TRUE); },
                    [&](const modifier::FixedSize&) {
                        gtk_widget_set_halign(widget, GTK_ALIGN_CENTER);
                        gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
@@ -283,6 +282,7 @@ GtkWidget* Content::modified(GtkWidget* widget, GtkWidget* inner, const Modifier
                                                    GTK_STYLE_CLASS_SUGGESTED_ACTION);
                        _defaultButton = inner;
                    },
+                   [](const modifier::Focusable&) {}, // as all controls here are
                    [](const modifier::FontStyle&) {}, // heeded where the text is made
                    [](const modifier::OnAppear&) {},  // stays in the resident program
                },

@@ -125,9 +125,10 @@ gboolean TopLevel::keyPressed(const GdkEventKey& event) {
         return GDK_EVENT_STOP;
     }
     GtkWidget* focus = gtk_window_get_focus(_window);
+    GtkWidget* defaultButton = gtk_window_get_default_widget(_window);
     const bool isOnPicker = focus && gtk_widget_get_ancestor(focus, GTK_TYPE_COMBO_BOX);
-    if (isReturn(event.keyval) && isOnPicker) { // would open the picker, which Space and the arrow keys do
-        return gtk_window_activate_default(_window);
+    if (isReturn(event.keyval) && isOnPicker && defaultButton) { // would open the picker, which Space does
+        return gtk_widget_activate(defaultButton);
     }
     return GDK_EVENT_PROPAGATE;
 }
