@@ -152,8 +152,7 @@ int WindowHelper::runAlert(NSAlert& alert) {
 
 void WindowHelper::runModal(NSPanel& panel, const View& content) {
     Session session{*this, true};
-    session.send(
-        PanelRequest{session.window, panel.title, panel.isMovableByWindowBackground, content, nullptr});
+    session.send(PanelRequest{session.window, panel.title, panel.isMovableByWindowBackground, content, nullptr});
     while (const auto event = session.nextEvent()) {
         if (event->kind == Event::Kind::Closed) {
             break;
@@ -170,8 +169,8 @@ void WindowHelper::runModal(NSPanel& panel, const View& content) {
 }
 
 void WindowHelper::stopModal() {
-    const auto innermost = std::find_if(_sessions.rbegin(), _sessions.rend(),
-                                        [](const Session* session) { return session->isPanel; });
+    const auto innermost =
+        std::find_if(_sessions.rbegin(), _sessions.rend(), [](const Session* session) { return session->isPanel; });
     if (innermost != _sessions.rend()) {
         (*innermost)->isOver = true;
     }

@@ -1,8 +1,6 @@
 #include "platform/linux/WindowProcess.hpp"
 
 #include <glib-unix.h>
-
-#include <csignal>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -10,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <memory>
 #include <system_error>
 #include <utility>

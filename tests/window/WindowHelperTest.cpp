@@ -4,7 +4,6 @@
 #include "tests/window/BareDesktop.hpp"
 
 #include <gtest/gtest.h>
-
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -20,6 +19,7 @@ namespace platform::freedesktop {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 namespace fs = std::filesystem;
 
 /// Closes its panel's modal session, and counts.
@@ -53,14 +53,15 @@ protected:
     /// waits for a request, which it appends to the file "requests", and `say` tells an event.
     void play(const std::string& script) {
         const fs::path program = folder / "program";
-        std::ofstream{program} << "#!/bin/sh\n"
-                                  "cd '"
-                               << folder.string()
-                               << "'\n"
-                                  "echo start >>starts\n"
-                                  "next() { dd bs=65536 count=1 2>/dev/null >request; cat request >>requests; echo >>requests; }\n"
-                                  "say() { printf \"$1\" >&0; }\n"
-                               << script;
+        std::ofstream{program}
+            << "#!/bin/sh\n"
+               "cd '"
+            << folder.string()
+            << "'\n"
+               "echo start >>starts\n"
+               "next() { dd bs=65536 count=1 2>/dev/null >request; cat request >>requests; echo >>requests; }\n"
+               "say() { printf \"$1\" >&0; }\n"
+            << script;
         fs::permissions(program, fs::perms::owner_all);
         desktop.emplace(program);
     }
@@ -191,21 +192,20 @@ TEST_F(AnAlert, ReturnsWhenEverythingCloses) {
     EXPECT_TRUE(desktop->errors.empty());
 }
 
-class NonsenseToAnAlert : public WindowHelperTest, public testing::WithParamInterface<std::string> {};
-
-TEST_P(NonsenseToAnAlert, CountsAsDeath) {
-    play("next; say \"" + GetParam() + "\"; exec sleep 60");
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
-    EXPECT_EQ(desktop->errors.size(), 1U);
-    EXPECT_FALSE(isTicked());
+TEST_F(AnAlert, IsStoppedWhenTheProgramTalksNonsense) {
+    for (const std::string& nonsense :
+         {"garbage"s, "('pressed', 1, 2, nothing)"s, "('changed', 1, 1, just <true>)"s,
+          "('changed', 1, 2, just <int64 1>)"s, "('submitted', 1, 0, nothing)"s, "('pressed', 1, 0"s,
+          std::string(100'000, 'x')}) {
+        SCOPED_TRACE(nonsense.substr(0, 100));
+        play("next; say \"" + nonsense + "\"; exec sleep 60");
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
+        EXPECT_EQ(desktop->errors.size(), 1U);
+        EXPECT_FALSE(isTicked());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(, NonsenseToAnAlert,
-                         testing::Values("garbage", "('pressed', 1, 2, nothing)", "('changed', 1, 1, just <true>)",
-                                         "('changed', 1, 2, just <int64 1>)", "('submitted', 1, 0, nothing)",
-                                         "('pressed', 1, 0", std::string(100'000, 'x')));
 
 TEST_F(APanel, FollowsTheUserAndAnswersWithFreshValues) {
     play("next; say \"('changed', 1, 0, just <int64 25>)\"\n"
@@ -268,24 +268,23 @@ TEST_F(APanel, CanBeShownAgain) {
     EXPECT_EQ(linesOf("starts").size(), 2U);
 }
 
-class NonsenseToAPanel : public WindowHelperTest, public testing::WithParamInterface<std::string> {};
-
-TEST_P(NonsenseToAPanel, CountsAsDeath) {
-    play("next; say \"" + GetParam() + "\"; exec sleep 60");
-    runPanel(form());
-    EXPECT_EQ(host.closings, 1);
-    EXPECT_EQ(desktop->errors.size(), 1U);
+TEST_F(APanel, IsToldWhenTheProgramTalksNonsense) {
+    for (const char* nonsense : {"('pressed', 1, 5, nothing)", "('pressed', 1, 0, nothing)",
+                                 "('submitted', 1, 3, nothing)", "('changed', 1, 0, just <true>)",
+                                 "('changed', 1, 1, just <int64 1>)", "('changed', 1, 2, just <int64 2>)",
+                                 "('changed', 1, 2, just <int64 -1>)", "('changed', 1, 3, just <true>)"}) {
+        SCOPED_TRACE(nonsense);
+        play("next; say \""s + nonsense + "\"; exec sleep 60");
+        host.closings = 0;
+        runPanel(form());
+        EXPECT_EQ(host.closings, 1);
+        EXPECT_EQ(desktop->errors.size(), 1U);
+    }
     EXPECT_EQ(*minutes, 10);
     EXPECT_FALSE(*isOn);
     EXPECT_EQ(*sound, 0);
     EXPECT_TRUE(actions.empty());
 }
-
-INSTANTIATE_TEST_SUITE_P(, NonsenseToAPanel,
-                         testing::Values("('pressed', 1, 5, nothing)", "('pressed', 1, 0, nothing)",
-                                         "('submitted', 1, 3, nothing)", "('changed', 1, 0, just <true>)",
-                                         "('changed', 1, 1, just <int64 1>)", "('changed', 1, 2, just <int64 2>)",
-                                         "('changed', 1, 2, just <int64 -1>)", "('changed', 1, 3, just <true>)"));
 
 /// A panel whose button runs an alert, and what the alert answered.
 class AnAlertOnAPanel : public WindowHelperTest {

@@ -78,25 +78,26 @@ public:
 
     View body() const {
         const auto save = [this] { update(); };
-        const std::vector<std::pair<std::string, int>> sounds{{"Sonar", 0}, {"Bowl", 1}, {"System", 2}, {"Whistle", 3}};
-        return VStack({
-                          header({}),
-                          row("Interval in minutes",
-                              TextField("600", printing("minutes", _minutes), NumberFormatter{})
-                                  .frame({.width = 30, .height = {}, .alignment = Alignment::Leading})
-                                  .focusable()
-                                  .onSubmit([=] {
-                                      std::cout << "submitted" << std::endl;
-                                      save();
-                                  })),
-                          row("Restart after sleep", Toggle("", printing("restart", _restart))),
-                          row("Auto restart timer", Toggle("", printing("auto", _auto)).disabled(true)),
-                          row("Reminder sound", Picker("", printing("sound", _sound), sounds).focusable().onChange([] {
-                              std::cout << "plays" << std::endl;
-                          }))
-                              .padding(Edges::Bottom),
-                          Button("OK", 5, save).focusable().keyboardShortcut(KeyboardShortcut::DefaultAction),
-                      })
+        const std::vector<std::pair<std::string, int>> sounds{
+            {"Sonar", 0}, {"Bowl", 1}, {"System", 2}, {"Whistle", 3}};
+        return VStack(
+                   {
+                       header({}),
+                       row("Interval in minutes",
+                           TextField("600", printing("minutes", _minutes), NumberFormatter{})
+                               .frame({.width = 30, .height = {}, .alignment = Alignment::Leading})
+                               .focusable()
+                               .onSubmit([=] {
+                                   std::cout << "submitted" << std::endl;
+                                   save();
+                               })),
+                       row("Restart after sleep", Toggle("", printing("restart", _restart))),
+                       row("Auto restart timer", Toggle("", printing("auto", _auto)).disabled(true)),
+                       row("Reminder sound", Picker("", printing("sound", _sound), sounds).focusable().onChange([] {
+                           std::cout << "plays" << std::endl;
+                       })).padding(Edges::Bottom),
+                       Button("OK", 5, save).focusable().keyboardShortcut(KeyboardShortcut::DefaultAction),
+                   })
             .fixedSize()
             .padding(Edges::Bottom, 10)
             .padding(Edges::Trailing, 10);

@@ -231,8 +231,7 @@ GtkWidget* Content::build(const node::Button& node) {
 
 GtkWidget* Content::build(const node::Stack& stack, Font font) {
     const bool isVertical = stack.axis == Axis::Vertical;
-    GtkWidget* box =
-        gtk_box_new(isVertical ? GTK_ORIENTATION_VERTICAL : GTK_ORIENTATION_HORIZONTAL, usualSpacing);
+    GtkWidget* box = gtk_box_new(isVertical ? GTK_ORIENTATION_VERTICAL : GTK_ORIENTATION_HORIZONTAL, usualSpacing);
     GtkWidget* precedingLabel = nullptr;
     for (const View& child : stack.children) {
         const Widgets widgets = build(child, font);
@@ -254,7 +253,8 @@ GtkWidget* Content::framed(GtkWidget* widget, const modifier::Frame& frame) {
     gtk_widget_set_halign(widget, alignOf(frame.alignment));
     gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
     GtkWidget* box = boxed(widget);
-    gtk_widget_set_size_request(box, frame.width ? pixels(*frame.width) : -1, frame.height ? pixels(*frame.height) : -1);
+    gtk_widget_set_size_request(box, frame.width ? pixels(*frame.width) : -1,
+                                frame.height ? pixels(*frame.height) : -1);
     if (frame.width) {
         auto& column = _columns[*frame.width];
         if (!column) {
@@ -266,27 +266,25 @@ GtkWidget* Content::framed(GtkWidget* widget, const modifier::Frame& frame) {
 }
 
 GtkWidget* Content::modified(GtkWidget* widget, GtkWidget* inner, const Modifier& modifier) {
-    std::visit(Overloaded{
-                   [&](const modifier::Frame& frame) { widget = framed(widget, frame); },
-                   [&](const modifier::Padding& padding) { widget = padded(widget, padding); },
-                   [&](const modifier::Disabled& disabled) {
-                       gtk_widget_set_sensitive(widget, !disabled.isDisabled);
-                   },
-                   [&](const modifier::FixedSize&) {
-                       gtk_widget_set_halign(widget, GTK_ALIGN_CENTER);
-                       gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
-                   },
-                   [&](const modifier::Shortcut&) { // the default action is the only kind
-                       gtk_widget_set_can_default(inner, TRUE);
-                       gtk_style_context_add_class(gtk_widget_get_style_context(inner),
-                                                   GTK_STYLE_CLASS_SUGGESTED_ACTION);
-                       _defaultButton = inner;
-                   },
-                   [](const modifier::Focusable&) {}, // as all controls here are
-                   [](const modifier::FontStyle&) {}, // heeded where the text is made
-                   [](const modifier::OnAppear&) {},  // stays in the resident program
-               },
-               modifier);
+    std::visit(
+        Overloaded{
+            [&](const modifier::Frame& frame) { widget = framed(widget, frame); },
+            [&](const modifier::Padding& padding) { widget = padded(widget, padding); },
+            [&](const modifier::Disabled& disabled) { gtk_widget_set_sensitive(widget, !disabled.isDisabled); },
+            [&](const modifier::FixedSize&) {
+                gtk_widget_set_halign(widget, GTK_ALIGN_CENTER);
+                gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
+            },
+            [&](const modifier::Shortcut&) { // the default action is the only kind
+                gtk_widget_set_can_default(inner, TRUE);
+                gtk_style_context_add_class(gtk_widget_get_style_context(inner), GTK_STYLE_CLASS_SUGGESTED_ACTION);
+                _defaultButton = inner;
+            },
+            [](const modifier::Focusable&) {}, // as all controls here are
+            [](const modifier::FontStyle&) {}, // heeded where the text is made
+            [](const modifier::OnAppear&) {},  // stays in the resident program
+        },
+        modifier);
     return widget;
 }
 

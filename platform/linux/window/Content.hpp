@@ -75,7 +75,8 @@ private:
     GtkWidget* _defaultButton = nullptr;
     std::vector<std::unique_ptr<Field>> _fields;
     std::vector<std::function<void()>> _refreshers;
-    std::map<double, std::unique_ptr<GtkSizeGroup, Unreference>> _columns; ///< Frames of one width stay equally wide.
+    std::map<double, std::unique_ptr<GtkSizeGroup, Unreference>>
+        _columns; ///< Frames of one width stay equally wide.
     Mnemonics _mnemonics;
 };
 

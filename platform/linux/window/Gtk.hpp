@@ -17,7 +17,9 @@ void connect(gpointer object, const char* signal, std::function<Result(Arguments
     const auto call = [](gpointer, Arguments... arguments, gpointer data) -> Result {
         return (*static_cast<Handler*>(data))(arguments...);
     };
-    const auto destroy = [](gpointer data, GClosure*) { std::default_delete<Handler>{}(static_cast<Handler*>(data)); };
+    const auto destroy = [](gpointer data, GClosure*) {
+        std::default_delete<Handler>{}(static_cast<Handler*>(data));
+    };
     Result (*const callback)(gpointer, Arguments..., gpointer) = call;
     g_signal_connect_data(object, signal, G_CALLBACK(callback),
                           std::make_unique<Handler>(std::move(handler)).release(), destroy,

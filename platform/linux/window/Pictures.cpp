@@ -30,7 +30,9 @@ GtkWidget* picture(const std::filesystem::path& path, double width, double heigh
     return loaded(path, width, height);
 }
 
-GtkWidget* picture(const std::filesystem::path& path, double height) { return loaded(path, asWideAsNeeded, height); }
+GtkWidget* picture(const std::filesystem::path& path, double height) {
+    return loaded(path, asWideAsNeeded, height);
+}
 
 GtkWidget* applicationIcon(int size) {
     if (!gtk_icon_theme_has_icon(gtk_icon_theme_get_default(), applicationId)) {

@@ -66,9 +66,8 @@ GVariant* encodeModifier(const Modifier& modifier) {
                                                    encodeNumber(frame.height), ordinal(frame.alignment)));
             },
             [](const modifier::Padding& padding) {
-                return g_variant_new(
-                    "(sv)", "padding",
-                    g_variant_new("(i@md)", ordinal(padding.edges), encodeNumber(padding.length)));
+                return g_variant_new("(sv)", "padding",
+                                     g_variant_new("(i@md)", ordinal(padding.edges), encodeNumber(padding.length)));
             },
             [](const modifier::FontStyle& style) {
                 return g_variant_new("(sv)", "font", g_variant_new_int32(ordinal(style.font)));
@@ -112,9 +111,8 @@ GVariant* encodeNode(const Node& node) {
                                                    image.image.size.height));
             },
             [](const node::TextField& field) {
-                return g_variant_new(
-                    "(sv)", "textField",
-                    g_variant_new("(sx)", field.placeholder.c_str(), gint64{field.value.get()}));
+                return g_variant_new("(sv)", "textField",
+                                     g_variant_new("(sx)", field.placeholder.c_str(), gint64{field.value.get()}));
             },
             [](const node::Toggle& toggle) {
                 return g_variant_new("(sv)", "toggle",
@@ -185,8 +183,8 @@ std::pair<std::string_view, Variant> tagged(GVariant* variant) {
 }
 
 Variant parsed(std::string_view message, const char* type) {
-    return Variant{g_variant_parse(G_VARIANT_TYPE(type), message.data(), message.data() + message.size(), nullptr,
-                                   nullptr)};
+    return Variant{
+        g_variant_parse(G_VARIANT_TYPE(type), message.data(), message.data() + message.size(), nullptr, nullptr)};
 }
 
 std::optional<double> decodeNumber(GVariant* maybe) {
@@ -212,9 +210,8 @@ std::optional<ControlValue> decodeValue(GVariant* value) {
 
 template <typename Enumeration>
 std::optional<Enumeration> enumeration(gint32 ordinal, Enumeration last) {
-    return ordinal >= 0 && ordinal <= static_cast<gint32>(last)
-               ? std::optional{static_cast<Enumeration>(ordinal)}
-               : std::nullopt;
+    return ordinal >= 0 && ordinal <= static_cast<gint32>(last) ? std::optional{static_cast<Enumeration>(ordinal)}
+                                                                : std::nullopt;
 }
 
 std::optional<Modifier> decodeModifier(GVariant* encoded) {
@@ -337,8 +334,8 @@ std::optional<Node> ViewDecoder::decodeNode(GVariant* encoded) {
     }
     if (kind == "textField" && unpack(content.get(), "(sx)", "(&sx)", &text, &number)) {
         const auto control = addControl(std::int64_t{number});
-        return node::TextField{text, bind<std::int64_t, std::int64_t>(control), {},
-                               teller(Event::Kind::Submitted, control)};
+        return node::TextField{
+            text, bind<std::int64_t, std::int64_t>(control), {}, teller(Event::Kind::Submitted, control)};
     }
     if (kind == "toggle" && unpack(content.get(), "(sb)", "(&sb)", &text, &flag)) {
         return node::Toggle{text, bind<bool, bool>(addControl(flag != FALSE))};

@@ -1,8 +1,8 @@
 #pragma once
 
-// What the resident program and its window program say to each other, and how that looks on the wire. Both ends hold
-// a socket of type SOCK_SEQPACKET, the window program as its standard input; a packet is one message in GVariant's
-// text form, and the end of the stream means that the other side is gone.
+// What the resident program and its window program say to each other, and how that looks on the wire. Both ends
+// hold a socket of type SOCK_SEQPACKET, the window program as its standard input; a packet is one message in
+// GVariant's text form, and the end of the stream means that the other side is gone.
 //
 // The resident program shows windows on top of each other, and only the topmost takes input:
 //
@@ -19,7 +19,8 @@
 //     ('closed', window, 0, nothing)               the user or the desktop wants the window to go away
 //
 // Controls are numbered from 0: in a panel, its text fields, toggles, pickers and buttons in the order of the tree;
-// in an alert, its buttons, then the check box. A view is `(kind, <what it is>, [modifier, ...])`; actions stay behind.
+// in an alert, its buttons, then the check box. A view is `(kind, <what it is>, [modifier, ...])`; actions stay
+// behind.
 
 #include "platform/NSAlert.hpp"
 #include "platform/View.hpp"

@@ -39,7 +39,7 @@ bool prefersDark() {
     }
     const std::unique_ptr<GSettings, decltype(&g_object_unref)> settings{g_settings_new(schemaId), g_object_unref};
     const std::unique_ptr<gchar, decltype(&g_free)> scheme{g_settings_get_string(settings.get(), "color-scheme"),
-                                                          g_free};
+                                                           g_free};
     return std::string_view{scheme.get()} == "prefer-dark";
 }
 
@@ -58,7 +58,8 @@ void setUpAppearance() {
     if (prefersDark()) {
         g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", TRUE, nullptr);
     }
-    const std::unique_ptr<GtkCssProvider, decltype(&g_object_unref)> provider{gtk_css_provider_new(), g_object_unref};
+    const std::unique_ptr<GtkCssProvider, decltype(&g_object_unref)> provider{gtk_css_provider_new(),
+                                                                              g_object_unref};
     gtk_css_provider_load_from_data(provider.get(), appearance, -1, nullptr);
     gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider.get()),
                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);

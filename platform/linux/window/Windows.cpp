@@ -62,7 +62,9 @@ class Windows::Alert : public Window {
 public:
     Alert(const AlertRequest& request, GtkWindow* below, const Tell& tell)
         : Window{request.window}
-        , _topLevel{alertTitle, below, [tell, number = number] { tell({Event::Kind::Closed, number, 0, {}}); }} {
+        , _topLevel{alertTitle, below, [tell, number = number] {
+                        tell({Event::Kind::Closed, number, 0, {}});
+                    }} {
         const NSAlert& alert = request.alert;
         GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
         gtk_container_add(GTK_CONTAINER(texts), messageLabel(alert.messageText));
@@ -115,8 +117,9 @@ private:
         std::uint32_t control = 0;
         for (const std::string& title : alert.buttons()) {
             GtkWidget* button = gtk_button_new_with_mnemonic(_mnemonics.mark(title).c_str());
-            connect(button, "clicked",
-                    [tell, number = number, control] { tell({Event::Kind::Pressed, number, control, {}}); });
+            connect(button, "clicked", [tell, number = number, control] {
+                tell({Event::Kind::Pressed, number, control, {}});
+            });
             gtk_box_pack_end(GTK_BOX(row), button, TRUE, TRUE, 0);
             if (control++ == 0) {
                 gtk_widget_set_can_default(button, TRUE);

@@ -7,7 +7,6 @@
 #include "platform/linux/window/Windows.hpp"
 
 #include <glib-unix.h>
-
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -30,7 +29,8 @@ bool wasStartedByResidentProgram() {
 
 void tell(const Event& event) {
     const std::string message = encode(event);
-    send(residentProgram, message.data(), message.size(), MSG_NOSIGNAL); // its end is noticed where requests are read
+    send(residentProgram, message.data(), message.size(),
+         MSG_NOSIGNAL); // its end is noticed where requests are read
 }
 
 /// Reads one request and does it. Gives whether there may be more.
