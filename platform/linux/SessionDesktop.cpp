@@ -2,18 +2,10 @@
 
 #include "platform/linux/Journal.hpp"
 
-#include <csignal>
 #include <cstdio>
 #include <utility>
 
-#include <glib-unix.h>
-
 namespace platform::freedesktop {
-namespace {
-
-constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
-
-} // namespace
 
 Places Places::ofThisProcess() {
     std::error_code error;
@@ -36,21 +28,9 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places, const
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
     const auto busClosed = +[](GDBusConnection*, gboolean, GError*, SessionDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
-    const auto end = [](gpointer self) -> gboolean {
-        static_cast<SessionDesktop*>(self)->terminate();
-        return G_SOURCE_CONTINUE;
-    };
-    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
-        _signals[index] = g_unix_signal_add(endingSignals[index], end, this);
-    }
 }
 
-SessionDesktop::~SessionDesktop() {
-    for (const unsigned signal : _signals) {
-        g_source_remove(signal);
-    }
-    g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
-}
+SessionDesktop::~SessionDesktop() { g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler); }
 
 int SessionDesktop::run(int, const char* const*) {
     application.delegate->applicationDidFinishLaunching();
@@ -59,6 +39,7 @@ int SessionDesktop::run(int, const char* const*) {
             [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); });
     });
     _loop.run();
+    g_dbus_connection_flush_sync(_sessionBus.get(), nullptr, nullptr); // whoever asked for the end gets an answer
     return 0;
 }
 

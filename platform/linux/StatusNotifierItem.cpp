@@ -48,10 +48,10 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
     , _content{std::move(content)}
     , _interface{bus, "/StatusNotifierItem", description, nullptr,
                  [this](std::string_view name) { return property(name); }}
-    , _tray{bus, [this](std::string_view processName) { drawFor(styleOfHost(processName)); }, std::move(logError)} {}
+    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); }, std::move(logError)} {}
 
 void StatusNotifierItem::show(StatusContent content) {
-    const bool isPictureOld = needsNewPicture(_style, _content, content);
+    const bool isPictureOld = _host->needsNewPicture(_content, content);
     const bool isTextOld = _content.text != content.text;
     if (!isPictureOld && !isTextOld) {
         return;
@@ -63,24 +63,24 @@ void StatusNotifierItem::show(StatusContent content) {
     if (isPictureOld) {
         _interface.emit("NewIcon");
     }
-    if (isTextOld) {
+    if (isTextOld && !(isPictureOld && _host->readsAllAtOnce)) {
         _interface.emit("NewToolTip");
-        if (hasLabel(_style)) {
-            announceLabel();
-        }
+    }
+    if (isTextOld && _host->hasLabel()) {
+        announceLabel();
     }
 }
 
-void StatusNotifierItem::drawFor(HostStyle style) {
-    if (_style != style) {
-        _style = style;
+void StatusNotifierItem::drawFor(const TrayHost& host) {
+    if (_host != &host) {
+        _host = &host;
         _interface.emit("NewIcon");
         announceLabel();
     }
 }
 
 void StatusNotifierItem::announceLabel() const {
-    const bool isOffered = hasLabel(_style);
+    const bool isOffered = _host->hasLabel();
     _interface.emit("XAyatanaNewLabel",
                     g_variant_new("(ss)", isOffered ? _content.text.c_str() : "", isOffered ? widestLabel : ""));
 }
@@ -120,7 +120,7 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
     if (name == "Menu") {
         return owned(g_variant_new_object_path(menuPath));
     }
-    if (!hasLabel(_style)) {
+    if (!_host->hasLabel()) {
         return nullptr;
     }
     return text(name == "XAyatanaLabel" ? _content.text.c_str() : widestLabel);
@@ -129,7 +129,7 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
 VariantHandle StatusNotifierItem::pictures() const {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a(iiay)"));
-    for (const Picture& picture : picturesFor(_style, _content, _resources)) {
+    for (const Picture& picture : _host->pictures(_content, _resources)) {
         g_variant_builder_add(&builder, "(ii@ay)", picture.width, picture.height, bytesOf(picture));
     }
     return owned(g_variant_builder_end(&builder));

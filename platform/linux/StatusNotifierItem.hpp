@@ -4,10 +4,10 @@
 // properties and is sent a signal when one of them has changed, and only then.
 
 #include "platform/linux/ExportedInterface.hpp"
-#include "platform/linux/HostStyle.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/StatusContent.hpp"
 #include "platform/linux/Tray.hpp"
+#include "platform/linux/TrayHost.hpp"
 
 #include <functional>
 #include <string_view>
@@ -29,12 +29,12 @@ public:
 private:
     VariantHandle property(std::string_view name) const;
     VariantHandle pictures() const;
-    void drawFor(HostStyle style);
+    void drawFor(const TrayHost& host);
     void announceLabel() const;
 
     const Resources& _resources;
     StatusContent _content;
-    HostStyle _style = HostStyle::TextInPicture;
+    const TrayHost* _host = &TrayHost::ofProcess({}); // one of a fixed table
     ExportedInterface _interface;
     Tray _tray;
 };

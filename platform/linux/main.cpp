@@ -23,6 +23,16 @@ Reminds you of a short break every few minutes, from an icon in the panel.
   --version    show the version
 )";
 
+/// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once; and
+/// the bus's thread gets no pool of memory of its own.
+void keepMemorySmall() {
+    constexpr int large = 8 * 1024;
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MMAP_THRESHOLD, large);
+    mallopt(M_TRIM_THRESHOLD, large);
+    mallopt(M_TOP_PAD, 0);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -36,7 +46,7 @@ int main(int argc, char** argv) {
         std::puts("Marvelode Timer " MARVELODE_VERSION);
         return EXIT_SUCCESS;
     }
-    mallopt(M_ARENA_MAX, 1);       // the bus's own thread needs no memory pool of its own
+    keepMemorySmall();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
     ErrorSlot error;
     const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error)};

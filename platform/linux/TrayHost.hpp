@@ -1,0 +1,41 @@
+#pragma once
+
+// How each panel is given the status item, since none shows picture, text and colour as another does. A panel that
+// wants something else is a line in the table of known hosts, or one more style.
+
+#include "platform/linux/Picture.hpp"
+#include "platform/linux/Resources.hpp"
+#include "platform/linux/StatusContent.hpp"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+/// What is known of a program that shows status items.
+struct TrayHost {
+    enum class Style {
+        TextInPicture,   ///< A square picture with the text above a bar of the time left.
+        LabelBesideIcon, ///< The program's own picture, and a label beside it.
+    };
+
+    std::string_view process;          ///< The name of its process, as far as the kernel keeps it (15 characters).
+    Style style;
+    std::span<const int> pictureSizes; ///< In pixels; what it is offered to choose from.
+    bool readsAllAtOnce;               ///< It reads all properties anew whichever signal it gets.
+
+    /// The host that runs as a process of that name; for unknown ones, what suits most.
+    static const TrayHost& ofProcess(std::string_view name);
+
+    /// Whether it is to be offered a label.
+    bool hasLabel() const { return style == Style::LabelBesideIcon; }
+
+    /// Whether it had better fetch the picture of `content` if it shows the one of `shown`.
+    bool needsNewPicture(const StatusContent& shown, const StatusContent& content) const;
+
+    /// The picture of `content`, in each of the sizes that can be had.
+    std::vector<Picture> pictures(const StatusContent& content, const Resources& resources) const;
+};
+
+} // namespace platform::freedesktop
