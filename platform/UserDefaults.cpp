@@ -5,6 +5,8 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -53,11 +55,14 @@ std::int64_t integerFromDouble(double number) {
     return static_cast<std::int64_t>(number);
 }
 
-template <typename Number>
-std::string decimal(Number number) {
+/// The shortest decimal that stands for `number`.
+std::string decimal(double number) {
     char text[32];
-    const auto [end, error] = std::to_chars(std::begin(text), std::end(text), number);
-    return {text, end};
+    int digits = std::numeric_limits<double>::digits10;
+    do {
+        std::snprintf(text, sizeof text, "%.*g", digits++, number);
+    } while (std::strtod(text, nullptr) != number && digits <= std::numeric_limits<double>::max_digits10);
+    return text;
 }
 
 template <typename... Cases>
@@ -87,7 +92,8 @@ std::int64_t integerFromDefaults(const DefaultsValue& value) {
 std::string stringFromDefaults(const DefaultsValue& value) {
     return std::visit(Overloaded{[](bool truth) { return std::string{truth ? "1" : "0"}; },
                                  [](const std::string& text) { return text; },
-                                 [](auto number) { return decimal(number); }},
+                                 [](std::int64_t number) { return std::to_string(number); },
+                                 [](double number) { return decimal(number); }},
                       value);
 }
 
