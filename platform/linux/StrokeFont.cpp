@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <span>
+#include <utility>
 
 namespace platform::freedesktop {
 namespace {
@@ -23,9 +25,12 @@ struct Stroke {
     bool isClosed = false;
 };
 
+/// A letter is as wide as its upright strokes and the counters between them.
 struct Glyph {
     char character;
-    int width; // in hundredths of the height
+    int uprights;
+    int counters;     // hundredths of a digit's counter, together
+    bool isSymmetric; // its middle stroke stands between pixels like the outer ones
     std::span<const Stroke> strokes;
 };
 
@@ -40,8 +45,8 @@ constexpr std::array threeUpper{sharp(0, 18), round(0, 0), round(100, 0), round(
 constexpr std::array threeLower{sharp(40, 47), round(100, 47), round(100, 100), round(0, 100), sharp(0, 82)};
 constexpr std::array fourDiagonal{sharp(75, 0), sharp(0, 70), sharp(100, 70)};
 constexpr std::array fourStem{sharp(75, 0), sharp(75, 100)};
-constexpr std::array five{sharp(96, 0), sharp(4, 0), sharp(4, 42), round(100, 42), round(100, 100), round(0, 100),
-                          sharp(0, 82)};
+constexpr std::array five{sharp(96, 0),    sharp(4, 0),   sharp(4, 42), round(100, 42),
+                          round(100, 100), round(0, 100), sharp(0, 82)};
 constexpr std::array sixStem{sharp(96, 18), round(96, 0), round(0, 0), sharp(0, 70)};
 constexpr std::array seven{sharp(0, 0), sharp(100, 0), sharp(35, 100)};
 constexpr std::array nineStem{sharp(4, 82), round(4, 100), round(100, 100), sharp(100, 30)};
@@ -71,11 +76,14 @@ constexpr std::array minusStrokes{Stroke{dash}};
 constexpr std::array greaterStrokes{Stroke{greater}};
 
 constexpr std::array glyphs{
-    Glyph{'0', 54, zeroStrokes},  Glyph{'1', 34, oneStrokes},     Glyph{'2', 54, twoStrokes},
-    Glyph{'3', 54, threeStrokes}, Glyph{'4', 56, fourStrokes},    Glyph{'5', 54, fiveStrokes},
-    Glyph{'6', 54, sixStrokes},   Glyph{'7', 52, sevenStrokes},   Glyph{'8', 54, eightStrokes},
-    Glyph{'9', 54, nineStrokes},  Glyph{'h', 52, hourStrokes},    Glyph{'m', 78, minuteStrokes},
-    Glyph{'+', 56, plusStrokes},  Glyph{'-', 44, minusStrokes},   Glyph{'>', 50, greaterStrokes},
+    Glyph{'0', 2, 100, false, zeroStrokes},   Glyph{'1', 1, 75, false, oneStrokes},
+    Glyph{'2', 2, 100, false, twoStrokes},    Glyph{'3', 2, 100, false, threeStrokes},
+    Glyph{'4', 2, 110, false, fourStrokes},   Glyph{'5', 2, 100, false, fiveStrokes},
+    Glyph{'6', 2, 100, false, sixStrokes},    Glyph{'7', 2, 95, false, sevenStrokes},
+    Glyph{'8', 2, 100, false, eightStrokes},  Glyph{'9', 2, 100, false, nineStrokes},
+    Glyph{'h', 2, 90, false, hourStrokes},    Glyph{'m', 3, 150, false, minuteStrokes},
+    Glyph{'+', 2, 100, true, plusStrokes},    Glyph{'-', 2, 50, false, minusStrokes},
+    Glyph{'>', 2, 70, false, greaterStrokes},
 };
 
 const Glyph* glyphOf(char character) {
@@ -85,6 +93,24 @@ const Glyph* glyphOf(char character) {
 }
 
 int rounded(double number) { return static_cast<int>(std::lround(number)); }
+
+constexpr double boldness = 0.16;   // of the height
+constexpr double digitWidth = 0.56; // of the height
+constexpr double leastCounter = 1;  // of the thickness
+
+/// How many cells of the grid the letter is wide: its outer edges fall between pixels, and so does its middle
+/// stroke if it is symmetric.
+int cells(const Glyph& glyph, double thickness, int counter) {
+    const int counters = std::max({1, glyph.uprights - 1, rounded(glyph.counters * counter / 100.0)});
+    const int width = rounded(std::ceil(glyph.uprights * thickness + counters));
+    const bool isEven = (width - static_cast<int>(thickness)) % 2 == 0;
+    return glyph.isSymmetric && !isEven ? width + (counters > thickness ? -1 : 1) : width;
+}
+
+int gapOf(int height) { return std::max(1, rounded(height * 0.09)); }
+
+/// A stroke's middle between the outermost two, moved so that an edge falls between pixels as theirs do.
+double onGrid(double position, double last) { return position >= last ? last : rounded(position); }
 
 struct Point {
     double x;
@@ -164,43 +190,67 @@ void DistanceField::addSegment(double x0, double y0, double x1, double y1, bool 
     }
 }
 
-StrokeText::StrokeText(std::string_view text, int height)
+StrokeText::StrokeText(std::string_view text, int roomWidth, int roomHeight)
     : _text{text}
-    , _height{height}
-    , _thickness{std::max(1, rounded(height * 0.16))}
-    , _gap{std::max(1, rounded(height * 0.11))}
-    , _width{0} {
-    for (const char character : text) {
-        if (const Glyph* glyph = glyphOf(character)) {
-            _width += (_width == 0 ? 0 : _gap) + std::max(rounded(glyph->width * height / 100.0), _thickness);
-        }
-    }
+    , _shape{fitting(text, roomWidth, roomHeight)} {
+    const int width = widthOf(text, _shape);
+    _width = std::min(width, roomWidth);
+    _squeeze = width > 0 ? static_cast<double>(_width) / width : 1;
 }
 
-void StrokeText::addTo(DistanceField& field, int left, int top, double reach) const {
-    const double half = _thickness / 2.0;
+int StrokeText::widthOf(std::string_view text, const Shape& shape) {
+    int width = 0;
+    for (const char character : text) {
+        if (const Glyph* const glyph = glyphOf(character)) {
+            width += (width == 0 ? 0 : gapOf(shape.height)) + cells(*glyph, shape.thickness, shape.counter);
+        }
+    }
+    return width;
+}
+
+StrokeText::Shape StrokeText::fitting(std::string_view text, int roomWidth, int roomHeight) {
+    Shape shape{roomHeight, std::max(1.0, rounded(roomHeight * boldness * 2) / 2.0), 1};
+    for (; shape.thickness >= 1; shape.thickness -= 0.5) {
+        const int widest = rounded(roomHeight * digitWidth - 2 * shape.thickness);
+        const int narrowest = std::max(1, rounded(shape.thickness * leastCounter));
+        for (shape.counter = widest; shape.counter >= narrowest; --shape.counter) {
+            if (widthOf(text, shape) <= roomWidth) {
+                return shape;
+            }
+        }
+    }
+    return {roomHeight, 1, 1};
+}
+
+void StrokeText::addTo(DistanceField& field, int scale, int left, int top, double reach) const {
+    const double half = _shape.thickness / 2;
+    int begin = 0;
     for (const char character : _text) {
         const Glyph* const glyph = glyphOf(character);
         if (!glyph) {
             continue;
         }
-        const int width = std::max(rounded(glyph->width * _height / 100.0), _thickness);
-        const double across = width - _thickness;
-        const double down = _height - _thickness;
+        const int width = cells(*glyph, _shape.thickness, _shape.counter);
+        const double across = width - _shape.thickness;
+        const double down = _shape.height - _shape.thickness;
+        const double middle = glyph->isSymmetric ? across / 2 : rounded(across / 2);
+        const auto placed = [&](const Corner& corner) {
+            const double x = corner.x == 50 ? middle : onGrid(corner.x * across / 100, across);
+            const double y = onGrid(corner.y * down / 100, down);
+            return Point{scale * (left + (begin + half + x) * _squeeze), scale * (top + half + y)};
+        };
         for (const Stroke& stroke : glyph->strokes) {
             std::vector<Point> corners;
-            for (const Corner& corner : stroke.corners) {
-                corners.push_back({left + half + rounded(corner.x * across / 100), top + half + rounded(corner.y * down / 100)});
-            }
-            const std::vector<Point> points = flattened(corners, stroke, across / 2);
+            std::transform(stroke.corners.begin(), stroke.corners.end(), std::back_inserter(corners), placed);
+            const std::vector<Point> points = flattened(corners, stroke, scale * across / 2);
             for (std::size_t index = 0; index + 1 < points.size(); ++index) {
                 const bool isFirst = !stroke.isClosed && index == 0;
                 const bool isLast = !stroke.isClosed && index + 2 == points.size();
-                field.addSegment(points[index].x, points[index].y, points[index + 1].x, points[index + 1].y, isFirst,
-                                 isLast, reach);
+                field.addSegment(points[index].x, points[index].y, points[index + 1].x, points[index + 1].y,
+                                 isFirst, isLast, reach);
             }
         }
-        left += width + _gap;
+        begin += width + gapOf(_shape.height);
     }
 }
 

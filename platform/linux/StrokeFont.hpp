@@ -26,27 +26,38 @@ private:
     std::vector<double> _distances;
 };
 
-/// A text laid out in whole pixels.
+/// A text laid out on a grid of pixels, or of squares of pixels.
 class StrokeText {
 public:
-    /// The text in letters `height` pixels high. Characters other than "0123456789hm+->" are left out.
-    StrokeText(std::string_view text, int height);
+    /// The text within a room of that many cells of the grid: as high as it, and as bold and as wide as it allows.
+    /// Where room is short the letters first grow narrow, then thin, and are squeezed only then. Characters other
+    /// than "0123456789hm+->" are left out.
+    StrokeText(std::string_view text, int roomWidth, int roomHeight);
 
     int width() const { return _width; }
-    int height() const { return _height; }
 
-    /// The strokes' thickness.
-    int thickness() const { return _thickness; }
+    /// The strokes' thickness: whole cells and halves.
+    double thickness() const { return _shape.thickness; }
 
-    /// Lays the strokes into `field` with the text's top left corner at the given pixel.
-    void addTo(DistanceField& field, int left, int top, double reach) const;
+    /// Lays the strokes into `field`, on which a cell of the grid is `scale` pixels, with the text's top left
+    /// corner at the given cell. `reach` is the distance in pixels up to which anybody will ask.
+    void addTo(DistanceField& field, int scale, int left, int top, double reach) const;
 
 private:
+    /// What all the letters of a text have in common, in cells.
+    struct Shape {
+        int height;
+        double thickness;
+        int counter; ///< Between the left and the right stroke of a digit.
+    };
+
+    static int widthOf(std::string_view text, const Shape& shape);
+    static Shape fitting(std::string_view text, int roomWidth, int roomHeight);
+
     std::string_view _text;
-    int _height;
-    int _thickness;
-    int _gap;
+    Shape _shape;
     int _width;
+    double _squeeze; ///< What the widths are multiplied with.
 };
 
 } // namespace platform::freedesktop

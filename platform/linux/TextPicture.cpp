@@ -9,72 +9,135 @@
 namespace platform::freedesktop {
 namespace {
 
-constexpr NSColor white{1, 1, 1};
+constexpr NSColor textColour{1, 1, 1};
+constexpr NSColor plateColour{0.06, 0.08, 0.10};
 constexpr NSColor barColour{0.36, 0.80, 0.72}; // the hills in the program's own picture
-constexpr double haloOpacity = 0.72;
-constexpr double trackOpacity = 0.55;
+constexpr NSColor trackColour{0.27, 0.31, 0.33};
+constexpr int largestOnOwnGrid = 24;
+constexpr double textHeight = 0.62; // of the picture's
 
 int rounded(double number) { return static_cast<int>(std::lround(number)); }
 
-std::uint32_t pixel(const NSColor& colour, double alpha) {
-    const auto part = [](double share) { return static_cast<std::uint32_t>(rounded(std::clamp(share, 0.0, 1.0) * 255)); };
-    return part(alpha) << 24U | part(colour.redComponent) << 16U | part(colour.greenComponent) << 8U |
-           part(colour.blueComponent);
+int scaleOf(int size) { return size > largestOnOwnGrid ? 2 : 1; }
+
+std::uint32_t byteOf(double share) {
+    return static_cast<std::uint32_t>(rounded(std::clamp(share, 0.0, 1.0) * 255));
 }
 
-/// `colour`, as far as the pixel is covered by it, over a black halo.
-std::uint32_t overHalo(const NSColor& colour, double covered, double halo) {
-    const double alpha = covered + halo * (1 - covered);
-    if (alpha <= 0) {
-        return 0;
-    }
-    const double share = covered / alpha;
-    return pixel({colour.redComponent * share, colour.greenComponent * share, colour.blueComponent * share}, alpha);
+std::uint32_t opaque(const NSColor& colour) {
+    return 0xFF000000U | byteOf(colour.redComponent) << 16U | byteOf(colour.greenComponent) << 8U |
+           byteOf(colour.blueComponent);
 }
 
-/// The largest layout of `text` that fits.
-StrokeText fitting(std::string_view text, int width, int height) {
-    constexpr int smallest = 5;
-    StrokeText layout{text, height};
-    while (layout.width() > width && layout.height() > smallest) {
-        layout = StrokeText{text, layout.height() - 1};
+/// Mixes `share` of `colour` into the pixel, which stays as transparent as it is.
+void mix(std::uint32_t& pixel, std::uint32_t colour, double share) {
+    std::uint32_t mixed = pixel & 0xFF000000U;
+    for (const unsigned shift : {16U, 8U, 0U}) {
+        const double before = pixel >> shift & 0xFFU;
+        const double after = colour >> shift & 0xFFU;
+        mixed |= static_cast<std::uint32_t>(rounded(before + (after - before) * share)) << shift;
     }
-    return layout;
+    pixel = mixed;
+}
+
+/// A rounded rectangle that fills the picture.
+Picture plate(int width, int height) {
+    const double radius = height / 6.0;
+    Picture picture{width, height};
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double aside = std::max({radius - (x + 0.5), x + 0.5 - (width - radius), 0.0});
+            const double above = std::max({radius - (y + 0.5), y + 0.5 - (height - radius), 0.0});
+            const double alpha = radius - std::hypot(aside, above) + 0.5;
+            picture.at(x, y) = byteOf(alpha) << 24U | (opaque(plateColour) & 0xFFFFFFU);
+        }
+    }
+    return picture;
+}
+
+/// The cells of the picture's grid that a text may fill.
+struct Room {
+    int left;
+    int top;
+    int width;
+    int height;
+};
+
+void paintText(Picture& picture, std::string_view text, const std::optional<NSColor>& colour, const Room& room) {
+    const int scale = scaleOf(picture.height);
+    const StrokeText layout{text, room.width, room.height};
+    const double half = scale * layout.thickness() / 2;
+    DistanceField field{picture.width, picture.height};
+    layout.addTo(field, scale, room.left + (room.width - layout.width() + 1) / 2, room.top, half + 1);
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            mix(picture.at(x, y), opaque(colour.value_or(textColour)),
+                std::clamp(half - field.at(x, y) + 0.5, 0.0, 1.0));
+        }
+    }
+}
+
+void paintBar(Picture& picture, int height, const std::optional<NSColor>& colour, double share) {
+    for (int y = picture.height - height; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            mix(picture.at(x, y), opaque(trackColour), 1);
+            mix(picture.at(x, y), opaque(colour.value_or(barColour)),
+                std::clamp(picture.width * share - x, 0.0, 1.0));
+        }
+    }
+}
+
+/// How many columns at the picture's left are empty.
+int emptyColumns(const Picture& picture) {
+    for (int x = 0; x < picture.width; ++x) {
+        for (int y = 0; y < picture.height; ++y) {
+            if (picture.at(x, y) >> 24U != 0) {
+                return x;
+            }
+        }
+    }
+    return picture.width;
 }
 
 } // namespace
 
 Picture drawTextPicture(int size, std::string_view text, const std::optional<NSColor>& colour,
                         const std::optional<double>& shareLeft) {
-    const int barHeight = std::max(2, rounded(size / 9.0));
-    const int barTop = size - barHeight;
-    const double haloWidth = std::max(1.0, size / 20.0);
-
-    const int roomForText = barTop - std::max(1, rounded(size / 16.0));
-    const StrokeText layout = fitting(text, size, std::min(roomForText, rounded(size * 0.64)));
-    const double half = layout.thickness() / 2.0;
-    const double reach = half + haloWidth + 1;
-    DistanceField field{size, size};
-    layout.addTo(field, (size - layout.width()) / 2, (roomForText - layout.height() + 1) / 2, reach);
-
-    Picture picture{size, size};
-    const NSColor textColour = colour.value_or(white);
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            const double distance = field.at(x, y);
-            const double covered = std::clamp(half - distance + 0.5, 0.0, 1.0);
-            const double halo = std::clamp((half + haloWidth - distance) / haloWidth, 0.0, 1.0);
-            picture.at(x, y) = overHalo(textColour, covered, haloOpacity * std::min(1.0, halo * 1.5));
-        }
+    constexpr int barHeight = 2;
+    constexpr int margin = 1;
+    constexpr double legible = 1.5; // thickness of strokes
+    const int scale = scaleOf(size);
+    const int cells = size / scale;
+    const int height = rounded(cells * textHeight);
+    Room room{margin, (cells - barHeight - height + 1) / 2, cells - 2 * margin, height};
+    if (StrokeText{text, room.width, room.height}.thickness() < legible) {
+        room.left = 0;
+        room.width = cells;
     }
+    Picture picture = plate(size, size);
+    paintText(picture, text, colour, room);
     if (shareLeft) {
-        const double end = size * *shareLeft;
-        for (int y = barTop; y < size; ++y) {
-            for (int x = 0; x < size; ++x) {
-                picture.at(x, y) = overHalo(colour.value_or(barColour), std::clamp(end - x, 0.0, 1.0), trackOpacity);
-            }
+        paintBar(picture, barHeight * scale, colour, *shareLeft);
+    }
+    return picture;
+}
+
+Picture drawTextBesideIcon(const Picture& icon, std::string_view text, const std::optional<NSColor>& colour) {
+    constexpr double proportion = 50.0 / 24;
+    constexpr int margin = 2;
+    const int scale = scaleOf(icon.height);
+    const int cells = icon.height / scale;
+    Picture picture = plate(scale * rounded(cells * proportion), icon.height);
+    const int empty = emptyColumns(icon);
+    for (int y = 0; y < icon.height; ++y) {
+        for (int x = empty; x < icon.width; ++x) {
+            const std::uint32_t pixel = icon.at(x, y);
+            mix(picture.at(x - empty + margin * scale, y), pixel, (pixel >> 24U) / 255.0);
         }
     }
+    const int left = (icon.width - 2 * empty) / scale + 2 * margin;
+    const int height = rounded(cells * textHeight);
+    paintText(picture, text, colour, {left, (cells - height) / 2, picture.width / scale - left - margin, height});
     return picture;
 }
 

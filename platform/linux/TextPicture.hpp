@@ -1,7 +1,8 @@
 #pragma once
 
-// The square picture of the status item for panels that show no text: the text as large as it fits, above a thin
-// bar of the time left. A halo keeps it legible on light and on dark panels.
+// Pictures of the status item's text for panels that show none of it: on a dark plate, so that it is legible
+// whatever the panel's own colour is. Sizes above 24 pixels are drawn on the grid of the half: a panel may halve
+// them and they stay sharp.
 
 #include "platform/NSImage.hpp"
 #include "platform/linux/Picture.hpp"
@@ -11,9 +12,13 @@
 
 namespace platform::freedesktop {
 
-/// Draws `text` into a square of `size` pixels, in white if no colour is given. `shareLeft`, from 1 down to 0, is
-/// the length of the bar; without it there is none.
+/// Draws `text` into a square of `size` pixels as large as it fits, in white if no colour is given. `shareLeft`,
+/// from 1 down to 0, is the length of the bar below it; without it there is none.
 Picture drawTextPicture(int size, std::string_view text, const std::optional<NSColor>& colour,
                         const std::optional<double>& shareLeft);
+
+/// Draws the square `icon` and beside it `text`, in white if no colour is given: as high as the icon, twice as
+/// wide.
+Picture drawTextBesideIcon(const Picture& icon, std::string_view text, const std::optional<NSColor>& colour);
 
 } // namespace platform::freedesktop
