@@ -1,0 +1,40 @@
+"""A client of a message bus that asks and waits for the answer."""
+
+from gi.repository import Gio, GLib
+
+
+class Bus:
+    """A connection of its own to the bus at `address`."""
+
+    def __init__(self, address):
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        self._connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+
+    def call(self, name, path, interface, method, signature="()", *arguments, seconds=10):
+        """The method's results as a tuple of plain Python values; raises GLib.Error."""
+        result = self._connection.call_sync(name, path, interface, method, GLib.Variant(signature, arguments),
+                                            None, Gio.DBusCallFlags.NONE, int(seconds * 1000), None)
+        return result.unpack()
+
+    def get(self, name, path, interface, property_name):
+        """The value of a property."""
+        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, property_name)[0]
+
+    def get_all(self, name, path, interface):
+        """All properties of an interface, by name."""
+        return self.call(name, path, "org.freedesktop.DBus.Properties", "GetAll", "(s)", interface)[0]
+
+    def has_owner(self, name):
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                         "(s)", name)[0]
+
+    def process_of(self, name):
+        """The pid of the process that owns `name`."""
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                         "GetConnectionUnixProcessID", "(s)", name)[0]
+
+    def close(self):
+        try:
+            self._connection.close_sync(None)
+        except GLib.Error:
+            pass

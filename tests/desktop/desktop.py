@@ -1,0 +1,326 @@
+"""A private desktop on a virtual screen: window manager, panel, session bus, a stand-in for the system bus, its own
+home. Programs run on it as on a real one; nothing of it outlives it, and it shares nothing with other desktops."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+from pathlib import Path
+
+from gi.repository import GLib
+
+import processes
+from accessible import Accessible
+from bus import Bus
+from picture import Picture
+from statusitem import WATCHER, StatusItem
+from waiting import wait_until
+
+PANEL_HEIGHT = 28
+TRAY_PICTURE = 22
+TRAY_WIDTH = 4 * TRAY_PICTURE  # at the right end of the panel, as wide as no test fills it
+
+PANEL_SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="{dark}"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="size" type="uint" value="{height}"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-2" type="string" value="systray">
+      <property name="icon-size" type="int" value="{picture}"/>
+      <property name="square-icons" type="bool" value="false"/>
+    </property>
+  </property>
+</channel>
+"""
+
+SYSTEM_BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>unix:path={path}</listen>
+  <policy context="default">
+    <allow user="*"/>
+    <allow send_type="*"/>
+    <allow receive_type="*"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+class Program:
+    """A program that was started on a desktop."""
+
+    def __init__(self, command, environment, log):
+        self.log = log
+        self._folder = os.path.dirname(os.path.realpath(command[0]))
+        with open(log, "wb") as file:
+            self.process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=file,
+                                             stderr=subprocess.STDOUT, preexec_fn=processes.end_with_parent)
+        self.pid = self.process.pid
+
+    def is_running(self):
+        return self.process.poll() is None
+
+    def output(self):
+        """What it has written so far, errors included."""
+        return Path(self.log).read_text(errors="replace")
+
+    def send(self, number):
+        self.process.send_signal(number)
+
+    def status(self, seconds=10):
+        """Its exit status, negative for a signal; waits for it to end."""
+        wait_until(lambda: not self.is_running(), "the program to end", seconds)
+        return self.process.returncode
+
+    def helpers(self):
+        """The pids of the programs that it has started and that are still running."""
+        return [pid for pid in processes.descendants(self.pid) if processes.executable(pid)]
+
+    def left_behind(self):
+        """The processes of its folder that are still running although it has ended, by pid."""
+        processes.reap()
+        running = {pid: processes.executable(pid) for pid in processes.descendants()}
+        return {pid: path for pid, path in running.items() if path.startswith(self._folder + "/")}
+
+
+class Desktop:
+    """Used in a `with` statement: it stands when the statement begins and is gone when it ends."""
+
+    def __init__(self, width=1280, height=800, dark=False, panel=True):
+        self.width, self.height = width, height
+        self._dark, self._wants_panel = dark, panel
+        self._programs = 0
+
+    def __enter__(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="marvelode-desktop-"))
+        self._buses, self._services = [], []
+        processes.adopt_orphans()
+        try:
+            self._start()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for bus in self._buses:
+            bus.close()
+        try:
+            processes.end_descendants()
+            for process in self._services:
+                process.wait()
+        finally:
+            shutil.rmtree(self.folder, ignore_errors=True)
+
+    def _start(self):
+        self.home = self.folder / "home"
+        folders = {"XDG_CONFIG_HOME": self.home / ".config", "XDG_DATA_HOME": self.home / ".local/share",
+                   "XDG_STATE_HOME": self.home / ".local/state", "XDG_CACHE_HOME": self.home / ".cache",
+                   "XDG_RUNTIME_DIR": self.folder / "runtime"}
+        for path in folders.values():
+            path.mkdir(parents=True, mode=0o700)
+        self.config = folders["XDG_CONFIG_HOME"]
+        self.environment = {
+            **{name: str(path) for name, path in folders.items()},
+            "PATH": "/usr/local/bin:/usr/bin:/bin", "HOME": str(self.home), "LANG": "C.UTF-8",
+            "XDG_CURRENT_DESKTOP": "XFCE", "XDG_SESSION_TYPE": "x11", "GDK_BACKEND": "x11",
+            "XDG_CONFIG_DIRS": "/etc/xdg", "XDG_DATA_DIRS": "/usr/local/share:/usr/share",
+            "GSETTINGS_BACKEND": "memory"}
+        self.environment |= {name: os.environ[name] for name in ("ASAN_OPTIONS", "TSAN_OPTIONS") if name in os.environ}
+        self._write_settings()
+        self._start_display()
+        self._start_session_bus()
+        self._start_system_bus()
+        self._start_accessibility()
+        self.start("openbox", "--sm-disable")
+        wait_until(lambda: self._xdotool("get_num_desktops", check=False).returncode == 0, "the window manager")
+        if self._wants_panel:
+            self.start_panel()
+
+    def _write_settings(self):
+        gtk = self.config / "gtk-3.0"
+        gtk.mkdir()
+        (gtk / "settings.ini").write_text(
+            "[Settings]\ngtk-font-name=DejaVu Sans 10\ngtk-enable-animations=0\ngtk-icon-theme-name=Adwaita\n"
+            f"gtk-application-prefer-dark-theme={int(self._dark)}\n")
+        channels = self.config / "xfce4/xfconf/xfce-perchannel-xml"
+        channels.mkdir(parents=True)
+        (channels / "xfce4-panel.xml").write_text(PANEL_SETTINGS.format(
+            dark=str(self._dark).lower(), height=PANEL_HEIGHT, picture=TRAY_PICTURE))
+
+    def _start_display(self):
+        screens = self.folder / "screens"
+        screens.mkdir()
+        reader, writer = os.pipe()
+        self._start_service("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.width}x{self.height}x24",
+                            "-fbdir", str(screens), "-dpi", "96", "-nolisten", "tcp", "-noreset", "-nocursor",
+                            pass_fds=(writer,))
+        os.close(writer)
+        with open(reader) as answer:
+            self.environment["DISPLAY"] = ":" + answer.readline().strip()
+        self._frame_buffer = screens / "Xvfb_screen0"
+
+    def _start_session_bus(self):
+        address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+        self.session_bus_process = self._start_service("dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                                       f"--address={address}")
+        self.bus = self._connect(address)
+
+    def _start_system_bus(self):
+        """A bus on which nothing lives but what tells of the machine's falling asleep and waking."""
+        path = self.folder / "system-bus"
+        settings = self.folder / "system-bus.conf"
+        settings.write_text(SYSTEM_BUS.format(path=path))
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={path}"
+        self._start_service("dbus-daemon", f"--config-file={settings}", "--nofork", "--nopidfile")
+        self._system_bus = self._connect(f"unix:path={path}")
+        self._start_service("/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind")
+        wait_until(lambda: self._system_bus.has_owner("org.freedesktop.login1"), "the stand-in for logind")
+
+    def _start_accessibility(self):
+        address = self.bus.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
+        self._accessibility_bus = self._connect(address)
+
+    def _start_service(self, *command, pass_fds=()):
+        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, pass_fds=pass_fds,
+                                   preexec_fn=processes.end_with_parent)
+        self._services.append(process)
+        return process
+
+    def _connect(self, address):
+        def connect():
+            try:
+                return Bus(address)
+            except GLib.Error:
+                return None
+        bus = wait_until(connect, f"the bus at {address}")
+        self._buses.append(bus)
+        return bus
+
+    # Programs
+
+    def start(self, *command, **environment):
+        """Starts a program on this desktop; a variable given as None is taken away from its environment."""
+        self._programs += 1
+        variables = {**self.environment, **environment}
+        program = Program(command, {name: value for name, value in variables.items() if value is not None},
+                          self.folder / f"output-{self._programs}")
+        self._services.append(program.process)
+        return program
+
+    def start_panel(self):
+        """Puts the panel on the screen and waits for its tray."""
+        self.panel = self.start("xfce4-panel", "--disable-wm-check")
+        wait_until(lambda: self.bus.has_owner(WATCHER), "the panel's tray")
+
+    def stop_panel(self):
+        self.panel.send(signal.SIGKILL)
+        self.panel.status()
+        wait_until(lambda: not self.bus.has_owner(WATCHER), "the panel's tray to go")
+
+    # What the user sees
+
+    def screenshot(self):
+        return Picture.of_frame_buffer(self._frame_buffer)
+
+    def status_item(self, process):
+        """The status item of the process with that pid; waits for it."""
+        def item():
+            for each in StatusItem.all(self.bus):
+                try:
+                    if each.process == process:
+                        return each
+                except GLib.Error:
+                    continue
+            return None
+        return wait_until(item, "the status item")
+
+    def picture_in_panel(self, picture):
+        """Where in the panel's tray this picture of a status item is drawn; nothing if it is not (yet)."""
+        left = self.width - TRAY_WIDTH
+        tray = self.screenshot().crop(left, 0, TRAY_WIDTH, PANEL_HEIGHT)
+        found = tray.find(picture.scaled(TRAY_PICTURE, TRAY_PICTURE).on(tray.pixel(0, PANEL_HEIGHT // 2)))
+        return found and (left + found[0], found[1])
+
+    def item_in_panel(self, item):
+        """Where in the panel the item's present picture is drawn; nothing if it is not (yet).
+
+        This panel takes the largest picture that is offered, whatever its own size."""
+        pictures = item.pictures()
+        return self.picture_in_panel(pictures[max(pictures)]) if pictures else None
+
+    def windows(self):
+        """The windows that assistive software finds, of whatever program."""
+        try:
+            applications = Accessible.desktop(self._accessibility_bus).children
+        except GLib.Error:
+            return []
+        found = []
+        for application in applications:
+            try:
+                found += [each for each in application.children if each.has("showing")]
+            except GLib.Error:
+                continue
+        return found
+
+    def window_of(self, program, role=None):
+        """The first window that a program's helpers show, of a role if one is given; nothing if there is none."""
+        helpers = program.helpers()
+        for window in self.windows() if helpers else []:
+            try:
+                if window.process in helpers and role in (None, window.role):
+                    return window
+            except GLib.Error:
+                continue
+        return None
+
+    # What the user does
+
+    def _xdotool(self, *arguments, check=True):
+        return subprocess.run(["xdotool", *arguments], env=self.environment, check=check, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+
+    def click(self, x, y, button=1):
+        self._xdotool("mousemove", str(x), str(y), "click", str(button))
+
+    def press_key(self, *keys):
+        self._xdotool("key", "--delay", "20", *keys)
+
+    def type(self, text):
+        self._xdotool("type", "--delay", "20", text)
+
+    def active_window(self):
+        """The number of the window that has the keyboard, and the pid of its process."""
+        number = self._xdotool("getactivewindow", check=False).stdout.strip()
+        process = self._xdotool("getwindowpid", number, check=False).stdout.strip() if number else ""
+        return (number, int(process)) if process else None
+
+    # What happens to the machine
+
+    def wake(self):
+        """Tells of the machine's waking from sleep."""
+        self._system_bus.call("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.DBus.Mock",
+                              "EmitSignal", "(sssav)", "org.freedesktop.login1.Manager", "PrepareForSleep", "b",
+                              [GLib.Variant("b", False)])
