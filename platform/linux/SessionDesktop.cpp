@@ -2,10 +2,18 @@
 
 #include "platform/linux/Journal.hpp"
 
+#include <csignal>
 #include <cstdio>
 #include <utility>
 
+#include <glib-unix.h>
+
 namespace platform::freedesktop {
+namespace {
+
+constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
+
+} // namespace
 
 Places Places::ofThisProcess() {
     std::error_code error;
@@ -28,9 +36,21 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places, const
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
     const auto busClosed = +[](GDBusConnection*, gboolean, GError*, SessionDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
+    const auto end = [](gpointer self) -> gboolean {
+        static_cast<SessionDesktop*>(self)->terminate();
+        return G_SOURCE_CONTINUE;
+    };
+    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
+        _signalSources[index] = g_unix_signal_add(endingSignals[index], end, this);
+    }
 }
 
-SessionDesktop::~SessionDesktop() { g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler); }
+SessionDesktop::~SessionDesktop() {
+    for (const unsigned source : _signalSources) {
+        g_source_remove(source);
+    }
+    g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
+}
 
 int SessionDesktop::run(int, const char* const*) {
     application.delegate->applicationDidFinishLaunching();

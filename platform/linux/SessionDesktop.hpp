@@ -4,7 +4,6 @@
 // It needs the session bus and nothing else; whatever else is missing is done without.
 
 #include "platform/Desktop.hpp"
-#include "platform/linux/EndingSignals.hpp"
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/Handles.hpp"
 #include "platform/linux/MenuExport.hpp"
@@ -15,6 +14,7 @@
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/WindowHelper.hpp"
 
+#include <array>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -95,7 +95,7 @@ private:
     std::optional<StatusNotifierItem> _statusNotifierItem;
     std::optional<WakeWatcher> _wakeWatcher;
     unsigned long _busClosedHandler;
-    EndingSignals _endingSignals{[this] { terminate(); }};
+    std::array<unsigned, 3> _signalSources;
 };
 
 } // namespace platform::freedesktop
