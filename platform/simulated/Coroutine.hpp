@@ -1,7 +1,7 @@
 #pragma once
 
-// A function with a stack of its own, which runs only while somebody waits for it. It lives on a thread, but exactly
-// one of the two threads runs at any time, so neither needs a lock for what both of them touch.
+// A function with a stack of its own, which runs only while somebody waits for it. It lives on a thread, but
+// exactly one of the two threads runs at any time, so neither needs a lock for what both of them touch.
 
 #include <condition_variable>
 #include <exception>

@@ -46,17 +46,16 @@ public:
     using Lines = std::vector<std::string>;
 
     /// A desktop on which `program` is installed. `report` is told at the end what no story looked at.
-    Desktop(Program program, Report report,
-            RepeatingTimersDuringModal policy = RepeatingTimersDuringModal::Wait);
+    Desktop(Program program, Report report, RepeatingTimersDuringModal policy = RepeatingTimersDuringModal::Wait);
 
     /// Ends the program if it still runs, as `losePower()` does.
     ~Desktop() override;
 
     // What outlives the program
 
-    Resources resources; ///< The files of its bundle, to be changed at will.
+    Resources resources;                                        ///< The files of its bundle, to be changed at will.
     std::map<std::string, DefaultsValue, std::less<>> defaults; ///< Its settings as stored.
-    bool logsErrors = true; ///< Whether the log takes entries at error level.
+    bool logsErrors = true;                                     ///< Whether the log takes entries at error level.
 
     // The life of the program
 
@@ -153,8 +152,8 @@ public:
 
     // What happened since these were asked last
 
-    Lines heard();                ///< Sounds by the name of their file, and "beep".
-    Lines printed();              ///< Lines on standard output.
+    Lines heard();   ///< Sounds by the name of their file, and "beep".
+    Lines printed(); ///< Lines on standard output.
     std::vector<LogEntry> logged();
 
     /// The names of all files that the program asked for by name and extension, in this and earlier runs.

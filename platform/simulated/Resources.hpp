@@ -1,7 +1,7 @@
 #pragma once
 
-// The files in the simulated bundle. A file is what a program can make of it, not its bytes: a picture has a size, a
-// sound a length, and a file that pretends to be either is just a text of that name.
+// The files in the simulated bundle. A file is what a program can make of it, not its bytes: a picture has a size,
+// a sound a length, and a file that pretends to be either is just a text of that name.
 
 #include "platform/NSImage.hpp"
 

@@ -12,7 +12,8 @@
 namespace platform::simulated {
 
 /// The tree as lines from top to bottom. What stands side by side shares a line, separated by " | ":
-/// "picture NAME", plain text, "[link](address)", "[text of a field]", "[x]" and "[ ]" for toggles, "<picked item>",
+/// "picture NAME", plain text, "[link](address)", "[text of a field]", "[x]" and "[ ]" for toggles, "<picked
+/// item>",
 /// "(button)". What takes no input is followed by " disabled". `typed` is what stands in the field if the user is
 /// typing; an empty field shows its placeholder in quotation marks.
 std::vector<std::string> linesOf(const View& view, const std::optional<std::string>& typed);

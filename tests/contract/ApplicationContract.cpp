@@ -40,7 +40,8 @@ TEST_F(TheApplication, CanBeTerminatedByATimer) {
 TEST_F(TheApplication, CanBeBroughtToTheFrontAtAnyTime) {
     runToEnd([] {
         platform::NSApplication::shared().activate(true);
-        platform::NSRunningApplication::current().activate(platform::NSRunningApplication::ActivateIgnoringOtherApps);
+        platform::NSRunningApplication::current().activate(
+            platform::NSRunningApplication::ActivateIgnoringOtherApps);
     });
 }
 
@@ -48,8 +49,10 @@ TEST_F(Wakes, AreToldToEveryObserverInOrder) {
     std::vector<int> told;
     run([&] {
         auto& center = NSWorkspace::shared().notificationCenter();
-        center.addObserver(&told, [&] { told.push_back(1); }, wake);
-        center.addObserver(&told, [&] { told.push_back(2); }, wake);
+        center.addObserver(
+            &told, [&] { told.push_back(1); }, wake);
+        center.addObserver(
+            &told, [&] { told.push_back(2); }, wake);
         driver->after(10ms, [&] { driver->wakeMachine(); });
         endAfter(100ms);
     });
@@ -61,8 +64,10 @@ TEST_F(Wakes, AreNotToldToObserversThatWereRemoved) {
     const int other = 0;
     run([&] {
         auto& center = NSWorkspace::shared().notificationCenter();
-        center.addObserver(&told, [&] { told.push_back(1); }, wake);
-        center.addObserver(&other, [&] { told.push_back(2); }, wake);
+        center.addObserver(
+            &told, [&] { told.push_back(1); }, wake);
+        center.addObserver(
+            &other, [&] { told.push_back(2); }, wake);
         center.removeObserver(&told);
         driver->after(10ms, [&] { driver->wakeMachine(); });
         endAfter(100ms);
@@ -74,7 +79,8 @@ TEST_F(Wakes, AreToldWhileAnAlertIsUp) {
     bool wasTold = false;
     bool wasToldWhileUp = false;
     run([&] {
-        NSWorkspace::shared().notificationCenter().addObserver(&wasTold, [&] { wasTold = true; }, wake);
+        NSWorkspace::shared().notificationCenter().addObserver(
+            &wasTold, [&] { wasTold = true; }, wake);
         driver->onceShown([&] {
             driver->wakeMachine();
             driver->after(80ms, [&] {

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the contract needs to know about a desktop: how a program is run on it, and how a user's hands move there. Each
-// desktop brings one driver and links it with the clauses, which are the same for all.
+// What the contract needs to know about a desktop: how a program is run on it, and how a user's hands move there.
+// Each desktop brings one driver and links it with the clauses, which are the same for all.
 //
 // A clause is a piece of program. What the user does is arranged ahead, as deeds that are done while the program
 // sits in its run loop, in an alert or in a panel. Real desktops need real time, so clauses are content with
@@ -38,8 +38,8 @@ public:
     virtual ResourceName playableSound() = 0;
 
     /// Makes a new desktop and runs `program` on it once launching has finished; gives the status with which
-    /// `NSApplicationMain` returns. A program that has not ended by itself after five seconds is ended, and that is a
-    /// failure. The settings are empty at a driver's first run and are kept from one run to the next.
+    /// `NSApplicationMain` returns. A program that has not ended by itself after five seconds is ended, and that is
+    /// a failure. The settings are empty at a driver's first run and are kept from one run to the next.
     virtual int run(const std::vector<std::string>& arguments, std::function<void()> program) = 0;
 
     // While the program runs: called by the program or by a deed. Deeds never run at the same time as the program,

@@ -83,9 +83,7 @@ TEST_F(Sounds, ThatArePlayingAlreadyDoNotStartAgain) {
 
 TEST_F(Sounds, ThatCannotBePlayedAreNone) {
     driver->install("Broken.m4a", "this is no sound");
-    runToEnd([] {
-        EXPECT_FALSE(NSSound::contentsOf(Bundle::main().url("Broken", "m4a").value(), true));
-    });
+    runToEnd([] { EXPECT_FALSE(NSSound::contentsOf(Bundle::main().url("Broken", "m4a").value(), true)); });
 }
 
 TEST_F(Sounds, TheBeepKeepsNobodyWaiting) {

@@ -64,9 +64,7 @@ public:
 
     void stall(milliseconds span) override { _desktop.stall(span); }
 
-    milliseconds uptime() override {
-        return std::chrono::duration_cast<milliseconds>(_desktop.uptime());
-    }
+    milliseconds uptime() override { return std::chrono::duration_cast<milliseconds>(_desktop.uptime()); }
 
     void pressAlertButton(std::size_t index) override { _desktop.click(_desktop.alert().buttons().at(index)); }
 
@@ -94,7 +92,8 @@ private:
 
     void doDeeds() {
         while (_desktop.isRunning()) {
-            const auto due = std::find_if(_agenda.begin(), _agenda.end(), [](const Deed& deed) { return deed.isDue(); });
+            const auto due =
+                std::find_if(_agenda.begin(), _agenda.end(), [](const Deed& deed) { return deed.isDue(); });
             if (due == _agenda.end()) {
                 return;
             }
@@ -106,12 +105,12 @@ private:
 
     std::function<void()> _program;
     std::vector<Deed> _agenda;
-    platform::simulated::Desktop _desktop{
-        [this](int argc, const char* const* argv) {
-            platform::NSApplication::shared().delegate = std::make_shared<Launcher>(_program);
-            return platform::NSApplicationMain(argc, argv);
-        },
-        [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
+    platform::simulated::Desktop _desktop{[this](int argc, const char* const* argv) {
+                                              platform::NSApplication::shared().delegate =
+                                                  std::make_shared<Launcher>(_program);
+                                              return platform::NSApplicationMain(argc, argv);
+                                          },
+                                          [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
 };
 
 } // namespace

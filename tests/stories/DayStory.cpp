@@ -79,9 +79,9 @@ TEST(ADay, OfCountingDown) {
     desktop.defaults["TimerInterval"] = 7200.0;
     desktop.launch();
     std::vector<std::pair<std::chrono::seconds, std::string>> texts{
-        {1s, ">1h"},      {3599s, ">1h"},    {3600s, "61m"},   {3601s, "60m"},   {3660s, "60m"},
-        {3661s, "59m"},   {7139s, "2m"},     {7140s, "2m"},    {7141s, "1m"},    {7189s, "1m"},
-        {7190s, ""},      {7191s, "9"},      {7199s, "1"},     {7200s, "0"}};
+        {1s, ">1h"},    {3599s, ">1h"}, {3600s, "61m"}, {3601s, "60m"}, {3660s, "60m"},
+        {3661s, "59m"}, {7139s, "2m"},  {7140s, "2m"},  {7141s, "1m"},  {7189s, "1m"},
+        {7190s, ""},    {7191s, "9"},   {7199s, "1"},   {7200s, "0"}};
     auto now = 0s;
     for (const auto& [when, text] : texts) {
         desktop.wait(when - now);

@@ -88,15 +88,16 @@ AppState Desktop::state() const { return marvelode::app->state; }
 
 double Desktop::deadline() const { return marvelode::app->systemTimerDeadline.timeIntervalSince1970(); }
 
-bool Desktop::isTimerPending() const { return marvelode::app->systemTimer && marvelode::app->systemTimer->isValid(); }
+bool Desktop::isTimerPending() const {
+    return marvelode::app->systemTimer && marvelode::app->systemTimer->isValid();
+}
 
 Lines Desktop::published() { return std::exchange(_published, {}); }
 
 int Desktop::run(int argc, const char* const* argv) {
     marvelode::Events& events = *marvelode::app->events;
-    events.subscribe([this](Parameter parameter) {
-        _published.push_back(std::visit(ParameterWriter{}, parameter.change));
-    });
+    events.subscribe(
+        [this](Parameter parameter) { _published.push_back(std::visit(ParameterWriter{}, parameter.change)); });
     events.subscribe([this](UIAction action) { _published.emplace_back(nameOf(action)); });
     events.subscribe([this](AppState before, AppState after) {
         _published.push_back(std::string{nameOf(before)} + " to " + nameOf(after));

@@ -24,8 +24,7 @@ using Lines = platform::simulated::Desktop::Lines;
 class Desktop : public platform::simulated::Desktop {
 public:
     /// A desktop with a complete installation and no settings. What nobody looked at fails the test.
-    explicit Desktop(
-        platform::RepeatingTimersDuringModal policy = platform::RepeatingTimersDuringModal::Wait);
+    explicit Desktop(platform::RepeatingTimersDuringModal policy = platform::RepeatingTimersDuringModal::Wait);
 
     /// Leaves the settings as a first run of version 1.1.0 leaves them.
     void hadAFirstRun();

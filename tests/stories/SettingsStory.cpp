@@ -24,10 +24,9 @@ protected:
 };
 
 TEST_F(TheSettings, ShowWhatIsSet) {
-    EXPECT_EQ(desktop.panelLines(),
-              (Lines{"picture Marvelode.png | Marvelode Timer", "Interval in minutes | [10]",
-                     "Restart after sleep | [x]", "Auto restart timer | [x] disabled",
-                     "Reminder sound | <System>", "(OK)"}));
+    EXPECT_EQ(desktop.panelLines(), (Lines{"picture Marvelode.png | Marvelode Timer", "Interval in minutes | [10]",
+                                           "Restart after sleep | [x]", "Auto restart timer | [x] disabled",
+                                           "Reminder sound | <System>", "(OK)"}));
     EXPECT_TRUE(desktop.isInFront());
     EXPECT_TRUE(desktop.panelIsCentred());
 }

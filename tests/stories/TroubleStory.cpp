@@ -18,8 +18,7 @@ TEST(MissingSounds, AreLoggedAndReplacedByTheBeep) {
     desktop.defaults["AlertSound"] = std::string{"Bowl"};
     desktop.resources.erase("Bowl.m4a");
     desktop.launch();
-    EXPECT_EQ(desktop.logged(),
-              std::vector{entry("Failed to initialize custom audio: Invalid URL to audio file")});
+    EXPECT_EQ(desktop.logged(), std::vector{entry("Failed to initialize custom audio: Invalid URL to audio file")});
     EXPECT_EQ(desktop.printed(), Lines{"Failed to initialize custom audio: Invalid URL to audio file"});
     desktop.wait(10min);
     EXPECT_EQ(desktop.heard(), Lines{"beep"});

@@ -1,0 +1,120 @@
+#include "app/App.hpp"
+
+#include "app/main.hpp"
+#include "tests/components/Bench.hpp"
+#include "tests/stories/Desktop.hpp"
+
+#include <type_traits>
+
+namespace {
+
+using namespace marvelode;
+using namespace std::chrono_literals;
+using story::Desktop;
+using story::Lines;
+
+static_assert(!std::is_default_constructible_v<App>);
+static_assert(std::is_base_of_v<platform::NSApplicationDelegate, App>);
+static_assert(std::is_base_of_v<platform::UNUserNotificationCenterDelegate, App>);
+static_assert(static_cast<int>(App::State::Init) == 0 && static_cast<int>(App::State::Timing) == 1 &&
+              static_cast<int>(App::State::Reminding) == 2);
+static_assert(static_cast<int>(App::TimerType::Timer) == 0 && static_cast<int>(App::TimerType::Reminder) == 1);
+
+TEST(TheEntry, TurnsTestModeOnForTheSingleArgumentTest) {
+    Desktop desktop;
+    desktop.launch({"-test"});
+    EXPECT_TRUE(isTest);
+    EXPECT_TRUE(app->cfg->isTest);
+    EXPECT_EQ(app->cfg->buildInfo->build, "test");
+    EXPECT_EQ(app->cfg->buildInfo->date, "test");
+    EXPECT_EQ(app->cfg->buildInfo->version, "test");
+    EXPECT_FALSE(desktop.lookedUp().contains("BuildInfo.txt"));
+}
+
+TEST(TheEntry, LeavesTestModeOffForAnythingElse) {
+    const std::vector<Lines> commandLines{{},        {"-test", "-test"}, {"-test", "x"}, {"x", "-test"}, {"-Test"},
+                                          {"-TEST"}, {"--test"},         {"test"},       {"-test "},     {""}};
+    for (const Lines& arguments : commandLines) {
+        Desktop desktop;
+        desktop.launch(arguments);
+        EXPECT_FALSE(isTest) << testing::PrintToString(arguments);
+        EXPECT_FALSE(app->cfg->isTest);
+        EXPECT_EQ(app->cfg->buildInfo->version, "1.2.0");
+    }
+}
+
+TEST(TheEntry, MakesTheApplicationObjectTheDelegate) {
+    Desktop desktop;
+    desktop.launch();
+    EXPECT_EQ(platform::NSApplication::shared().delegate, app);
+}
+
+TEST(TheApplicationObject, IsBuiltWithoutTimersOrAnythingToSee) {
+    Desktop desktop;
+    App constructed{true};
+    EXPECT_EQ(constructed.state, App::State::Init);
+    EXPECT_EQ(constructed.systemTimer, nullptr);
+    EXPECT_FALSE(desktop.hasStatusItem());
+    ASSERT_TRUE(constructed.status);
+    EXPECT_EQ(constructed.status->state(), App::State::Init);
+    desktop.wait(10ms);
+    EXPECT_LT(constructed.status->remainingTime(), 0);
+    EXPECT_GT(constructed.status->remainingTime(), -1);
+    EXPECT_TRUE(desktop.defaults.empty());
+}
+
+TEST(TheApplicationObject, PassesOneBusAndOneStoreToAll) {
+    Desktop desktop;
+    desktop.launch();
+    EXPECT_EQ(app->cfg->events, app->events);
+    EXPECT_EQ(app->audio->cfg, app->cfg);
+    EXPECT_EQ(app->popup->cfg, app->cfg);
+    EXPECT_EQ(app->status->cfg, app->cfg);
+    EXPECT_EQ(app->status->audio, app->audio);
+    EXPECT_EQ(app->status->events, app->events);
+    EXPECT_EQ(app->status->buildInfo, app->cfg->buildInfo);
+}
+
+TEST(TheApplicationObject, HasPublishedOneChangeAndStartedOneIntervalAfterLaunching) {
+    Desktop desktop;
+    desktop.launch();
+    EXPECT_EQ(desktop.published(), Lines{"Init to Timing"});
+    EXPECT_TRUE(desktop.hasStatusItem());
+    EXPECT_TRUE(desktop.isTimerPending());
+    EXPECT_EQ(std::any_cast<App::TimerType>(app->systemTimer->userInfo()), App::TimerType::Timer);
+    EXPECT_EQ(app->systemTimer->interval(), 600);
+    EXPECT_FALSE(app->systemTimer->repeats());
+    EXPECT_EQ(app->countdown(), 600);
+}
+
+TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
+    Desktop desktop;
+    desktop.launch();
+    desktop.pick("Quit");
+    // A notification that reached the object now would be a use of freed memory.
+    desktop.workspaceNotifications.post(platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification);
+    EXPECT_EQ(app, nullptr);
+}
+
+TEST(TheApplicationPicture, IsTheColouredOne) {
+    Desktop desktop;
+    EXPECT_EQ(App::Icon::image().name, "Marvelode.png");
+    EXPECT_EQ(&App::Icon::image(), &App::Icon::image());
+}
+
+using bench::BenchDeathTest;
+
+TEST_F(BenchDeathTest, AMissingApplicationPictureIsFatal) {
+    desktop.resources.erase("Marvelode.png");
+    EXPECT_FATAL(App::Icon::image());
+}
+
+TEST_F(BenchDeathTest, AMissingStatusItemAtLaunchIsFatal) {
+    EXPECT_FATAL({
+        App object{true};
+        object.status = nullptr;
+        object.applicationDidFinishLaunching();
+    });
+}
+
+} // namespace

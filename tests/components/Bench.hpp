@@ -1,0 +1,70 @@
+#pragma once
+
+// A desktop on which a program runs that does nothing by itself: components are put on it one at a time.
+
+#include "app/Events.hpp"
+#include "config/BuildInfo.hpp"
+#include "config/Cfg.hpp"
+#include "platform/UserDefaults.hpp"
+#include "platform/simulated/Desktop.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+using namespace marvelode;
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using platform::DefaultsValue;
+using platform::simulated::PictureFile;
+using platform::simulated::SoundFile;
+using platform::simulated::TextFile;
+using platform::simulated::UnreadableFile;
+using Lines = platform::simulated::Desktop::Lines;
+using Parameter = Cfg::Parameter;
+
+/// The desktop, a bus on which every change of a setting is noted, and the settings of a later run.
+class Bench : public testing::Test {
+protected:
+    platform::simulated::Desktop desktop{
+        [](int argc, const char* const* argv) { return platform::NSApplicationMain(argc, argv); },
+        [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
+    std::shared_ptr<Events> events = std::make_shared<Events>();
+    std::shared_ptr<BuildInfo> buildInfo = std::make_shared<BuildInfo>("1427", "2025-06-09", "1.2.0");
+    std::vector<Parameter> published;
+
+    Bench() {
+        desktop.resources = {
+            {"Sonar.m4a", SoundFile{}},
+            {"Bowl.m4a", SoundFile{}},
+            {"Whistle.m4a", SoundFile{}},
+            {"Marvelode.png", PictureFile{{512, 832}}},
+            {"MarvelodeGrey.png", PictureFile{{512, 832}}},
+        };
+        desktop.defaults["Version"] = "1.1.0"s;
+        events->subscribe([this](Parameter parameter) { published.push_back(parameter); });
+    }
+
+    std::shared_ptr<Cfg> makeCfg(bool isTest = false) { return std::make_shared<Cfg>(isTest, events, buildInfo); }
+
+    /// What is stored under `key`; nothing if there is nothing.
+    std::optional<DefaultsValue> stored(const std::string& key) const {
+        const auto found = desktop.defaults.find(key);
+        return found == desktop.defaults.end() ? std::nullopt : std::optional{found->second};
+    }
+};
+
+/// A bench for conditions that stop the program.
+class BenchDeathTest : public Bench {
+protected:
+    BenchDeathTest() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+};
+
+} // namespace bench
+
+/// Passes if `statement` stops the program as `platform::fatal()` does.
+#define EXPECT_FATAL(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGABRT), "")
