@@ -46,9 +46,11 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
                                        std::function<void(std::string_view)> logError)
     : _resources{resources}
     , _content{std::move(content)}
+    , _words{inWords(_content.text)}
     , _interface{bus, "/StatusNotifierItem", description, nullptr,
                  [this](std::string_view name) { return property(name); }}
-    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); }, std::move(logError)} {}
+    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); },
+            std::move(logError)} {}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);
@@ -60,6 +62,9 @@ void StatusNotifierItem::show(StatusContent content) {
         content.shareLeft = _content.shareLeft; // what the panel shows, and is compared with next time
     }
     _content = std::move(content);
+    if (isTextOld) {
+        _words = inWords(_content.text.empty() ? "10" : _content.text); // it goes away at ten seconds only
+    }
     if (isPictureOld) {
         _interface.emit("NewIcon");
     }
@@ -103,16 +108,16 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
         return owned(g_variant_new_int32(0));
     }
     if (name == "IconName") {
-        return text(""); // always drawn, never looked up in a theme
+        return text(_host->pictureFile(_content, _resources).c_str()); // never looked up in a theme
     }
     if (name == "IconPixmap") {
         return pictures();
     }
     if (name == "IconAccessibleDesc") {
-        return text(inWords(_content.text).c_str());
+        return text(_words.c_str());
     }
     if (name == "ToolTip") {
-        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, inWords(_content.text).c_str()));
+        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, _words.c_str()));
     }
     if (name == "ItemIsMenu") {
         return owned(g_variant_new_boolean(TRUE));

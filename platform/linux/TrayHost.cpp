@@ -15,14 +15,20 @@ namespace {
 using Style = TrayHost::Style;
 
 constexpr std::array usualSizes{16, 22, 24, 32, 44, 48};
-// Xfce takes the largest picture and shrinks it, mostly to 22 pixels, on screens of double density to 44.
-constexpr std::array sizeForShrinking{44};
+// For hosts that take the largest picture and shrink it: mostly to 22 pixels or to 16, or to twice as many on
+// screens of double density.
+constexpr std::array twice22{44};
+constexpr std::array twice16{32};
 
-constexpr TrayHost anyOther{"", Style::TextInPicture, usualSizes, false};
-constexpr std::array known{
-    TrayHost{"ayatana-indicat", Style::LabelBesideIcon, usualSizes, false},
+constexpr std::array hosts{
+    TrayHost{"ayatana-indicat", Style::LabelBesideNamedIcon, usualSizes, false},
     TrayHost{"gnome-shell", Style::LabelBesideIcon, usualSizes, false},
-    TrayHost{"xfce4-panel", Style::TextInPicture, sizeForShrinking, true},
+    TrayHost{"mate-panel", Style::TextBesideIcon, usualSizes, false},
+    TrayHost{"notification-ar", Style::TextBesideIcon, usualSizes, false}, // MATE's
+    TrayHost{"panel-", Style::TextInPicture, twice22, true},               // a plugin of Xfce's
+    TrayHost{"waybar", Style::TextBesideIcon, twice16, false},
+    TrayHost{"xapp-sn-watcher", Style::TextBesideIcon, usualSizes, false}, // Cinnamon's
+    TrayHost{"", Style::TextInPicture, usualSizes, false},                 // any other
 };
 
 /// The bar alone is worth a new picture only now and then: each costs the panel and us a few wake-ups.
@@ -31,37 +37,62 @@ bool isBarOutdated(const std::optional<double>& shown, const std::optional<doubl
     return shown.has_value() != now.has_value() || (shown && std::abs(*shown - *now) >= worthShowing);
 }
 
-/// The picture of that resource name in `size` pixels: each picture has its small sizes in a folder beside it.
+/// The file of the picture of that resource name in `size` pixels: each picture has its small sizes in a folder
+/// beside it.
+std::optional<std::filesystem::path> smallPictureFile(const std::string& image, int size,
+                                                      const Resources& resources) {
+    return resources.find("status/" + image.substr(0, image.rfind('.')) + "-" + std::to_string(size), "png");
+}
+
 std::optional<Picture> smallPicture(const std::string& image, int size, const Resources& resources) {
-    const std::string stem = image.substr(0, image.rfind('.'));
-    const auto file = resources.find("status/" + stem + "-" + std::to_string(size), "png");
+    const auto file = smallPictureFile(image, size, resources);
     return file ? decodePng(contentsOfFile(*file).value_or("")) : std::nullopt;
 }
 
 } // namespace
 
 const TrayHost& TrayHost::ofProcess(std::string_view name) {
-    const auto* found =
-        std::find_if(known.begin(), known.end(), [&](const TrayHost& host) { return host.process == name; });
-    return found == known.end() ? anyOther : *found;
+    return *std::find_if(hosts.begin(), hosts.end(),
+                         [&](const TrayHost& host) { return name.starts_with(host.process); });
 }
 
 bool TrayHost::needsNewPicture(const StatusContent& shown, const StatusContent& content) const {
-    const bool hasNewText = shown.text != content.text || shown.colour != content.colour;
-    return shown.image != content.image ||
-           (style == Style::TextInPicture && (hasNewText || isBarOutdated(shown.shareLeft, content.shareLeft)));
+    if (shown.image != content.image) {
+        return true;
+    }
+    if (hasLabel()) {
+        return false;
+    }
+    return shown.text != content.text || shown.colour != content.colour ||
+           (style == Style::TextInPicture && isBarOutdated(shown.shareLeft, content.shareLeft));
 }
 
 std::vector<Picture> TrayHost::pictures(const StatusContent& content, const Resources& resources) const {
     std::vector<Picture> pictures;
+    if (style == Style::LabelBesideNamedIcon) {
+        return pictures;
+    }
+    const bool isTextDrawn = !hasLabel() && !content.text.empty();
     for (const int size : pictureSizes) {
-        if (style == Style::TextInPicture && !content.text.empty()) {
+        const bool isIconDrawn = !isTextDrawn || style == Style::TextBesideIcon;
+        std::optional<Picture> icon = isIconDrawn ? smallPicture(content.image, size, resources) : std::nullopt;
+        if (isTextDrawn && icon) {
+            pictures.push_back(drawTextBesideIcon(*icon, content.text, content.colour));
+        } else if (isTextDrawn) {
             pictures.push_back(drawTextPicture(size, content.text, content.colour, content.shareLeft));
-        } else if (auto picture = smallPicture(content.image, size, resources)) {
-            pictures.push_back(std::move(*picture));
+        } else if (icon) {
+            pictures.push_back(std::move(*icon));
         }
     }
     return pictures;
+}
+
+std::string TrayHost::pictureFile(const StatusContent& content, const Resources& resources) const {
+    constexpr int size = 22;
+    if (style != Style::LabelBesideNamedIcon) {
+        return {};
+    }
+    return smallPictureFile(content.image, size, resources).value_or("").string();
 }
 
 } // namespace platform::freedesktop

@@ -8,6 +8,7 @@
 #include "platform/linux/StatusContent.hpp"
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,11 +17,13 @@ namespace platform::freedesktop {
 /// What is known of a program that shows status items.
 struct TrayHost {
     enum class Style {
-        TextInPicture,   ///< A square picture with the text above a bar of the time left.
-        LabelBesideIcon, ///< The program's own picture, and a label beside it.
+        TextInPicture,        ///< A square picture with the text above a bar of the time left.
+        TextBesideIcon,       ///< A wide picture of the program's own picture and the text beside it.
+        LabelBesideIcon,      ///< The program's own picture, and a label beside it.
+        LabelBesideNamedIcon, ///< The same, with the picture named by its file.
     };
 
-    std::string_view process;          ///< The name of its process, as far as the kernel keeps it (15 characters).
+    std::string_view process; ///< How the name of its process begins; the kernel keeps 15 characters.
     Style style;
     std::span<const int> pictureSizes; ///< In pixels; what it is offered to choose from.
     bool readsAllAtOnce;               ///< It reads all properties anew whichever signal it gets.
@@ -29,13 +32,16 @@ struct TrayHost {
     static const TrayHost& ofProcess(std::string_view name);
 
     /// Whether it is to be offered a label.
-    bool hasLabel() const { return style == Style::LabelBesideIcon; }
+    bool hasLabel() const { return style == Style::LabelBesideIcon || style == Style::LabelBesideNamedIcon; }
 
     /// Whether it had better fetch the picture of `content` if it shows the one of `shown`.
     bool needsNewPicture(const StatusContent& shown, const StatusContent& content) const;
 
-    /// The picture of `content`, in each of the sizes that can be had.
+    /// The picture of `content`, in each of the sizes that can be had; none if it is named.
     std::vector<Picture> pictures(const StatusContent& content, const Resources& resources) const;
+
+    /// The file of the picture of `content`; empty unless the host wants it named.
+    std::string pictureFile(const StatusContent& content, const Resources& resources) const;
 };
 
 } // namespace platform::freedesktop
