@@ -53,7 +53,7 @@ int runAlert(platform::NSAlert& model) {
     if (suppression) {
         suppression->state = static_cast<platform::NSSuppressionButton::StateValue>([button state]);
     }
-    return static_cast<int>(answer);
+    return answer < NSAlertFirstButtonReturn ? platform::NSAlert::Stopped : static_cast<int>(answer);
 }
 
 } // namespace cocoa

@@ -116,7 +116,20 @@ void CocoaDesktop::runModal(platform::NSPanel& model, const platform::View& cont
     _running.pop_back();
 }
 
-void CocoaDesktop::stopModal() { [NSApp stopModal]; }
+void CocoaDesktop::stopModal() {
+    [NSApp stopModal];
+    // A modal loop looks up only after an event, and a timer or a notification that brought us here is none.
+    [NSApp postEvent:[NSEvent otherEventWithType:NSEventTypeApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}
 
 void CocoaDesktop::center(platform::NSPanel& panel) { _centered = &panel; }
 
@@ -162,7 +175,7 @@ std::optional<std::string> CocoaDesktop::contentsOf(const std::filesystem::path&
 std::optional<platform::NSImage> CocoaDesktop::imageNamed(std::string_view name) {
     NSImage* const image = [NSImage imageNamed:toCocoa(name)];
     NSString* const path = [[NSBundle mainBundle] pathForImageResource:toCocoa(name)];
-    if (!image || !path) {
+    if (![image isValid] || !path) {
         return std::nullopt;
     }
     return platform::NSImage{std::string{name}, fromCocoa(path), {[image size].width, [image size].height}};

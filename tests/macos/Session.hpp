@@ -1,8 +1,8 @@
 #pragma once
 
 // A program's run on the Mac's desktop, inside the test's own process, and the hands of a user who does things
-// meanwhile. Everything goes through AppKit: buttons are pressed by `performClick:`, menu entries picked from the
-// menu of the status item, windows found where AppKit says they are.
+// meanwhile. Everything goes through AppKit: mouse events through its queue, menu entries picked from the menu of
+// the status item, windows found where AppKit says they are.
 
 #import <AppKit/AppKit.h>
 
@@ -41,8 +41,8 @@ public:
     /// Has `deed` done once the alert or panel that opens next is on screen.
     void onceShown(std::function<void()> deed);
 
-    /// For the run loop's timer: does what is due.
-    void tick();
+    /// For the run loop's timer: does the next thing that is due.
+    void tick(NSTimer* clock);
 
 private:
     struct Deed {
@@ -50,13 +50,12 @@ private:
         std::function<void()> action;
     };
 
-    void scheduleTick();
+    void startClock();
 
     std::vector<Deed> _agenda;
     std::chrono::steady_clock::time_point _end;
     bool _isRunning = false;
     bool _ranOut = false;
-    int _runs = 0;
 };
 
 /// The window of the alert or panel in front; nil if there is none.
@@ -74,8 +73,8 @@ NSButton* alertButton(std::size_t index);
 /// The check box of the alert in front.
 NSButton* alertCheckBox();
 
-/// Clicks a button as a user does; nil fails the test.
-void press(NSButton* button);
+/// Clicks into the middle of a control, as soon as the run loop comes to it; nil fails the test.
+void click(NSView* view);
 
 /// Closes the window in front as its own close button would.
 void closeFrontWindow();

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <objc/runtime.h>
-#include <optional>
 
 using macos_tests::Session;
 
@@ -39,6 +39,23 @@ IMP replace(Class kind, SEL selector, IMP implementation) {
 
 } // namespace
 
+/// The run loop in its plainest form, called in place of the function without the prefix: that one takes the
+/// display down when it returns, so that no second program could run in this process.
+extern "C" int __wrap_NSApplicationMain(int, const char**) {
+    [NSApp finishLaunching];
+    [[NSNotificationCenter defaultCenter] postNotificationName:NSApplicationDidFinishLaunchingNotification
+                                                        object:NSApp];
+    while (!isTerminating) {
+        @autoreleasepool {
+            [NSApp sendEvent:[NSApp nextEventMatchingMask:NSEventMaskAny
+                                                untilDate:[NSDate distantFuture]
+                                                   inMode:NSDefaultRunLoopMode
+                                                  dequeue:YES]];
+        }
+    }
+    return 0;
+}
+
 /// Calls the session back from the run loop.
 @interface SessionClock : NSObject {
     Session* _session;
@@ -65,8 +82,7 @@ IMP replace(Class kind, SEL selector, IMP implementation) {
 }
 
 - (void)tick:(NSTimer*)timer {
-    (void)timer;
-    _session->tick();
+    _session->tick(timer);
 }
 
 @end
@@ -83,6 +99,20 @@ void collect(NSView* view, Class kind, NSMutableArray* found) {
     for (NSView* each in [view subviews]) {
         collect(each, kind, found);
     }
+}
+
+/// Lets the run loop look up, as the user's own event would.
+void postEvent() {
+    [NSApp postEvent:[NSEvent otherEventWithType:NSEventTypeApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
 }
 
 } // namespace
@@ -113,12 +143,7 @@ int Session::run(const std::vector<std::string>& arguments, milliseconds limit, 
         _end = Clock::now() + limit;
         _agenda.clear();
         cocoa::CocoaDesktop desktop;
-        if (++_runs > 1) { // AppKit announces the end of launching only once in a process
-            [static_cast<NSObject*>([NSApp delegate]) performSelector:@selector(applicationDidFinishLaunching:)
-                                                           withObject:nil
-                                                           afterDelay:0];
-        }
-        scheduleTick();
+        startClock();
         const int status = program(static_cast<int>(arguments.size() + 1), argv.data());
         _isRunning = false;
         statusItem = nil;
@@ -139,39 +164,41 @@ void Session::onceShown(std::function<void()> deed) {
          std::move(deed));
 }
 
-void Session::scheduleTick() {
+void Session::startClock() {
     SessionClock* const clock = [[[SessionClock alloc] initWithSession:*this] autorelease];
     NSTimer* const timer = [NSTimer timerWithTimeInterval:0.004
                                                    target:clock
                                                  selector:@selector(tick:)
                                                  userInfo:nil
-                                                  repeats:NO];
-    for (NSString* mode in
-         @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
+                                                  repeats:YES];
+    for (NSString* mode in @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
         [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
     }
 }
 
-void Session::tick() {
+void Session::tick(NSTimer* clock) {
     if (!_isRunning) {
+        [clock invalidate];
         return;
     }
-    scheduleTick(); // first, because a deed may open a window and not return before that closes
     if (Clock::now() > _end) {
         _ranOut = true;
         isTerminating = true;
     }
     if (isTerminating) {
-        [NSApp stop:nil]; // one modal session at a time, then the run loop itself
+        if ([NSApp modalWindow]) {
+            [NSApp stop:nil]; // one modal session at a time
+        }
+        postEvent();
         return;
     }
-    for (auto each = _agenda.begin(); each != _agenda.end(); ++each) {
-        if (each->isDue()) {
-            const auto action = std::move(each->action);
-            _agenda.erase(each);
-            action();
-            return;
-        }
+    const auto due = std::find_if(_agenda.begin(), _agenda.end(), [](const Deed& deed) { return deed.isDue(); });
+    if (due != _agenda.end()) {
+        [clock invalidate];
+        startClock(); // a timer does not fire inside its own action, and a deed may open a window
+        const auto action = std::move(due->action);
+        _agenda.erase(due);
+        action();
     }
 }
 
@@ -198,16 +225,29 @@ NSButton* alertButton(std::size_t index) {
 
 NSButton* alertCheckBox() {
     for (NSButton* each in viewsOfClass([NSButton class])) {
-        if ([each tag] < NSAlertFirstButtonReturn && [each isEnabled]) {
+        if ([each tag] < NSAlertFirstButtonReturn && [[each title] length] > 0) {
             return each;
         }
     }
     return nil;
 }
 
-void press(NSButton* button) {
-    EXPECT_NE(button, nil) << "no such button";
-    [button performClick:nil];
+void click(NSView* view) {
+    ASSERT_NE(view, nil) << "no such control";
+    const NSRect bounds = [view bounds];
+    const NSPoint middle = [view convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
+    for (const NSEventType type : {NSEventTypeLeftMouseDown, NSEventTypeLeftMouseUp}) {
+        [NSApp postEvent:[NSEvent mouseEventWithType:type
+                                            location:middle
+                                       modifierFlags:0
+                                           timestamp:0
+                                        windowNumber:[[view window] windowNumber]
+                                             context:nil
+                                         eventNumber:0
+                                          clickCount:1
+                                            pressure:1]
+                 atStart:NO];
+    }
 }
 
 void closeFrontWindow() { [frontWindow() close]; }
@@ -230,8 +270,11 @@ void pick(std::string_view title) {
 }
 
 void wakeMachine() {
-    [[[NSWorkspace sharedWorkspace] notificationCenter] postNotificationName:NSWorkspaceDidWakeNotification
-                                                                      object:nil];
+    // straight to the observers: GNUstep's own centre takes a detour through another process
+    const SEL post = @selector(postNotificationName:object:);
+    const IMP postToObservers = class_getMethodImplementation([NSNotificationCenter class], post);
+    reinterpret_cast<void (*)(id, SEL, NSString*, id)>(postToObservers)(
+        [[NSWorkspace sharedWorkspace] notificationCenter], post, NSWorkspaceDidWakeNotification, nil);
 }
 
 } // namespace macos_tests

@@ -13,6 +13,10 @@
 #define NSBezelStyleRounded NSRoundedBezelStyle
 #define NSButtonTypeMomentaryPushIn NSMomentaryPushInButton
 #define NSButtonTypeSwitch NSSwitchButton
+#define NSEventMaskAny NSAnyEventMask
+#define NSEventTypeApplicationDefined NSApplicationDefined
+#define NSEventTypeLeftMouseDown NSLeftMouseDown
+#define NSEventTypeLeftMouseUp NSLeftMouseUp
 
 typedef NS_ENUM(NSInteger, NSWindowTitleVisibility) {
     NSWindowTitleVisible = 0,

@@ -111,6 +111,26 @@ NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
 
 @end
 
+// Some of the following replace GNUstep's own methods.
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
+
+// Settings
+
+@interface NSUserDefaults (ShimMethods)
+@end
+
+@implementation NSUserDefaults (ShimMethods)
+
+- (NSString*)stringForKey:(NSString*)key {
+    const id value = [self objectForKey:key];
+    if ([value isKindOfClass:[NSNumber class]]) {
+        return [value stringValue];
+    }
+    return [value isKindOfClass:[NSString class]] ? value : nil;
+}
+
+@end
+
 // The menu bar
 
 /// Opens the item's menu when it is pressed.
@@ -198,9 +218,6 @@ NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
 
 @implementation NSStatusBar (ShimMethods)
 
-#pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation" // these replace GNUstep's own
-
 + (NSStatusBar*)systemStatusBar {
     static NSStatusBar* const bar = [[NSStatusBar alloc] init];
     return bar;
@@ -213,8 +230,6 @@ NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
 - (void)removeStatusItem:(NSStatusItem*)item {
     [static_cast<StripItem*>(item) remove];
 }
-
-#pragma clang diagnostic pop
 
 @end
 

@@ -1,0 +1,12 @@
+// Where the tests start: GoogleTest's own main function would leave them without an autorelease pool.
+
+#import <Foundation/Foundation.h>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    @autoreleasepool {
+        testing::InitGoogleTest(&argc, argv);
+        return RUN_ALL_TESTS();
+    }
+}
