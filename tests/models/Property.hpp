@@ -1,0 +1,24 @@
+#pragma once
+
+// Properties that hold for thousands of random sequences. The seed of a failure is printed; RC_PARAMS in the
+// environment repeats it.
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace models {
+
+/// How many random sequences each property is tried on.
+constexpr int sequences = 4000;
+
+/// Fails the test if `property` does not hold for every sequence.
+template <typename Property>
+void expectAlways(const std::string& description, Property&& property) {
+    setenv("RC_PARAMS", ("max_success=" + std::to_string(sequences)).c_str(), false);
+    EXPECT_TRUE(rc::check(description, std::forward<Property>(property)));
+}
+
+} // namespace models
