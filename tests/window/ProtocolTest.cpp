@@ -22,7 +22,7 @@ PanelRequest received(const View& content, std::vector<Event>* told = nullptr) {
             told->push_back(event);
         }
     };
-    const auto request = decodeRequest(encode(PanelRequest{7, "Title", true, content, nullptr}), tell);
+    const auto request = decodeRequest(encode(PanelRequest{7, "Title", true, true, content, nullptr}), tell);
     const auto* panel = request ? std::get_if<PanelRequest>(&*request) : nullptr;
     if (!panel) {
         throw std::logic_error("the panel was refused");
@@ -31,7 +31,7 @@ PanelRequest received(const View& content, std::vector<Event>* told = nullptr) {
 }
 
 template <typename Kind>
-Kind receivedNode(View view) {
+Kind receivedNode(const View& view) {
     return std::get<Kind>(received(view).content.node);
 }
 

@@ -43,7 +43,7 @@ protected:
         alert.setShowsSuppressionButton(true);
         panel.delegate = &host;
     }
-    ~WindowHelperTest() override {
+    void TearDown() override {
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process or a zombie was left behind";
         EXPECT_EQ(errno, ECHILD);
         fs::remove_all(folder);

@@ -55,10 +55,10 @@ private:
     Widgets build(const View& view, Font font);
     GtkWidget* build(const node::Text& text, Font font);
     GtkWidget* build(const node::Image& image, const View& view);
-    GtkWidget* build(const node::TextField& field);
-    GtkWidget* build(const node::Toggle& toggle);
-    GtkWidget* build(const node::Picker& picker);
-    GtkWidget* build(const node::Button& button);
+    GtkWidget* build(const node::TextField& node);
+    GtkWidget* build(const node::Toggle& node);
+    GtkWidget* build(const node::Picker& node);
+    GtkWidget* build(const node::Button& node);
     GtkWidget* build(const node::Stack& stack, Font font);
 
     GtkWidget* framed(GtkWidget* widget, const modifier::Frame& frame);

@@ -259,7 +259,7 @@ public:
 private:
     std::optional<Node> decodeNode(GVariant* encoded);
     std::optional<Node> decodeText(GVariant* runs) const;
-    std::optional<Node> decodeStack(GVariant* stack);
+    std::optional<Node> decodeStack(GVariant* encoded);
 
     std::uint32_t addControl(ControlValue value) {
         _values->push_back(value);
@@ -411,15 +411,17 @@ std::optional<Request> decodePanel(GVariant* encoded, const std::function<void(c
     std::uint32_t window = 0;
     const gchar* title = nullptr;
     gboolean isMovable = FALSE;
-    if (!unpack(encoded, "(usbv)", "(u&sbv)", &window, &title, &isMovable, nullptr)) {
+    gboolean comesUnasked = FALSE;
+    if (!unpack(encoded, "(usbbv)", "(u&sbbv)", &window, &title, &isMovable, &comesUnasked, nullptr)) {
         return std::nullopt;
     }
     ViewDecoder decoder{window, tell};
-    auto content = decoder.decode(unboxed(childOf(encoded, 3).get()).get());
+    auto content = decoder.decode(unboxed(childOf(encoded, 4).get()).get());
     if (!content) {
         return std::nullopt;
     }
-    return PanelRequest{window, title, isMovable != FALSE, *std::move(content), decoder.values()};
+    return PanelRequest{window,          title, isMovable != FALSE, comesUnasked != FALSE, *std::move(content),
+                        decoder.values()};
 }
 
 std::optional<Request> decodeValues(GVariant* encoded) {
@@ -484,9 +486,9 @@ std::string encode(const Request& request) {
             },
             [](const PanelRequest& shown) {
                 return g_variant_new("(sv)", "panel",
-                                     g_variant_new("(usbv)", shown.window, shown.title.c_str(),
+                                     g_variant_new("(usbbv)", shown.window, shown.title.c_str(),
                                                    gboolean{shown.isMovableByBackground},
-                                                   encodeView(shown.content)));
+                                                   gboolean{shown.comesUnasked}, encodeView(shown.content)));
             },
             [](const ValuesRequest& fresh) {
                 GVariantBuilder values;

@@ -7,7 +7,8 @@
 // The resident program shows windows on top of each other, and only the topmost takes input:
 //
 //     ('alert', <(window, picture, style, icon, message, information, buttons, check box)>)
-//     ('panel', <(window, title, whether its background moves it, content)>)
+//     ('panel', <(window, title, whether its background moves it, whether it comes unasked, content)>)
+//                                            a panel that is shown already gets this content instead of its own
 //     ('values', <(window, [value, ...])>)   what the panel's controls are to show, after each change by the user
 //     ('close', <window>)                    the end of the stream closes all that are left
 //
@@ -39,7 +40,7 @@
 namespace platform::freedesktop {
 
 /// No packet is longer, in bytes.
-inline constexpr std::size_t longestMessage = 64 * 1024;
+inline constexpr std::size_t longestMessage = 65'536;
 
 /// What a control shows: whether it is on, or its number or the index of its selected item.
 using ControlValue = std::variant<bool, std::int64_t>;
@@ -48,8 +49,8 @@ using ControlValue = std::variant<bool, std::int64_t>;
 struct Event {
     enum class Kind { Changed, Pressed, Submitted, Closed };
 
-    Kind kind;
-    std::uint32_t window;
+    Kind kind = Kind::Closed;
+    std::uint32_t window = 0;
     std::uint32_t control = 0;
     std::optional<ControlValue> value; ///< Present exactly for `Changed`.
 
@@ -66,6 +67,7 @@ struct PanelRequest {
     std::uint32_t window;
     std::string title;
     bool isMovableByBackground;
+    bool comesUnasked; ///< Then it leaves the keyboard to whoever is typing.
     View content;
 
     /// After decoding: what the bindings in `content` read, to be replaced by what a `ValuesRequest` brings.

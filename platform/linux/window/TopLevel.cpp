@@ -6,8 +6,10 @@
 #include <gdk/gdkx.h>
 #endif
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace platform::freedesktop {
 namespace {
@@ -48,6 +50,25 @@ GdkMonitor* monitorOfPointer(GdkDisplay* display) {
     gint y = 0;
     gdk_device_get_position(gdk_seat_get_pointer(gdk_display_get_default_seat(display)), nullptr, &x, &y);
     return gdk_display_get_monitor_at_point(display, x, y);
+}
+
+/// The controls inside `widget` that can have the keyboard, in the order of the tree.
+void collectControls(GtkWidget* widget, std::vector<GtkWidget*>& controls) {
+    if (gtk_widget_get_can_focus(widget)) {
+        controls.push_back(widget);
+    }
+    if (GTK_IS_CONTAINER(widget)) {
+        const auto collect = [](GtkWidget* child, gpointer all) {
+            collectControls(child, *static_cast<std::vector<GtkWidget*>*>(all));
+        };
+        gtk_container_forall(GTK_CONTAINER(widget), collect, &controls);
+    }
+}
+
+std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
+    std::vector<GtkWidget*> controls;
+    collectControls(content, controls);
+    return controls;
 }
 
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
@@ -144,6 +165,7 @@ void TopLevel::centre() {
 }
 
 void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
+    _content = content;
     gtk_container_add(GTK_CONTAINER(_window), content);
     gtk_widget_show_all(content);
     if (defaultButton) {
@@ -161,6 +183,19 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
     }
 #endif
     gtk_window_present_with_time(_window, now);
+}
+
+void TopLevel::replace(GtkWidget* content) {
+    const std::vector<GtkWidget*> before = controlsIn(_content);
+    const auto focus = std::find(before.begin(), before.end(), gtk_window_get_focus(_window)) - before.begin();
+    gtk_widget_destroy(_content);
+    _content = content;
+    gtk_container_add(GTK_CONTAINER(_window), content);
+    gtk_widget_show_all(content);
+    const std::vector<GtkWidget*> now = controlsIn(content);
+    if (static_cast<std::size_t>(focus) < now.size()) {
+        gtk_widget_grab_focus(now[static_cast<std::size_t>(focus)]);
+    }
 }
 
 } // namespace platform::freedesktop

@@ -30,8 +30,14 @@ public:
     /// typing as it appears does not mean it.
     void comeUnasked();
 
+    /// Lets the window appear without taking the keyboard from the window that has it.
+    void leaveTheKeyboard() { gtk_window_set_focus_on_map(_window, FALSE); }
+
     /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.
     void present(GtkWidget* content, GtkWidget* defaultButton);
+
+    /// Shows `content` instead of what was presented, with the keyboard on the control at the same place.
+    void replace(GtkWidget* content);
 
 private:
     bool isTooEarlyForKeys() const;
@@ -39,6 +45,7 @@ private:
     void centre();
 
     GtkWindow* _window;
+    GtkWidget* _content = nullptr; ///< Owned by the window.
     std::function<void()> _wantsToClose;
     bool _comesUnasked = false;
     gint64 _shownAt = 0; ///< In microseconds of the monotonic clock.

@@ -55,6 +55,9 @@ public:
     /// Shows these values in the controls.
     virtual void show(std::vector<ControlValue> values) = 0;
 
+    /// Shows another content.
+    virtual void show(PanelRequest request) = 0;
+
     const std::uint32_t number;
 };
 
@@ -94,6 +97,7 @@ public:
 
     GtkWindow* window() const override { return _topLevel.window(); }
     void show(std::vector<ControlValue>) override {} // an alert's check box follows nobody but the user
+    void show(PanelRequest) override {}
 
 private:
     GtkWidget* makeCheckBox(const NSSuppressionButton& suppression, std::size_t control, const Tell& tell) {
@@ -139,29 +143,45 @@ class Windows::Panel : public Window {
 public:
     Panel(PanelRequest request, GtkWindow* below, const Tell& tell)
         : Window{request.window}
-        , _request{std::move(request)}
-        , _content{_request.content}
-        , _topLevel{_request.title, below, [this, tell] {
-                        _content.commitEdits(); // the form is closed without being saved, but keeps what it holds
+        , _filling{std::make_unique<Filling>(std::move(request))}
+        , _topLevel{_filling->request.title, below, [this, tell] {
+                        _filling->content.commitEdits(); // the form is closed unsaved, but keeps what it holds
                         tell({Event::Kind::Closed, number, 0, {}});
                     }} {
-        if (_request.isMovableByBackground) {
+        if (_filling->request.isMovableByBackground) {
             _topLevel.moveByBackground();
         }
-        gtk_style_context_add_class(gtk_widget_get_style_context(_content.root()), "panel");
-        _topLevel.present(_content.root(), _content.defaultButton());
+        if (_filling->request.comesUnasked) {
+            _topLevel.leaveTheKeyboard();
+        }
+        _topLevel.present(_filling->content.root(), _filling->content.defaultButton());
     }
 
     GtkWindow* window() const override { return _topLevel.window(); }
 
     void show(std::vector<ControlValue> values) override {
-        *_request.values = std::move(values);
-        _content.refresh();
+        *_filling->request.values = std::move(values);
+        _filling->content.refresh();
+    }
+
+    void show(PanelRequest request) override {
+        auto filling = std::make_unique<Filling>(std::move(request));
+        _topLevel.replace(filling->content.root());
+        _filling = std::move(filling); // the old one goes after the widgets that call its operations
     }
 
 private:
-    PanelRequest _request;
-    Content _content;
+    struct Filling {
+        explicit Filling(PanelRequest shown)
+            : request{std::move(shown)}
+            , content{request.content} {
+            gtk_style_context_add_class(gtk_widget_get_style_context(content.root()), "panel");
+        }
+        PanelRequest request;
+        Content content;
+    };
+
+    std::unique_ptr<Filling> _filling;
     TopLevel _topLevel; // destroyed first: its widgets call the content's operations
 };
 
@@ -177,18 +197,26 @@ Windows::~Windows() {
 GtkWindow* Windows::topmost() const { return _windows.empty() ? nullptr : _windows.back()->window(); }
 
 void Windows::handle(Request request) {
+    const auto named = [this](std::uint32_t number) {
+        return std::find_if(_windows.begin(), _windows.end(),
+                            [&](const auto& window) { return window->number == number; });
+    };
     if (const auto* alert = std::get_if<AlertRequest>(&request)) {
         _windows.push_back(std::make_unique<Alert>(*alert, topmost(), _tell));
     } else if (auto* panel = std::get_if<PanelRequest>(&request)) {
-        _windows.push_back(std::make_unique<Panel>(std::move(*panel), topmost(), _tell));
+        if (const auto window = named(panel->window); window != _windows.end()) {
+            (*window)->show(std::move(*panel));
+        } else {
+            _windows.push_back(std::make_unique<Panel>(std::move(*panel), topmost(), _tell));
+        }
     } else if (auto* values = std::get_if<ValuesRequest>(&request)) {
-        for (const auto& window : _windows) {
-            if (window->number == values->window) {
-                window->show(std::move(values->values));
-            }
+        if (const auto window = named(values->window); window != _windows.end()) {
+            (*window)->show(std::move(values->values));
         }
     } else if (const auto* closed = std::get_if<CloseRequest>(&request)) {
-        std::erase_if(_windows, [&](const auto& window) { return window->number == closed->window; });
+        if (const auto window = named(closed->window); window != _windows.end()) {
+            _windows.erase(window);
+        }
     }
 }
 
