@@ -78,7 +78,9 @@ void EventLoop::post(std::function<void()> work) {
         (*static_cast<std::function<void()>*>(data))();
         return G_SOURCE_REMOVE;
     };
-    const auto release = [](gpointer data) { std::unique_ptr<std::function<void()>>{static_cast<std::function<void()>*>(data)}; };
+    const auto release = [](gpointer data) {
+        std::unique_ptr<std::function<void()>>{static_cast<std::function<void()>*>(data)};
+    };
     auto owned = std::make_unique<std::function<void()>>(std::move(work));
     g_idle_add_full(G_PRIORITY_DEFAULT, run, owned.release(), release);
 }

@@ -5,11 +5,11 @@
 
 #include "platform/TimerQueue.hpp"
 
+#include <glib.h>
+
 #include <functional>
 #include <memory>
 #include <optional>
-
-#include <glib.h>
 
 namespace platform::freedesktop {
 

@@ -3,9 +3,9 @@
 // Owners for what GLib hands out: each gives back what it holds when it goes. They behave like `std::unique_ptr`,
 // which they are.
 
-#include <memory>
-
 #include <gio/gio.h>
+
+#include <memory>
 
 namespace platform::freedesktop {
 
@@ -24,7 +24,9 @@ using TextHandle = std::unique_ptr<char, Release<g_free>>;
 using VariantHandle = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 
 /// Takes over a variant that nobody owns yet, or shares one that somebody does.
-inline VariantHandle owned(GVariant* variant) { return VariantHandle{variant ? g_variant_ref_sink(variant) : nullptr}; }
+inline VariantHandle owned(GVariant* variant) {
+    return VariantHandle{variant ? g_variant_ref_sink(variant) : nullptr};
+}
 
 /// Passed to functions that report an error through a `GError**`; holds what they reported.
 class ErrorSlot {

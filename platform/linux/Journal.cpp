@@ -1,8 +1,8 @@
 #include "platform/linux/Journal.hpp"
 
-#include <array>
-
 #include <glib.h>
+
+#include <array>
 
 namespace platform::freedesktop {
 namespace {
@@ -20,8 +20,8 @@ void writeToJournal(const Logger& logger, Logger::Level level, std::string_view 
     switch (level) {
     case Logger::Level::Error:
         const std::array fields{field("MESSAGE", message), field("PRIORITY", errorPriority),
-                                field("SYSLOG_IDENTIFIER", "marvelode-timer"),
-                                field("SUBSYSTEM", logger.subsystem), field("CATEGORY", logger.category)};
+                                field("SYSLOG_IDENTIFIER", "marvelode-timer"), field("SUBSYSTEM", logger.subsystem),
+                                field("CATEGORY", logger.category)};
         g_log_writer_journald(G_LOG_LEVEL_CRITICAL, fields.data(), fields.size(), nullptr);
         break;
     }

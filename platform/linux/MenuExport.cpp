@@ -93,8 +93,8 @@ std::string label(const std::string& title) {
 MenuExport::MenuExport(GDBusConnection* bus, std::string path, std::function<void(std::function<void()>)> post)
     : _post{std::move(post)}
     , _interface{bus, std::move(path), description,
-                 [this](std::string_view method, GVariant* arguments) { return answer(method, arguments); }, property} {
-}
+                 [this](std::string_view method, GVariant* arguments) { return answer(method, arguments); },
+                 property} {}
 
 void MenuExport::show(std::shared_ptr<NSMenu> menu) {
     _menu = std::move(menu);
@@ -166,7 +166,8 @@ VariantHandle MenuExport::answer(std::string_view method, GVariant* arguments) {
         return oneProperty(integerAt(arguments, 0), g_variant_get_string(childAt(arguments, 1).get(), nullptr));
     }
     if (method == "Event") {
-        const bool isKnown = handle(integerAt(arguments, 0), g_variant_get_string(childAt(arguments, 1).get(), nullptr));
+        const bool isKnown =
+            handle(integerAt(arguments, 0), g_variant_get_string(childAt(arguments, 1).get(), nullptr));
         return isKnown ? owned(g_variant_new("()")) : nullptr;
     }
     if (method == "EventGroup") {
@@ -213,7 +214,8 @@ VariantHandle MenuExport::groupProperties(const std::vector<std::int32_t>& ident
     g_variant_builder_init(&group, G_VARIANT_TYPE("a(ia{sv})"));
     for (std::size_t index = 0; index < _entries.size(); ++index) {
         const auto identifier = static_cast<std::int32_t>(index + 1);
-        if (identifiers.empty() || std::find(identifiers.begin(), identifiers.end(), identifier) != identifiers.end()) {
+        if (identifiers.empty() ||
+            std::find(identifiers.begin(), identifiers.end(), identifier) != identifiers.end()) {
             g_variant_builder_add(&group, "(i@a{sv})", identifier, properties(_entries[index], wanted));
         }
     }

@@ -15,7 +15,9 @@ constexpr std::size_t headEnd = 33; // signature, then the first chunk: length, 
 constexpr std::size_t bytesPerPixel = 4;
 constexpr std::uint32_t largestSide = 4096;
 
-std::uint8_t byteAt(std::string_view bytes, std::size_t position) { return static_cast<std::uint8_t>(bytes[position]); }
+std::uint8_t byteAt(std::string_view bytes, std::size_t position) {
+    return static_cast<std::uint8_t>(bytes[position]);
+}
 
 std::uint32_t numberAt(std::string_view bytes, std::size_t position) {
     std::uint32_t number = 0;

@@ -2,11 +2,11 @@
 
 #include "platform/linux/Journal.hpp"
 
+#include <glib-unix.h>
+
 #include <csignal>
 #include <cstdio>
 #include <utility>
-
-#include <glib-unix.h>
 
 namespace platform::freedesktop {
 namespace {
@@ -23,7 +23,8 @@ Places Places::ofThisProcess() {
             std::filesystem::path{g_get_user_config_dir()} / "marvelode-timer" / "settings"};
 }
 
-SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments)
+SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
+                               const std::vector<std::string>& arguments)
     : _sessionBus{G_DBUS_CONNECTION(g_object_ref(sessionBus))}
     , _argumentDomain{argumentDomain(arguments)}
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
@@ -32,7 +33,11 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places, const
     , _settings{std::move(places.settings), [this](std::string_view problem) { logError(problem); }}
     , _windows{places.helpers / "marvelode-timer-window", [this] { _loop.iterate(); },
                [this](std::string_view problem) { logError(problem); }}
-    , _sounds{places.helpers / "marvelode-timer-sound", [this](std::string_view problem) { logError(problem); }} {
+    , _sounds{places.helpers / "marvelode-timer-sound", [this](std::string_view problem) { logError(problem); }}
+    , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item); },
+                    [this](std::string_view problem) { logError(problem); }}
+    , _traylessNotice{sessionBus, [this] { _statusWindow.appear(); }, [this] { _statusWindow.close(); },
+                      [this] { _statusWindow.open(); }, [this](std::string_view entry) { pick(entry); }} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
     const auto busClosed = +[](GDBusConnection*, gboolean, GError*, SessionDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
@@ -118,7 +123,9 @@ std::optional<std::filesystem::path> SessionDesktop::resource(std::string_view n
     return _resources.find(name, extension);
 }
 
-std::optional<std::string> SessionDesktop::contentsOf(const std::filesystem::path& url) { return contentsOfFile(url); }
+std::optional<std::string> SessionDesktop::contentsOf(const std::filesystem::path& url) {
+    return contentsOfFile(url);
+}
 
 std::optional<NSImage> SessionDesktop::imageNamed(std::string_view name) { return _resources.imageNamed(name); }
 
@@ -140,6 +147,26 @@ void SessionDesktop::log(const Logger& logger, Logger::Level level, std::string_
     writeToJournal(logger, level, message);
 }
 
+bool SessionDesktop::pick(std::string_view entry) {
+    const std::shared_ptr<NSMenu> menu = _statusItem ? _statusItem->menu() : nullptr;
+    const std::shared_ptr<NSMenuItem> item = menu ? menu->itemWithTitle(entry) : nullptr;
+    if (!item || !menu->validates(*item)) {
+        return false;
+    }
+    pick(*item);
+    return true;
+}
+
+void SessionDesktop::pick(NSMenuItem& item) {
+    _loop.post([menu = _statusItem->menu(), &item] { menu->performActionForItem(item); });
+}
+
+void SessionDesktop::showMenuWindow() { _statusWindow.open(); }
+
+std::string SessionDesktop::statusText() const {
+    return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
+}
+
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
 void SessionDesktop::settle() {
     if (!_statusItem) {
@@ -150,11 +177,14 @@ void SessionDesktop::settle() {
                       [this](std::function<void()> pick) { _loop.post(std::move(pick)); });
     }
     _menu->show(_statusItem->menu());
+    _statusWindow.show(statusContent(), _statusItem->menu());
     if (_statusNotifierItem) {
         _statusNotifierItem->show(statusContent());
     } else {
-        _statusNotifierItem.emplace(_sessionBus.get(), _resources, statusContent(),
-                                    [this](std::string_view problem) { logError(problem); });
+        _statusNotifierItem.emplace(
+            _sessionBus.get(), _resources, statusContent(),
+            [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); },
+            [this](std::string_view problem) { logError(problem); });
     }
 }
 

@@ -11,6 +11,8 @@
 #include "platform/linux/SettingsFile.hpp"
 #include "platform/linux/SoundPlayer.hpp"
 #include "platform/linux/StatusNotifierItem.hpp"
+#include "platform/linux/StatusWindow.hpp"
+#include "platform/linux/TraylessNotice.hpp"
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/WindowHelper.hpp"
 
@@ -76,9 +78,19 @@ public:
     bool isLogEnabled(const Logger& logger, Logger::Level level) override;
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
+    /// Has the menu's entry of that title picked as an event of its own; false if it cannot be picked now.
+    bool pick(std::string_view entry);
+
+    /// Shows the status item and its menu as a window.
+    void showMenuWindow();
+
+    /// The text beside the icon.
+    std::string statusText() const;
+
 private:
     void settle();
     StatusContent statusContent() const;
+    void pick(NSMenuItem& item);
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
     void logError(std::string_view problem);
 
@@ -92,6 +104,8 @@ private:
     SoundPlayer _sounds;
     std::shared_ptr<NSStatusItem> _statusItem;
     std::optional<MenuExport> _menu;
+    StatusWindow _statusWindow;
+    TraylessNotice _traylessNotice;
     std::optional<StatusNotifierItem> _statusNotifierItem;
     std::optional<WakeWatcher> _wakeWatcher;
     unsigned long _busClosedHandler;

@@ -1,11 +1,10 @@
 #include "platform/linux/SettingsFile.hpp"
 
-#include <utility>
-
+#include <glib/gstdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <glib/gstdio.h>
+#include <utility>
 
 namespace platform::freedesktop {
 namespace {

@@ -1,7 +1,8 @@
 #pragma once
 
 // The settings as a text file that its user may edit at any time: a key file whose values are typed by the way they
-// are written (`true`, `25`, `1500.0`, `'Sonar'`). It is read again whenever it has changed and replaced as a whole.
+// are written (`true`, `25`, `1500.0`, `'Sonar'`). It is read again whenever it has changed and replaced as a
+// whole.
 
 #include "platform/UserDefaults.hpp"
 #include "platform/linux/Handles.hpp"

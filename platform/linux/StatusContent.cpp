@@ -29,8 +29,8 @@ std::string inWords(std::string_view text) {
     const std::string number{text.substr(0, digits)};
     const std::string_view unitLetter = digits == std::string_view::npos ? "" : text.substr(digits);
     const std::string unit = unitLetter == "h" ? "hour" : unitLetter == "m" ? "minute" : "second";
-    return std::string{isDue ? "Break due for " : "Break in "} + (isMore ? "more than " : "") + number + " " + unit +
-           (number == "1" ? "" : "s");
+    return std::string{isDue ? "Break due for " : "Break in "} + (isMore ? "more than " : "") + number + " " +
+           unit + (number == "1" ? "" : "s");
 }
 
 } // namespace platform::freedesktop

@@ -43,14 +43,19 @@ GVariant* bytesOf(const Picture& picture) {
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
+                                       std::function<void(bool)> trayChanged,
                                        std::function<void(std::string_view)> logError)
     : _resources{resources}
     , _content{std::move(content)}
     , _words{inWords(_content.text)}
     , _interface{bus, "/StatusNotifierItem", description, nullptr,
                  [this](std::string_view name) { return property(name); }}
-    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); },
-            std::move(logError)} {}
+    , _tray{bus,
+            [this, trayChanged](std::string_view processName) {
+                drawFor(TrayHost::ofProcess(processName));
+                trayChanged(true);
+            },
+            [trayChanged] { trayChanged(false); }, std::move(logError)} {}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);

@@ -20,7 +20,9 @@ public:
     static constexpr const char* menuPath = "/MenuBar";
 
     /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
+    /// `trayChanged` learns whether there is a panel, at first and whenever that changes.
     StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
+                       std::function<void(bool isPresent)> trayChanged,
                        std::function<void(std::string_view)> logError);
 
     /// Shows `content` from now on.

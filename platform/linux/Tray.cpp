@@ -18,15 +18,17 @@ std::string processName(unsigned identifier) {
 } // namespace
 
 Tray::Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-           std::function<void(std::string_view)> logError)
+           std::function<void()> vanished, std::function<void(std::string_view)> logError)
     : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
     , _appeared{std::move(appeared)}
+    , _vanished{std::move(vanished)}
     , _logError{std::move(logError)} {
     const auto nameAppeared = [](GDBusConnection*, const char*, const char* owner, gpointer self) {
         static_cast<Tray*>(self)->askWho(owner);
     };
     const auto nameVanished = [](GDBusConnection*, const char*, gpointer self) {
         static_cast<Tray*>(self)->_panel.reset();
+        static_cast<Tray*>(self)->_vanished();
     };
     _watch = g_bus_watch_name_on_connection(bus, watcher, G_BUS_NAME_WATCHER_FLAGS_NONE, nameAppeared, nameVanished,
                                             this, nullptr);
@@ -61,7 +63,8 @@ void Tray::registerItem() {
         ErrorSlot error;
         const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
         if (error && !error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            static_cast<Tray*>(data)->_logError("The panel refused the status item: " + std::string{error.message()});
+            static_cast<Tray*>(data)->_logError("The panel refused the status item: " +
+                                                std::string{error.message()});
         }
     };
     g_dbus_connection_call(_bus.get(), watcher, "/StatusNotifierWatcher", watcher, "RegisterStatusNotifierItem",

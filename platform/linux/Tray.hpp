@@ -15,9 +15,10 @@ namespace platform::freedesktop {
 class Tray {
 public:
     /// Each time a panel appears, first tells the name of its process (empty if unknown) to `appeared`, then
-    /// registers this connection as the item. A refusal is told to `logError`.
+    /// registers this connection as the item. A refusal is told to `logError`. Calls `vanished` when there is no
+    /// panel any longer, or none to begin with.
     Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-         std::function<void(std::string_view)> logError);
+         std::function<void()> vanished, std::function<void(std::string_view)> logError);
     ~Tray();
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
@@ -28,6 +29,7 @@ private:
 
     ObjectHandle<GDBusConnection> _bus;
     std::function<void(std::string_view)> _appeared;
+    std::function<void()> _vanished;
     std::function<void(std::string_view)> _logError;
     std::optional<CancelledAtEnd> _panel; // cancels what is under way when the panel goes
     unsigned _watch;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Listens to the login manager on the system bus for the machine's waking from sleep. The bus and the manager may be
-// missing, come late or restart.
+// Listens to the login manager on the system bus for the machine's waking from sleep. The bus and the manager may
+// be missing, come late or restart.
 
 #include "platform/linux/Handles.hpp"
 

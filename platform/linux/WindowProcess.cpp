@@ -25,8 +25,10 @@ std::string messageOf(int error) { return std::generic_category().message(error)
 
 } // namespace
 
-WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError)
-    : _logError{std::move(logError)} {
+WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError,
+                             std::function<void()> somethingHappened)
+    : _logError{std::move(logError)}
+    , _somethingHappened{std::move(somethingHappened)} {
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         _logError("no window can be shown: " + messageOf(errno));
@@ -112,6 +114,7 @@ void WindowProcess::receive() {
     }
     if (size <= 0) {
         giveUp("the window program ended before its window was closed");
+        _somethingHappened();
         return;
     }
     const auto length = static_cast<std::size_t>(size);
@@ -121,6 +124,7 @@ void WindowProcess::receive() {
     } else {
         giveUp("the window program sent a message that makes no sense");
     }
+    _somethingHappened();
 }
 
 } // namespace platform::freedesktop

@@ -17,8 +17,11 @@ namespace platform::freedesktop {
 class WindowProcess {
 public:
     /// Starts the program at `path`, and reads what it says whenever the calling thread's main context is iterated.
-    /// If it cannot start, or goes away before it is told to, `logError` learns why.
-    WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError);
+    /// If it cannot start, or goes away before it is told to, `logError` learns why. `somethingHappened` is called
+    /// whenever there is an event to take or the program has gone; it must leave this object alone.
+    WindowProcess(
+        const std::filesystem::path& path, std::function<void(std::string_view)> logError,
+        std::function<void()> somethingHappened = [] {});
 
     /// Lets the program close all its windows and end; kills it if that takes more than half a second.
     ~WindowProcess();
@@ -43,6 +46,7 @@ private:
     void end();
 
     std::function<void(std::string_view)> _logError;
+    std::function<void()> _somethingHappened;
     int _socket = -1; ///< Open exactly while the program is alive.
     int _process = 0;
     unsigned _source = 0;

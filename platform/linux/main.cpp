@@ -1,14 +1,18 @@
 // The resident program: joins the user's session and runs the timer in it.
 
 #include "app/main.hpp"
+
+#include "app/App.hpp"
+#include "platform/linux/Control.hpp"
 #include "platform/linux/SessionDesktop.hpp"
 
+#include <malloc.h>
+
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
-
-#include <malloc.h>
 
 namespace {
 
@@ -23,14 +27,35 @@ Reminds you of a short break every few minutes, from an icon in the panel.
   --version    show the version
 )";
 
-/// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once; and
-/// the bus's thread gets no pool of memory of its own.
+/// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once;
+/// and the bus's thread gets no pool of memory of its own.
 void keepMemorySmall() {
     constexpr int large = 8 * 1024;
     mallopt(M_ARENA_MAX, 1);
     mallopt(M_MMAP_THRESHOLD, large);
     mallopt(M_TRIM_THRESHOLD, large);
     mallopt(M_TOP_PAD, 0);
+}
+
+/// What others on the session bus may do and see: the menu's entries, and the timer's state.
+platform::freedesktop::ControlledProgram controlled(platform::freedesktop::SessionDesktop& desktop) {
+    using marvelode::App;
+    using marvelode::app;
+    return {
+        .commands = {{"Restart", "restart", "Restart timer"},
+                     {"ToggleMute", "toggle-mute", "Mute"},
+                     {"TogglePopups", "toggle-popups", "Popup reminders"},
+                     {"ShowSettings", "show-settings", "Settings"},
+                     {"ShowAbout", "show-about", "About Marvelode Timer"},
+                     {"Quit", "quit", "Quit"}},
+        .pick = [&desktop](std::string_view entry) { return desktop.pick(entry); },
+        .showMenu = [&desktop] { desktop.showMenuWindow(); },
+        .isReminding = [] { return app->state == App::State::Reminding; },
+        .text = [&desktop] { return desktop.statusText(); },
+        .remainingSeconds = [] { return static_cast<std::int64_t>(app->countdown()); },
+        .isMuted = [] { return app->cfg->isMuted(); },
+        .showsPopups = [] { return app->cfg->popups(); },
+    };
 }
 
 } // namespace
@@ -51,9 +76,20 @@ int main(int argc, char** argv) {
     ErrorSlot error;
     const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error)};
     if (!sessionBus) {
-        std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n", error.message());
+        std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n",
+                     error.message());
         return EXIT_FAILURE;
     }
     SessionDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
+    const Control control{sessionBus.get(), controlled(desktop)};
+    if (!Control::claimName(sessionBus.get())) {
+        if (!Control::showMenuOfOwner(sessionBus.get(), error)) {
+            std::fprintf(stderr, "marvelode-timer: Another timer is running but does not answer: %s\n",
+                         error.message());
+            return EXIT_FAILURE;
+        }
+        std::puts("Marvelode Timer is running already; its menu is on screen.");
+        return EXIT_SUCCESS;
+    }
     return marvelode::marvelodeTimer(argc, argv);
 }

@@ -174,6 +174,10 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
     }
     gtk_widget_realize(GTK_WIDGET(_window));
     centre();
+    if (!gtk_window_get_focus_on_map(_window)) {
+        gtk_widget_show(GTK_WIDGET(_window));
+        return;
+    }
     guint32 now = GDK_CURRENT_TIME;
 #ifdef GDK_WINDOWING_X11
     GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(_window));

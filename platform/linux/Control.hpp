@@ -1,0 +1,65 @@
+#pragma once
+
+// The program's own name on the session bus. It keeps a second timer from starting beside the first, and lets
+// scripts and the desktop do what the menu does.
+
+#include "platform/linux/Handles.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+/// What `Control` lets others do and see.
+struct ControlledProgram {
+    /// One menu entry under the names by which it is called from outside.
+    struct Command {
+        std::string method; ///< As a method on the bus: "ToggleMute".
+        std::string action; ///< As an action of the desktop: "toggle-mute".
+        std::string entry;  ///< The entry's title in the menu.
+    };
+
+    std::vector<Command> commands;
+    std::function<bool(std::string_view entry)> pick; ///< Has the entry picked soon; false if it cannot be now.
+    std::function<void()> showMenu;
+    std::function<bool()> isReminding;
+    std::function<std::string()> text;
+    std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
+    std::function<bool()> isMuted;
+    std::function<bool()> showsPopups;
+};
+
+class Control {
+public:
+    /// Claims the program's name for this process; false if another timer has it.
+    static bool claimName(GDBusConnection* sessionBus);
+
+    /// Has the timer that owns the name show its menu; false, with a reason in `error`, if it does not answer.
+    static bool showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error);
+
+    /// Answers calls on the bus from now on, through `program`.
+    Control(GDBusConnection* sessionBus, ControlledProgram program);
+    ~Control();
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+private:
+    static void call(GDBusConnection*, const char* sender, const char* path, const char* interface,
+                     const char* method, GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self);
+    static GVariant* property(GDBusConnection*, const char* sender, const char* path, const char* interface,
+                              const char* name, GError**, gpointer self);
+
+    using Name = std::string ControlledProgram::Command::*;
+    const ControlledProgram::Command* find(Name name, std::string_view value) const;
+    void run(const ControlledProgram::Command* command, GDBusMethodInvocation* invocation);
+
+    ControlledProgram _program;
+    GDBusConnection* _sessionBus;
+    unsigned _timerObject = 0;
+    unsigned _applicationObject = 0;
+};
+
+} // namespace platform::freedesktop

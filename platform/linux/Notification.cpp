@@ -1,0 +1,73 @@
+#include "platform/linux/Notification.hpp"
+
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+constexpr const char* service = "org.freedesktop.Notifications";
+constexpr const char* object = "/org/freedesktop/Notifications";
+
+} // namespace
+
+Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::string_view)> chosen)
+    : _sessionBus{sessionBus}
+    , _chosen{std::move(chosen)} {
+    const auto actionInvoked = [](GDBusConnection*, const char*, const char*, const char*, const char*,
+                                  GVariant* parameters, gpointer self) {
+        auto& notification = *static_cast<Notification*>(self);
+        if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(us)"))) {
+            return;
+        }
+        guint32 id = 0;
+        const char* key = nullptr;
+        g_variant_get(parameters, "(u&s)", &id, &key);
+        if (id != 0 && id == notification._id) {
+            notification._chosen(key);
+        }
+    };
+    _subscription =
+        g_dbus_connection_signal_subscribe(sessionBus, service, service, "ActionInvoked", object, nullptr,
+                                           G_DBUS_SIGNAL_FLAGS_NONE, actionInvoked, this, nullptr);
+}
+
+Notification::~Notification() {
+    withdraw();
+    g_dbus_connection_signal_unsubscribe(_sessionBus, _subscription);
+}
+
+void Notification::show(const std::string& summary, const std::string& body, const std::vector<Action>& actions) {
+    GVariantBuilder keysAndLabels;
+    g_variant_builder_init(&keysAndLabels, G_VARIANT_TYPE("as"));
+    for (const Action& action : actions) {
+        g_variant_builder_add(&keysAndLabels, "s", action.key.c_str());
+        g_variant_builder_add(&keysAndLabels, "s", action.label.c_str());
+    }
+    GVariantBuilder hints;
+    g_variant_builder_init(&hints, G_VARIANT_TYPE("a{sv}"));
+    g_variant_builder_add(&hints, "{sv}", "desktop-entry", g_variant_new_string("org.marvelode.Timer"));
+    constexpr int untilTheDesktopDecides = -1;
+    const auto shown = [](GObject* bus, GAsyncResult* result, gpointer self) {
+        ErrorSlot error;
+        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
+        if (answer) {
+            g_variant_get(answer.get(), "(u)", &static_cast<Notification*>(self)->_id);
+        }
+    };
+    g_dbus_connection_call(_sessionBus, service, object, service, "Notify",
+                           g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer",
+                                         summary.c_str(), body.c_str(), &keysAndLabels, &hints,
+                                         untilTheDesktopDecides),
+                           G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, _cancelled.get(), shown, this);
+}
+
+void Notification::withdraw() {
+    if (_id == 0) {
+        return;
+    }
+    g_dbus_connection_call(_sessionBus, service, object, service, "CloseNotification", g_variant_new("(u)", _id),
+                           nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
+    _id = 0;
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,44 @@
+#pragma once
+
+// One message of the program in the desktop's notification area, with actions to choose from. Where the desktop
+// shows no notifications, nothing happens.
+
+#include "platform/linux/Handles.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+class Notification {
+public:
+    struct Action {
+        std::string key;
+        std::string label;
+    };
+
+    /// Calls `chosen` from the main loop with the key of an action that the user chose; "default" stands for a
+    /// click on the message itself.
+    Notification(GDBusConnection* sessionBus, std::function<void(std::string_view key)> chosen);
+    ~Notification();
+    Notification(const Notification&) = delete;
+    Notification& operator=(const Notification&) = delete;
+
+    /// Puts the message on screen, in place of an earlier one.
+    void show(const std::string& summary, const std::string& body, const std::vector<Action>& actions);
+
+    /// Takes the message off the screen.
+    void withdraw();
+
+private:
+    GDBusConnection* _sessionBus;
+    std::function<void(std::string_view)> _chosen;
+    CancelledAtEnd _cancelled;
+    unsigned _subscription;
+    std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,135 @@
+#include "platform/linux/StatusWindow.hpp"
+
+#include <glib.h>
+
+#include <utility>
+
+namespace platform::freedesktop {
+namespace {
+
+constexpr std::uint32_t theWindow = 1;
+constexpr const char* title = "Marvelode Timer";
+constexpr double pictureHeight = 50;
+constexpr double gap = 12;
+
+} // namespace
+
+StatusWindow::StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
+                           std::function<void(std::string_view)> logError)
+    : _helperProgram{std::move(helperProgram)}
+    , _pick{std::move(pick)}
+    , _logError{std::move(logError)} {}
+
+StatusWindow::~StatusWindow() { close(); }
+
+void StatusWindow::open() {
+    close(); // a new window comes to the front where an old one may be hidden or elsewhere
+    start(false);
+}
+
+void StatusWindow::appear() {
+    if (!_process) {
+        start(true);
+    }
+}
+
+void StatusWindow::start(bool isUnasked) {
+    const auto handleSoon = [this] {
+        if (_idle != 0) {
+            return;
+        }
+        const auto handle = [](gpointer self) -> gboolean {
+            static_cast<StatusWindow*>(self)->_idle = 0;
+            static_cast<StatusWindow*>(self)->handleEvents();
+            return G_SOURCE_REMOVE;
+        };
+        _idle = g_idle_add_full(G_PRIORITY_DEFAULT, handle, this, nullptr);
+    };
+    _process = std::make_unique<WindowProcess>(_helperProgram, _logError, handleSoon);
+    send(isUnasked);
+}
+
+void StatusWindow::close() {
+    _process.reset();
+    if (_idle != 0) {
+        g_source_remove(std::exchange(_idle, 0));
+    }
+}
+
+void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
+    _menu = std::move(menu);
+    std::string words = inWords(content.text);
+    const bool isWordy = !words.empty(); // there are none at exactly ten seconds: the last ones stay
+    const bool isChanged = (isWordy && words != _words) || entries() != _shown;
+    if (isWordy) {
+        _words = std::move(words);
+    }
+    if (_process && isChanged) {
+        send(true);
+    }
+}
+
+std::vector<StatusWindow::Entry> StatusWindow::entries() const {
+    std::vector<Entry> entries;
+    for (const auto& item : _menu ? _menu->items() : std::vector<std::shared_ptr<NSMenuItem>>{}) {
+        entries.push_back({_menu->validates(*item), item->state() == NSMenuItem::StateValue::On});
+    }
+    return entries;
+}
+
+void StatusWindow::send(bool isUnasked) {
+    _shown = entries();
+    _process->send(PanelRequest{theWindow, title, true, isUnasked, view(), nullptr});
+}
+
+View StatusWindow::view() {
+    if (!_picture) {
+        _picture = NSImage::named("Marvelode.png");
+    }
+    std::vector<View> header;
+    if (_picture) {
+        header.push_back(Image(*_picture)
+                             .frame({.width = pictureHeight / _picture->size.height * _picture->size.width,
+                                     .height = pictureHeight,
+                                     .alignment = Alignment::Center})
+                             .padding(Edges::Trailing, gap));
+    }
+    header.push_back(VStack(Alignment::Leading, {VerbatimText(title).font(Font::Title2), VerbatimText(_words)}));
+    std::vector<View> rows;
+    rows.push_back(HStack(std::move(header)).padding(Edges::Bottom, gap));
+
+    _controls.clear();
+    for (const auto& item : _menu ? _menu->items() : std::vector<std::shared_ptr<NSMenuItem>>{}) {
+        if (item->isSeparatorItem()) {
+            continue;
+        }
+        const auto nothing = [](auto&&...) {};
+        View row =
+            item->hasState()
+                ? Toggle(item->title, {[item] { return item->state() == NSMenuItem::StateValue::On; }, nothing})
+                : Button(item->title, 0, nothing);
+        rows.push_back(std::move(row).disabled(!_menu->validates(*item)));
+        _controls.push_back(item.get());
+    }
+    return VStack(Alignment::Leading, std::move(rows)).fixedSize();
+}
+
+void StatusWindow::handleEvents() {
+    while (const auto event = _process ? _process->nextEvent() : std::nullopt) {
+        apply(*event);
+    }
+    if (_process && !_process->isAlive()) {
+        _process.reset();
+    }
+}
+
+void StatusWindow::apply(const Event& event) {
+    if (event.kind == Event::Kind::Closed) {
+        close();
+    } else if (event.control < _controls.size()) {
+        _shown.clear(); // shown anew in any case: the user's pick may have changed nothing but the window
+        _pick(*_controls[event.control]);
+    }
+}
+
+} // namespace platform::freedesktop

@@ -1,0 +1,68 @@
+#pragma once
+
+// The status item as a small window of its own: picture, text and menu. It serves where no panel shows the item,
+// and whoever starts the program a second time. It stands beside everything else and waits for nobody.
+
+#include "platform/NSMenu.hpp"
+#include "platform/View.hpp"
+#include "platform/linux/StatusContent.hpp"
+#include "platform/linux/WindowProcess.hpp"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform::freedesktop {
+
+class StatusWindow {
+public:
+    /// Shows the window with the program at `helperProgram`, when it is asked to. `pick` is given each entry that
+    /// the user picks in it.
+    StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
+                 std::function<void(std::string_view)> logError);
+    ~StatusWindow();
+    StatusWindow(const StatusWindow&) = delete;
+    StatusWindow& operator=(const StatusWindow&) = delete;
+
+    /// Brings the window to the front. It stays until the user closes it.
+    void open();
+
+    /// Shows the window unless it is there already, and leaves the keyboard to whoever is typing.
+    void appear();
+
+    void close();
+
+    /// What the window shows from now on, whether it is open or not.
+    void show(const StatusContent& content, std::shared_ptr<NSMenu> menu);
+
+private:
+    struct Entry {
+        bool isEnabled;
+        bool isOn;
+        bool operator==(const Entry&) const = default;
+    };
+
+    std::vector<Entry> entries() const;
+    View view();
+    void start(bool isUnasked);
+    void send(bool isUnasked);
+    void handleEvents();
+    void apply(const Event& event);
+
+    std::filesystem::path _helperProgram;
+    std::function<void(NSMenuItem&)> _pick;
+    std::function<void(std::string_view)> _logError;
+    std::optional<NSImage> _picture;
+    std::string _words;
+    std::shared_ptr<NSMenu> _menu;
+    std::vector<Entry> _shown;
+    std::vector<NSMenuItem*> _controls; ///< The entry behind each control on screen.
+    std::unique_ptr<WindowProcess> _process;
+    unsigned _idle = 0;
+};
+
+} // namespace platform::freedesktop

@@ -1,0 +1,37 @@
+#pragma once
+
+// What the user is told on a desktop that has no place for status items: that the timer runs, and how to reach it.
+// It waits a moment first, since panels start late and restart, and takes its message back when one appears.
+
+#include "platform/linux/Handles.hpp"
+#include "platform/linux/Notification.hpp"
+
+#include <functional>
+#include <string_view>
+
+namespace platform::freedesktop {
+
+class TraylessNotice {
+public:
+    /// Calls `appear` when the timer's own window should stand in for the status item, `disappear` when it need not
+    /// any longer, `open` when the user asks for that window, and `pick` with the title of a menu entry.
+    TraylessNotice(GDBusConnection* sessionBus, std::function<void()> appear, std::function<void()> disappear,
+                   std::function<void()> open, std::function<void(std::string_view entry)> pick);
+    ~TraylessNotice();
+    TraylessNotice(const TraylessNotice&) = delete;
+    TraylessNotice& operator=(const TraylessNotice&) = delete;
+
+    /// Tells whether there is a panel that shows status items.
+    void trayChanged(bool isPresent);
+
+private:
+    void tell();
+
+    std::function<void()> _appear;
+    std::function<void()> _disappear;
+    Notification _notification;
+    unsigned _patience = 0;
+    bool _isTold = false;
+};
+
+} // namespace platform::freedesktop
