@@ -11,6 +11,12 @@ constexpr std::uint32_t theWindow = 1;
 constexpr const char* title = "Marvelode Timer";
 constexpr double pictureHeight = 50;
 constexpr double gap = 12;
+constexpr double labelWidth = 150;
+constexpr double switchWidth = 52;
+constexpr double buttonWidth = 210;
+
+modifier::Frame leading(double width) { return {.width = width, .height = {}, .alignment = Alignment::Leading}; }
+modifier::Frame trailing(double width) { return {.width = width, .height = {}, .alignment = Alignment::Trailing}; }
 
 } // namespace
 
@@ -104,10 +110,10 @@ View StatusWindow::view() {
             continue;
         }
         const auto nothing = [](auto&&...) {};
-        View row =
-            item->hasState()
-                ? Toggle(item->title, {[item] { return item->state() == NSMenuItem::StateValue::On; }, nothing})
-                : Button(item->title, 0, nothing);
+        const auto isOn = [item] { return item->state() == NSMenuItem::StateValue::On; };
+        View row = item->hasState() ? HStack({VerbatimText(item->title).frame(leading(labelWidth)),
+                                              Toggle("", {isOn, nothing}).frame(trailing(switchWidth))})
+                                    : Button(item->title, 0, nothing).frame(leading(buttonWidth));
         rows.push_back(std::move(row).disabled(!_menu->validates(*item)));
         _controls.push_back(item.get());
     }

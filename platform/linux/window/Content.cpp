@@ -250,7 +250,8 @@ GtkWidget* Content::build(const node::Stack& stack, Font font) {
 }
 
 GtkWidget* Content::framed(GtkWidget* widget, const modifier::Frame& frame) {
-    gtk_widget_set_halign(widget, alignOf(frame.alignment));
+    const bool isWideButton = GTK_IS_BUTTON(widget) && frame.width; // fills its frame, as buttons in a column do
+    gtk_widget_set_halign(widget, isWideButton ? GTK_ALIGN_FILL : alignOf(frame.alignment));
     gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
     GtkWidget* box = boxed(widget);
     gtk_widget_set_size_request(box, frame.width ? pixels(*frame.width) : -1,

@@ -181,7 +181,9 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
     guint32 now = GDK_CURRENT_TIME;
 #ifdef GDK_WINDOWING_X11
     GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(_window));
-    if (GDK_IS_X11_WINDOW(surface)) { // window managers give the keyboard to what happened last
+    if (GDK_IS_X11_WINDOW(surface)) { // elsewhere windows do not place themselves
+        centre();
+        // window managers give the keyboard to what happened last
         now = gdk_x11_get_server_time(surface);
         gdk_x11_window_set_user_time(surface, now);
     }
