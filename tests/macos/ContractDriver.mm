@@ -71,9 +71,9 @@ public:
         return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
     }
 
-    void pressAlertButton(std::size_t index) override { click(alertButton(index)); }
-    void tickAlertCheckBox() override { click(alertCheckBox()); }
-    void pressPanelButton(std::string_view label) override { click(buttonTitled(label)); }
+    void pressAlertButton(std::size_t index) override { press(alertButton(index)); }
+    void tickAlertCheckBox() override { press(alertCheckBox()); }
+    void pressPanelButton(std::string_view label) override { press(buttonTitled(label)); }
     void closePanel() override { closeFrontWindow(); }
     bool canPickMenuEntry(std::string_view title) override { return [menuEntry(title) isEnabled]; }
     void pickMenuEntry(std::string_view title) override { pick(title); }

@@ -1,8 +1,8 @@
 #pragma once
 
 // A program's run on the Mac's desktop, inside the test's own process, and the hands of a user who does things
-// meanwhile. Everything goes through AppKit: mouse events through its queue, menu entries picked from the menu of
-// the status item, windows found where AppKit says they are.
+// meanwhile. Everything goes through AppKit: buttons send their actions, menu entries are picked from the menu of
+// the status item, windows are found where AppKit says they are.
 
 #import <AppKit/AppKit.h>
 
@@ -73,8 +73,9 @@ NSButton* alertButton(std::size_t index);
 /// The check box of the alert in front.
 NSButton* alertCheckBox();
 
-/// Clicks into the middle of a control, as soon as the run loop comes to it; nil fails the test.
-void click(NSView* view);
+/// Does what a click on a button comes down to; nil fails the test. (`performClick:` of GNUstep runs the run loop in
+/// its default mode for a while, so that timers fire that must not.)
+void press(NSButton* button);
 
 /// Closes the window in front as its own close button would.
 void closeFrontWindow();

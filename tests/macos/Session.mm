@@ -225,28 +225,19 @@ NSButton* alertButton(std::size_t index) {
 
 NSButton* alertCheckBox() {
     for (NSButton* each in viewsOfClass([NSButton class])) {
-        if ([each tag] < NSAlertFirstButtonReturn && [[each title] length] > 0) {
+        if ([each tag] < NSAlertFirstButtonReturn && [[each cell] showsStateBy] != NSNoCellMask) {
             return each;
         }
     }
     return nil;
 }
 
-void click(NSView* view) {
-    ASSERT_NE(view, nil) << "no such control";
-    const NSRect bounds = [view bounds];
-    const NSPoint middle = [view convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
-    for (const NSEventType type : {NSEventTypeLeftMouseDown, NSEventTypeLeftMouseUp}) {
-        [NSApp postEvent:[NSEvent mouseEventWithType:type
-                                            location:middle
-                                       modifierFlags:0
-                                           timestamp:0
-                                        windowNumber:[[view window] windowNumber]
-                                             context:nil
-                                         eventNumber:0
-                                          clickCount:1
-                                            pressure:1]
-                 atStart:NO];
+void press(NSButton* button) {
+    ASSERT_NE(button, nil) << "no such button";
+    if ([button isEnabled]) {
+        [[button cell] setNextState];
+        [button sendAction:[button action] to:[button target]];
+        postEvent();
     }
 }
 
@@ -271,10 +262,10 @@ void pick(std::string_view title) {
 
 void wakeMachine() {
     // straight to the observers: GNUstep's own centre takes a detour through another process
-    const SEL post = @selector(postNotificationName:object:);
+    const SEL post = @selector(postNotificationName:object:userInfo:);
     const IMP postToObservers = class_getMethodImplementation([NSNotificationCenter class], post);
-    reinterpret_cast<void (*)(id, SEL, NSString*, id)>(postToObservers)(
-        [[NSWorkspace sharedWorkspace] notificationCenter], post, NSWorkspaceDidWakeNotification, nil);
+    reinterpret_cast<void (*)(id, SEL, NSString*, id, id)>(postToObservers)(
+        [[NSWorkspace sharedWorkspace] notificationCenter], post, NSWorkspaceDidWakeNotification, nil, nil);
 }
 
 } // namespace macos_tests

@@ -15,8 +15,6 @@
 #define NSButtonTypeSwitch NSSwitchButton
 #define NSEventMaskAny NSAnyEventMask
 #define NSEventTypeApplicationDefined NSApplicationDefined
-#define NSEventTypeLeftMouseDown NSLeftMouseDown
-#define NSEventTypeLeftMouseUp NSLeftMouseUp
 
 typedef NS_ENUM(NSInteger, NSWindowTitleVisibility) {
     NSWindowTitleVisible = 0,

@@ -6,21 +6,26 @@
 #include <map>
 #include <objc/runtime.h>
 
-// Alerts: a check box is added to the alert's window once it is up
+// Alerts: a check box joins the buttons in the alert's window
 
 namespace {
 
 std::map<NSAlert*, NSButton*> suppressionButtons;
-IMP runModalWithoutSuppressionButton;
+NSButton* suppressionButtonOfNextWindow = nil;
+IMP runAlert;
+IMP runWindow;
 
-NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
-    if (suppressionButtons.count(self) != 0) {
-        [self performSelector:@selector(placeSuppressionButton)
-                   withObject:nil
-                   afterDelay:0
-                      inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+NSInteger runAlertWithSuppressionButton(NSAlert* self, SEL selector) {
+    suppressionButtonOfNextWindow = [self suppressionButton];
+    return reinterpret_cast<NSInteger (*)(id, SEL)>(runAlert)(self, selector);
+}
+
+NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window) {
+    if (suppressionButtonOfNextWindow) {
+        [[window contentView] addSubview:suppressionButtonOfNextWindow];
+        suppressionButtonOfNextWindow = nil;
     }
-    return reinterpret_cast<NSInteger (*)(id, SEL)>(runModalWithoutSuppressionButton)(self, selector);
+    return reinterpret_cast<NSInteger (*)(id, SEL, NSWindow*)>(runWindow)(self, selector, window);
 }
 
 } // namespace
@@ -32,16 +37,18 @@ NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
 @implementation NSAlert (ShimMethods)
 
 + (void)load {
-    Method const method = class_getInstanceMethod([NSAlert class], @selector(runModal));
-    runModalWithoutSuppressionButton =
-        method_setImplementation(method, reinterpret_cast<IMP>(runModalWithSuppressionButton));
+    runAlert = method_setImplementation(class_getInstanceMethod(self, @selector(runModal)),
+                                        reinterpret_cast<IMP>(runAlertWithSuppressionButton));
+    runWindow =
+        method_setImplementation(class_getInstanceMethod([NSApplication class], @selector(runModalForWindow:)),
+                                 reinterpret_cast<IMP>(runWindowWithSuppressionButton));
 }
 
 - (void)setShowsSuppressionButton:(BOOL)shows {
     [suppressionButtons[self] release];
     suppressionButtons.erase(self);
     if (shows) {
-        NSButton* const button = [[NSButton alloc] initWithFrame:NSMakeRect(16, 12, 240, 20)];
+        NSButton* const button = [[NSButton alloc] initWithFrame:NSMakeRect(8, 10, 188, 20)];
         [button setButtonType:NSSwitchButton];
         suppressionButtons[self] = button;
     }
@@ -50,13 +57,6 @@ NSInteger runModalWithSuppressionButton(NSAlert* self, SEL selector) {
 - (NSButton*)suppressionButton {
     const auto found = suppressionButtons.find(self);
     return found == suppressionButtons.end() ? nil : found->second;
-}
-
-- (void)placeSuppressionButton {
-    NSView* const content = [[NSApp modalWindow] contentView];
-    [[self suppressionButton] setFrameOrigin:NSMakePoint(16, 14)];
-    [content addSubview:[self suppressionButton]];
-    [content setNeedsDisplay:YES];
 }
 
 @end
