@@ -15,75 +15,14 @@ from pathlib import Path
 import processes
 from desktop import PANEL_HEIGHT, TRAY_PICTURE, Desktop
 from picture import Picture
+from timer import AFTER_FIRST_RUN, Timer
 from waiting import wait_until
 
-PROGRAM = os.path.abspath(os.environ["MARVELODE_TIMER"])
 RESOURCES = Path(__file__).resolve().parents[2] / "resources"
-
-# What the settings hold after a first run; during a first run, switches that are turned off turn on again.
-AFTER_FIRST_RUN = {"Version": "'1.0.0'", "ShowCountdown": "true", "PopupAlerts": "true", "AutoRestart": "false",
-                   "ResartOnWake": "true"}
 
 
 def is_red(red, green, blue, _alpha):
     return red > 180 and green < 110 and blue < 110
-
-
-class Timer:
-    """The program, started on a desktop, and what can be asked of it there."""
-
-    def __init__(self, desktop, *arguments, settings=None, **environment):
-        self.desktop = desktop
-        self.settings_file = desktop.config / "marvelode-timer/settings"
-        if settings is not None:
-            self.settings_file.parent.mkdir(mode=0o700)
-            self.store(settings)
-        self.begin = time.monotonic()
-        self.program = desktop.start(PROGRAM, *arguments, **environment)
-
-    def item(self):
-        return self.desktop.status_item(self.program.pid)
-
-    def store(self, settings):
-        """Writes the settings as somebody with a text editor does."""
-        lines = [f"{key}={value}\n" for key, value in settings.items()]
-        self.settings_file.write_text("[Settings]\n" + "".join(lines))
-
-    def settings(self):
-        """The stored settings as they are written."""
-        try:
-            lines = self.settings_file.read_text().splitlines()
-        except FileNotFoundError:
-            return {}
-        return dict(line.split("=", 1) for line in lines if "=" in line)
-
-    def window(self, seconds=10, role=None):
-        """The window that is up; waits for it."""
-        return wait_until(lambda: self.desktop.window_of(self.program, role), "a window", seconds)
-
-    def await_no_window(self):
-        wait_until(lambda: not self.desktop.window_of(self.program), "the window to close")
-
-    def await_description(self, beginning, seconds=10):
-        item = self.item()
-        wait_until(lambda: item.description.startswith(beginning), f"“{beginning}”, not “{item.description}”", seconds)
-
-    def await_in_panel(self):
-        """Where the item's picture of this moment is drawn in the panel."""
-        item = self.item()
-        return wait_until(lambda: self.desktop.item_in_panel(item), "the item's picture in the panel")
-
-    def await_setting(self, key, value):
-        wait_until(lambda: self.settings().get(key) == value, f"{key}={value} to be stored, not {self.settings()}")
-
-    def quit(self, test):
-        """Quits from the menu; nothing may be left."""
-        self.item().pick("Quit")
-        self.expect_end(test)
-
-    def expect_end(self, test):
-        test.assertEqual(self.program.status(), 0, self.program.output())
-        test.assertEqual(self.program.left_behind(), {})
 
 
 class TestMode(unittest.TestCase):
