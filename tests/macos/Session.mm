@@ -141,11 +141,11 @@ int Session::run(const std::vector<std::string>& arguments, milliseconds limit, 
         _ranOut = false;
         _isRunning = true;
         _end = Clock::now() + limit;
-        _agenda.clear();
         cocoa::CocoaDesktop desktop;
         startClock();
         const int status = program(static_cast<int>(arguments.size() + 1), argv.data());
         _isRunning = false;
+        _agenda.clear();
         statusItem = nil;
         return status;
     }

@@ -1,10 +1,14 @@
 // The methods behind Shims.h. Setters of what GNUstep cannot show do nothing: the message tests watch that they are
 // sent. The menu bar is a strip of a window at the top of the screen.
 
-#import "tests/macos/shims/LogEntries.hpp"
+#import "tests/macos/shims/Heard.hpp"
 
+#include <cstring>
 #include <map>
 #include <objc/runtime.h>
+
+// Some of the methods replace GNUstep's own.
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
 // Alerts: a check box joins the buttons in the alert's window
 
@@ -111,8 +115,56 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 
 @end
 
-// Some of the following replace GNUstep's own methods.
-#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
+// Sounds
+
+/// An MPEG-4 sound, silent here.
+@interface MpegSound : NSSound {
+    NSString* _path;
+}
+- (instancetype)initWithPath:(NSString*)path;
+@end
+
+std::vector<std::string>& playedSounds() {
+    static std::vector<std::string> played;
+    return played;
+}
+
+@implementation MpegSound
+
+- (instancetype)initWithPath:(NSString*)path {
+    if ((self = [super init])) {
+        _path = [path copy];
+    }
+    return self;
+}
+
+- (void)dealloc {
+    [_path release];
+    [super dealloc];
+}
+
+- (BOOL)play {
+    playedSounds().push_back([[_path lastPathComponent] UTF8String]);
+    return YES;
+}
+
+@end
+
+@interface NSSound (ShimMethods)
+@end
+
+@implementation NSSound (ShimMethods)
+
+- (id)initWithContentsOfURL:(NSURL*)url byReference:(BOOL)byReference {
+    NSData* const bytes = [NSData dataWithContentsOfURL:url];
+    if ([bytes length] > 8 && std::memcmp(static_cast<const char*>([bytes bytes]) + 4, "ftyp", 4) == 0) {
+        [self release];
+        return [[MpegSound alloc] initWithPath:[url path]];
+    }
+    return [self initWithContentsOfFile:[url path] byReference:byReference];
+}
+
+@end
 
 // Settings
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the program wrote to the unified log, as the shim of <os/log.h> keeps it for tests.
+// What the program wrote to the unified log and what it played, as the shims keep it for tests.
 
 #import <os/log.h>
 
@@ -17,3 +17,6 @@ struct LogEntry {
 
 /// All entries of this process, in order.
 std::vector<LogEntry>& logEntries();
+
+/// The file names of the MPEG-4 sounds that were started, in order.
+std::vector<std::string>& playedSounds();
