@@ -82,7 +82,11 @@ extern "C" int __wrap_NSApplicationMain(int, const char**) {
 }
 
 - (void)tick:(NSTimer*)timer {
-    _session->tick(timer);
+    @try {
+        _session->tick(timer);
+    } @catch (NSException* exception) { // the run loop would swallow it
+        ADD_FAILURE() << [[exception description] UTF8String];
+    }
 }
 
 @end

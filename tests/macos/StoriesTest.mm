@@ -96,9 +96,14 @@ protected:
     /// The file name of the resource that has the picture on the status item.
     static std::string icon() {
         const auto pixels = [](NSImage* image) {
-            NSBitmapImageRep* const bitmap = [[image representations] lastObject];
-            return std::string{reinterpret_cast<const char*>([bitmap bitmapData]),
-                               static_cast<std::size_t>([bitmap bytesPerPlane])};
+            for (NSImageRep* each in [image representations]) {
+                if ([each isKindOfClass:[NSBitmapImageRep class]]) {
+                    NSBitmapImageRep* const bitmap = static_cast<NSBitmapImageRep*>(each);
+                    return std::string{reinterpret_cast<const char*>([bitmap bitmapData]),
+                                       static_cast<std::size_t>([bitmap bytesPerPlane])};
+                }
+            }
+            return std::string{};
         };
         NSImage* const shown = [statusButton() image];
         for (const char* each : {"Marvelode.png", "MarvelodeGrey.png"}) {
