@@ -51,9 +51,14 @@ void Notification::show(const std::string& summary, const std::string& body, con
         ErrorSlot error;
         const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
         if (answer) {
-            g_variant_get(answer.get(), "(u)", &static_cast<Notification*>(self)->_id);
+            auto& notification = *static_cast<Notification*>(self);
+            g_variant_get(answer.get(), "(u)", &notification._id);
+            if (!notification._isWanted) {
+                notification.withdraw();
+            }
         }
     };
+    _isWanted = true;
     g_dbus_connection_call(_sessionBus, service, object, service, "Notify",
                            g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer",
                                          summary.c_str(), body.c_str(), &keysAndLabels, &hints,
@@ -62,6 +67,7 @@ void Notification::show(const std::string& summary, const std::string& body, con
 }
 
 void Notification::withdraw() {
+    _isWanted = false; // should its number not be known yet, it goes as soon as that comes
     if (_id == 0) {
         return;
     }

@@ -39,6 +39,7 @@ private:
     CancelledAtEnd _cancelled;
     unsigned _subscription;
     std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
+    bool _isWanted = false;
 };
 
 } // namespace platform::freedesktop

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::uint32_t theWindow = 1;
 constexpr const char* title = "Marvelode Timer";
+constexpr const char* hide = "Hide this window"; // the one control that is no entry of the menu, and the last
 constexpr double pictureHeight = 50;
 constexpr double gap = 12;
 constexpr double labelWidth = 150;
@@ -34,7 +35,7 @@ void StatusWindow::open() {
 }
 
 void StatusWindow::appear() {
-    if (!_process) {
+    if (!_process || !_process->isAlive()) {
         start(true);
     }
 }
@@ -117,6 +118,7 @@ View StatusWindow::view() {
         rows.push_back(std::move(row).disabled(!_menu->validates(*item)));
         _controls.push_back(item.get());
     }
+    rows.push_back(Button(hide, 0, [] {}).frame(leading(buttonWidth)).padding(Edges::Top, gap));
     return VStack(Alignment::Leading, std::move(rows)).fixedSize();
 }
 
@@ -130,7 +132,7 @@ void StatusWindow::handleEvents() {
 }
 
 void StatusWindow::apply(const Event& event) {
-    if (event.kind == Event::Kind::Closed) {
+    if (event.kind == Event::Kind::Closed || event.control == _controls.size()) {
         close();
     } else if (event.control < _controls.size()) {
         _shown.clear(); // shown anew in any case: the user's pick may have changed nothing but the window

@@ -1,0 +1,177 @@
+// What others on the session bus can do with the timer and see of it, and that there is one timer only.
+
+#include "platform/linux/Control.hpp"
+
+#include "tests/linux/PrivateBuses.hpp"
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace platform::freedesktop {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* busName = "org.marvelode.Timer";
+constexpr const char* objectPath = "/org/marvelode/Timer";
+
+class ControlTest : public testing::Test {
+protected:
+    ControlTest() { EXPECT_TRUE(Control::claimName(bus.get())); }
+
+    VariantHandle ask(const char* interface, const char* method, GVariant* arguments,
+                      std::string* error = nullptr) {
+        return call(script.get(), busName, objectPath, interface, method, arguments, error);
+    }
+    VariantHandle run(const char* method, std::string* error = nullptr) {
+        return ask("org.marvelode.Timer", method, nullptr, error);
+    }
+    VariantHandle activateAction(const char* action, std::string* error = nullptr) {
+        return ask("org.freedesktop.Application", "ActivateAction",
+                   g_variant_new("(s@av@a{sv})", action, g_variant_new_array(G_VARIANT_TYPE_VARIANT, nullptr, 0),
+                                 g_variant_new("a{sv}", nullptr)),
+                   error);
+    }
+    std::string property(const char* name) {
+        const VariantHandle answer =
+            ask("org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", "org.marvelode.Timer", name));
+        if (!answer) {
+            return "no answer";
+        }
+        GVariant* value = nullptr;
+        g_variant_get(answer.get(), "(v)", &value);
+        const VariantHandle ownedValue{value};
+        const TextHandle text{g_variant_print(value, TRUE)};
+        return text.get();
+    }
+
+    std::vector<std::string> picked;
+    bool isBusy = false;
+    int menus = 0;
+    bool isReminding = false;
+    std::int64_t seconds = 540;
+    bool isMuted = false;
+    bool showsPopups = true;
+    ObjectHandle<GDBusConnection> bus = connectToSession();
+    ObjectHandle<GDBusConnection> script = connectToSession();
+    std::optional<Control> control{
+        std::in_place, bus.get(),
+        ControlledProgram{.commands = {{"Restart", "restart", "Restart timer"}, {"Quit", "quit", "Quit now"}},
+                          .pick =
+                              [this](std::string_view entry) {
+                                  picked.emplace_back(entry);
+                                  return !isBusy;
+                              },
+                          .showMenu = [this] { ++menus; },
+                          .isReminding = [this] { return isReminding; },
+                          .text = [] { return std::string{"9m"}; },
+                          .remainingSeconds = [this] { return seconds; },
+                          .isMuted = [this] { return isMuted; },
+                          .showsPopups = [this] { return showsPopups; }}};
+};
+
+TEST_F(ControlTest, AMethodPicksItsEntry) {
+    EXPECT_TRUE(run("Restart"));
+    EXPECT_TRUE(run("Quit"));
+    EXPECT_THAT(picked, ElementsAre("Restart timer", "Quit now"));
+    EXPECT_EQ(menus, 0);
+}
+
+TEST_F(ControlTest, AnActionOfTheDesktopPicksItsEntry) {
+    EXPECT_TRUE(activateAction("quit"));
+    EXPECT_TRUE(activateAction("restart"));
+    EXPECT_THAT(picked, ElementsAre("Quit now", "Restart timer"));
+}
+
+TEST_F(ControlTest, WhatIsNoActionIsRefused) {
+    std::string error;
+    EXPECT_FALSE(activateAction("Restart", &error));
+    EXPECT_THAT(error, HasSubstr("org.freedesktop.DBus.Error.InvalidArgs"));
+    EXPECT_FALSE(run("Explode", &error));
+    EXPECT_THAT(error, HasSubstr("org.freedesktop.DBus.Error.UnknownMethod"));
+    EXPECT_THAT(picked, IsEmpty());
+}
+
+TEST_F(ControlTest, WhatTheMenuCannotDoNowFailsAsBusy) {
+    isBusy = true;
+    std::string error;
+    EXPECT_FALSE(run("Restart", &error));
+    EXPECT_THAT(error, HasSubstr("org.marvelode.Timer.Error.Busy"));
+    EXPECT_FALSE(activateAction("quit", &error));
+    EXPECT_THAT(error, HasSubstr("org.marvelode.Timer.Error.Busy"));
+}
+
+TEST_F(ControlTest, TheMenuIsShownHoweverItIsAskedFor) {
+    isBusy = true;
+    EXPECT_TRUE(run("ShowMenu"));
+    EXPECT_TRUE(ask("org.freedesktop.Application", "Activate", g_variant_new("(a{sv})", nullptr)));
+    EXPECT_TRUE(ask("org.freedesktop.Application", "Open", g_variant_new("(asa{sv})", nullptr, nullptr)));
+    EXPECT_EQ(menus, 3);
+    EXPECT_THAT(picked, IsEmpty());
+}
+
+TEST_F(ControlTest, ThePropertiesAreReadAfresh) {
+    EXPECT_EQ(property("State"), "'Timing'");
+    EXPECT_EQ(property("Text"), "'9m'");
+    EXPECT_EQ(property("RemainingSeconds"), "int64 540");
+    EXPECT_EQ(property("Muted"), "false");
+    EXPECT_EQ(property("Popups"), "true");
+    isReminding = true;
+    seconds = -70;
+    isMuted = true;
+    showsPopups = false;
+    EXPECT_EQ(property("State"), "'Reminding'");
+    EXPECT_EQ(property("RemainingSeconds"), "int64 -70");
+    EXPECT_EQ(property("Muted"), "true");
+    EXPECT_EQ(property("Popups"), "false");
+}
+
+TEST_F(ControlTest, TheNameBelongsToOneTimer) {
+    EXPECT_FALSE(Control::claimName(script.get()));
+    control.reset();
+    g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
+    bool isClaimed = false;
+    EXPECT_TRUE(runLoopUntil([&] {
+        g_main_context_wakeup(nullptr);
+        return isClaimed = isClaimed || Control::claimName(script.get());
+    }));
+}
+
+TEST_F(ControlTest, ASecondTimerHasTheFirstShowItsMenu) {
+    std::promise<bool> isShown;
+    std::thread second{[&] {
+        ErrorSlot error;
+        isShown.set_value(Control::showMenuOfOwner(script.get(), error));
+        g_main_context_wakeup(nullptr);
+    }};
+    std::future<bool> answer = isShown.get_future();
+    EXPECT_TRUE(runLoopUntil([&] { return menus == 1; }));
+    runLoopUntil([&] { return answer.wait_for(std::chrono::seconds{0}) == std::future_status::ready; });
+    second.join();
+    EXPECT_TRUE(answer.get());
+}
+
+TEST_F(ControlTest, ATimerThatIsGoneShowsNoMenu) {
+    control.reset();
+    g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
+    ErrorSlot error;
+    EXPECT_FALSE(Control::showMenuOfOwner(script.get(), error));
+    EXPECT_THAT(error.message(), HasSubstr("org.marvelode.Timer"));
+}
+
+TEST_F(ControlTest, NothingIsAnsweredOnceItHasEnded) {
+    control.reset();
+    std::string error;
+    EXPECT_FALSE(run("Restart", &error));
+    EXPECT_THAT(picked, IsEmpty());
+}
+
+} // namespace
+} // namespace platform::freedesktop

@@ -1,0 +1,242 @@
+// The status item as a window, with a script in place of the program that shows it: the test says when the script
+// reads a request, what its user does and how it ends.
+
+#include "platform/linux/StatusWindow.hpp"
+
+#include "tests/linux/PrivateBuses.hpp"
+#include "tests/sound/TemporaryFolder.hpp"
+#include "tests/window/BareDesktop.hpp"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform::freedesktop {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+namespace fs = std::filesystem;
+
+/// Obeys the orders "next" (keeps one request as the next file), "end", and anything else, which it says.
+constexpr const char* script = R"script(#!/bin/sh
+cd "${0%/*}" || exit
+exec 3<&0 <orders
+echo $$ >>processes
+number=$(cat last 2>/dev/null || echo 0)
+while read -r order; do
+    case $order in
+    next)
+        dd bs=65536 count=1 <&3 >packet 2>/dev/null
+        number=$((number + 1))
+        echo $number >last
+        mv packet request-$number ;;
+    end) exit ;;
+    *) printf %s "$order" >&3 ;;
+    esac
+done
+)script";
+
+class StatusWindowTest : public testing::Test {
+protected:
+    StatusWindowTest() {
+        fs::permissions(folder.write("program", script), fs::perms::owner_all);
+        EXPECT_EQ(mkfifo((folder.path / "orders").c_str(), 0600), 0);
+        orders.open(folder.path / "orders", std::ios::in | std::ios::out);
+        const auto action = [](NSMenuItem&) {};
+        for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
+            menu->addItem(std::make_shared<NSMenuItem>(title, action, ""));
+        }
+        menu->addItem(NSMenuItem::separator());
+        menu->addItem(std::make_shared<NSMenuItem>("Nothing", nullptr, ""));
+        item("Mute").setState(NSMenuItem::StateValue::Off);
+        show("9m");
+    }
+    void TearDown() override {
+        window.reset();
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process or a zombie was left behind";
+        EXPECT_EQ(errno, ECHILD);
+    }
+
+    NSMenuItem& item(const char* title) { return *menu->itemWithTitle(title); }
+    void show(const char* text) { window->show({text, {}, {}, {}}, menu); }
+    void order(const std::string& what) { orders << what << std::endl; }
+
+    /// What the window is asked to show next.
+    PanelRequest nextRequest() {
+        order("next");
+        const fs::path file = folder.path / ("request-" + std::to_string(++requests));
+        EXPECT_TRUE(runLoopUntil([&] {
+            g_main_context_wakeup(nullptr);
+            return fs::exists(file);
+        })) << "no request";
+        std::ifstream stream{file};
+        const std::string message{std::istreambuf_iterator<char>{stream}, {}};
+        std::optional<Request> request = decodeRequest(message, [](const Event&) {});
+        EXPECT_TRUE(request && std::holds_alternative<PanelRequest>(*request)) << message;
+        return request ? std::get<PanelRequest>(*std::move(request))
+                       : PanelRequest{0, "", false, false, View{}, {}};
+    }
+
+    void press(std::uint32_t control) { order(encode(Event{Event::Kind::Pressed, 1, control, {}})); }
+
+    static void collectTexts(const View& view, std::vector<std::string>& texts) {
+        if (const auto* text = std::get_if<node::Text>(&view.node)) {
+            std::string& whole = texts.emplace_back();
+            for (const node::TextRun& run : text->runs) {
+                whole += run.string;
+            }
+        } else if (const auto* button = std::get_if<node::Button>(&view.node)) {
+            texts.push_back("[" + button->label + "]");
+        } else if (std::holds_alternative<node::Toggle>(view.node)) {
+            texts.emplace_back("(o )");
+        } else if (const auto* stack = std::get_if<node::Stack>(&view.node)) {
+            for (const View& child : stack->children) {
+                collectTexts(child, texts);
+            }
+        }
+    }
+    /// The texts and the controls of the window, from top to bottom.
+    static std::vector<std::string> textsOf(const PanelRequest& request) {
+        std::vector<std::string> texts;
+        collectTexts(request.content, texts);
+        return texts;
+    }
+    static std::string wordsOf(const PanelRequest& request) { return textsOf(request).at(1); }
+
+    std::size_t starts() const {
+        std::ifstream stream{folder.path / "processes"};
+        return static_cast<std::size_t>(std::count(std::istreambuf_iterator<char>{stream}, {}, '\n'));
+    }
+
+    TemporaryFolder folder;
+    std::fstream orders;
+    BareDesktop desktop{"none"};
+    std::shared_ptr<NSMenu> menu = std::make_shared<NSMenu>();
+    std::vector<std::string> picked;
+    std::vector<std::string> errors;
+    int requests = 0;
+    std::optional<StatusWindow> window{std::in_place, folder.path / "program",
+                                       [this](NSMenuItem& entry) { picked.push_back(entry.title); },
+                                       [this](std::string_view error) { errors.emplace_back(error); }};
+};
+
+TEST_F(StatusWindowTest, ShowsWordsAndMenu) {
+    window->open();
+    const PanelRequest request = nextRequest();
+    EXPECT_EQ(request.title, "Marvelode Timer");
+    EXPECT_TRUE(request.isMovableByBackground);
+    EXPECT_FALSE(request.comesUnasked);
+    EXPECT_THAT(textsOf(request), ElementsAre("Marvelode Timer", "Break in 9 minutes", "[About]", "[Restart timer]",
+                                              "Mute", "(o )", "[Quit]", "[Nothing]", "[Hide this window]"));
+    EXPECT_EQ(valuesOf(request.content).at(2), ControlValue{false});
+}
+
+TEST_F(StatusWindowTest, LeavesTheKeyboardAloneWhereNobodyAskedForIt) {
+    window->appear();
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, AppearsOnce) {
+    window->appear();
+    window->appear();
+    nextRequest();
+    show("8m");
+    EXPECT_EQ(wordsOf(nextRequest()), "Break in 8 minutes");
+    EXPECT_EQ(starts(), 1U);
+}
+
+TEST_F(StatusWindowTest, OpensInFrontEachTimeItIsAskedFor) {
+    window->appear();
+    nextRequest();
+    window->open();
+    EXPECT_FALSE(nextRequest().comesUnasked);
+    EXPECT_EQ(starts(), 2U);
+}
+
+TEST_F(StatusWindowTest, FollowsTextAndMenuAndIsSentOnlyWhatIsNew) {
+    window->open();
+    nextRequest();
+    show("9m");
+    show("+2m");
+    EXPECT_EQ(wordsOf(nextRequest()), "Break due for 2 minutes");
+    item("Mute").setState(NSMenuItem::StateValue::On);
+    show("+2m");
+    EXPECT_EQ(valuesOf(nextRequest().content).at(2), ControlValue{true});
+    menu->autoenablesItems = false;
+    item("Quit").isEnabled = false;
+    show("+2m");
+    show("+3m");
+    nextRequest();
+    EXPECT_EQ(wordsOf(nextRequest()), "Break due for 3 minutes");
+}
+
+TEST_F(StatusWindowTest, KeepsTheLastWordsWhileThereIsNoText) {
+    window->open();
+    nextRequest();
+    show("");
+    item("Mute").setState(NSMenuItem::StateValue::On);
+    show("");
+    EXPECT_EQ(wordsOf(nextRequest()), "Break in 9 minutes");
+}
+
+TEST_F(StatusWindowTest, PicksTheEntryThatWasPressed) {
+    window->open();
+    nextRequest();
+    press(1);
+    order(encode(Event{Event::Kind::Changed, 1, 2, ControlValue{true}}));
+    press(3);
+    ASSERT_TRUE(runLoopUntil([&] { return picked.size() == 3; }));
+    EXPECT_THAT(picked, ElementsAre("Restart timer", "Mute", "Quit"));
+    show("9m");
+    EXPECT_EQ(valuesOf(nextRequest().content).at(2), ControlValue{false}) << "the window shows a tick that is none";
+}
+
+TEST_F(StatusWindowTest, GoesWhenItIsHiddenOrClosed) {
+    window->open();
+    nextRequest();
+    press(5);
+    order("end");
+    ASSERT_TRUE(runLoopUntil([&] { return waitpid(-1, nullptr, WNOHANG) < 0; }));
+    window->open();
+    nextRequest();
+    order(encode(Event{Event::Kind::Closed, 1, 0, {}}));
+    order("end");
+    ASSERT_TRUE(runLoopUntil([&] { return waitpid(-1, nullptr, WNOHANG) < 0; }));
+    EXPECT_THAT(picked, IsEmpty());
+    EXPECT_THAT(errors, IsEmpty());
+}
+
+TEST_F(StatusWindowTest, CanAppearAgainAfterItsProgramDied) {
+    window->appear();
+    nextRequest();
+    order("end");
+    ASSERT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
+    EXPECT_THAT(errors, ElementsAre("the window program ended before its window was closed"));
+    runLoopUntil([] { return !g_main_context_pending(nullptr); });
+    window->appear();
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, CanAppearAfterItsProgramCouldNotBeStarted) {
+    const fs::path program = folder.path / "program";
+    fs::rename(program, folder.path / "away");
+    window->appear();
+    EXPECT_EQ(errors.size(), 1U);
+    fs::rename(folder.path / "away", program);
+    window->appear();
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+} // namespace
+} // namespace platform::freedesktop
