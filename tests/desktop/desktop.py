@@ -106,9 +106,9 @@ class Program:
 class Desktop:
     """Used in a `with` statement: it stands when the statement begins and is gone when it ends."""
 
-    def __init__(self, width=1280, height=800, dark=False, panel=True):
+    def __init__(self, width=1280, height=800, dark=False, panel=True, background=(0, 0, 0)):
         self.width, self.height = width, height
-        self._dark, self._wants_panel = dark, panel
+        self._dark, self._wants_panel, self._background = dark, panel, background
         self._programs = 0
 
     def __enter__(self):
@@ -154,6 +154,7 @@ class Desktop:
         self._start_accessibility()
         self.start("openbox", "--sm-disable")
         wait_until(lambda: self._xdotool("get_num_desktops", check=False).returncode == 0, "the window manager")
+        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % self._background], env=self.environment, check=True)
         if self._wants_panel:
             self.start_panel()
 
@@ -257,6 +258,14 @@ class Desktop:
             return None
         return wait_until(item, "the status item")
 
+    def centre_pixel(self):
+        """The bytes of the pixel in the middle of the screen, read without delay."""
+        with open(self._frame_buffer, "rb") as file:
+            header = file.read(80)
+            header_size, colours = (int.from_bytes(header[at:at + 4], "big") for at in (0, 76))
+            file.seek(header_size + colours * 12 + 4 * (self.height // 2 * self.width + self.width // 2))
+            return file.read(4)
+
     def picture_in_panel(self, picture):
         """Where in the panel's tray this picture of a status item is drawn; nothing if it is not (yet)."""
         left = self.width - TRAY_WIDTH
@@ -304,6 +313,10 @@ class Desktop:
 
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
+
+    def point_at(self, x, y):
+        """Moves the mouse there; it is not drawn."""
+        self._xdotool("mousemove", str(x), str(y))
 
     def press_key(self, *keys):
         self._xdotool("key", "--delay", "20", *keys)

@@ -1,0 +1,236 @@
+"""The panels of the usual desktops, and how each shows a status item. They are set up as on a fresh account, with a
+tray and not much else, and run on a desktop that has no panel yet."""
+
+import os
+import signal
+
+from gi.repository import GLib
+
+import processes
+from legibility import contrast, find, likeness
+from statusitem import WATCHER
+from waiting import wait_until
+
+NOBODY = 65534
+
+
+class Host:
+    """A panel. Used in a `with` statement: it shows items as long as the statement runs."""
+
+    name = ""
+    process = ""          # of the one that collects the items, as far as the kernel keeps its name
+    area = (0, 0, 1280, 30)
+    size = 22             # the height of the item's picture on the screen
+    menu_button = 1       # the button of the mouse that opens the item's menu
+    takes_keys = True     # whether its menus can be used with the keyboard
+    environment = {}
+
+    def __init__(self, desktop, dark=False):
+        self.desktop, self.dark = desktop, dark
+        self._programs = []
+
+    def __enter__(self):
+        self.configure()
+        self.start()
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def configure(self):
+        """Writes its settings."""
+
+    def commands(self):
+        """What has to run, in order."""
+        raise NotImplementedError
+
+    def start(self):
+        self._programs = [self.desktop.start(*command, **self.environment) for command in self.commands()]
+        self.await_watcher()
+
+    def await_watcher(self):
+        wait_until(lambda: self.desktop.bus.has_owner(WATCHER), f"{self.name} to collect items")
+        with open(f"/proc/{self.desktop.bus.process_of(WATCHER)}/comm") as file:
+            found = file.read().strip()
+        assert found == self.process, f"{self.name} collects items in a process called {found}"
+
+    def stop(self):
+        """Kills it, with all its helpers."""
+        for program in self._programs:
+            if program.is_running():
+                program.send(signal.SIGKILL)
+                program.status()
+        try:
+            os.kill(self.desktop.bus.process_of(WATCHER), signal.SIGKILL)
+        except (GLib.Error, ProcessLookupError):
+            pass  # it has gone with its panel
+        wait_until(lambda: not self.desktop.bus.has_owner(WATCHER), f"{self.name} to go")
+        processes.reap()
+
+    # What it shows
+
+    def screenshot(self):
+        """The part of the screen where it is."""
+        return self.desktop.screenshot().crop(*self.area)
+
+    def drawn(self, item):
+        """What is to be seen of the item now, as the program believes; nothing before it has something to show."""
+        picture = self.chosen(item.pictures())
+        if not picture:
+            return None
+        x, _, width, height = self.area
+        return picture.scaled(round(picture.width * self.size / picture.height), self.size)
+
+    def chosen(self, pictures):
+        """The one that it takes of the pictures on offer, which come by width and height."""
+        return next((picture for (_, height), picture in pictures.items() if height == self.size), None)
+
+    def text_in(self, picture):
+        """The part of the picture that holds the text."""
+        return 0, 0, picture.width, picture.height * 20 // 22  # a bar is below it
+
+    def ground(self, screen):
+        """The panel's colour."""
+        return screen.pixel(screen.width // 2, screen.height // 2)
+
+    def legible(self, item):
+        """Where on the screen the item's text stands and can be read, as x, y, width and height; else nothing."""
+        drawn = self.drawn(item)
+        return self.legible_picture(drawn) if drawn else None
+
+    def legible_picture(self, drawn):
+        """The same for a picture that the item had, as `drawn()` gives it."""
+        screen = self.screenshot()
+        x, y, found = find(screen, drawn.on(self.ground(screen)))
+        if found < 0.95:
+            return None
+        shown = screen.crop(x, y, drawn.width, drawn.height)
+        text = self.text_in(drawn)
+        drawn_text, shown_text = drawn.on(self.ground(screen)).crop(*text), shown.crop(*text)
+        if likeness(drawn_text, shown_text) < 0.97 or contrast(shown_text, drawn_text) < 4.5:
+            return None
+        return self.area[0] + x, self.area[1] + y, drawn.width, drawn.height
+
+
+class Xfce(Host):
+    name, process = "xfce", "panel-2-systray"
+
+    def start(self):
+        self.desktop.start_panel()
+        self._programs = [self.desktop.panel]
+        self.await_watcher()
+
+    def chosen(self, pictures):
+        return pictures[max(pictures)] if pictures else None
+
+
+class Lxqt(Host):
+    name, process, menu_button = "lxqt", "lxqt-panel", 3
+
+    def configure(self):
+        folder = self.desktop.config / "lxqt"
+        folder.mkdir(exist_ok=True)
+        (folder / "lxqt.conf").write_text(
+            f"[General]\ntheme={'dark' if self.dark else 'light'}\nicon_theme=Adwaita\n")
+        (folder / "panel.conf").write_text(
+            "panels=panel1\n[panel1]\nplugins=taskbar,statusnotifier\nposition=Top\npanelSize=28\niconSize=22\n"
+            "[taskbar]\ntype=taskbar\n[statusnotifier]\ntype=statusnotifier\nalignment=Right\n")
+
+    def commands(self):
+        return [["lxqt-panel"]]
+
+
+class WidePictures(Host):
+    """A panel that shows pictures as wide as they are."""
+
+    def text_in(self, picture):
+        left = picture.width * 2 // 5  # the icon is before it
+        return left, 0, picture.width - left, picture.height
+
+
+class Mate(WidePictures):
+    name, process, size = "mate", "notification-ar", 24
+    menu_button = 3
+    environment = {"XDG_CURRENT_DESKTOP": "MATE", "GSETTINGS_BACKEND": "keyfile"}
+
+    def configure(self):
+        folder = self.desktop.config / "glib-2.0/settings"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "keyfile").write_text(
+            "[org/mate/panel/general]\ntoplevel-id-list=['top']\nobject-id-list=['notification-area']\n\n"
+            "[org/mate/panel/toplevels/top]\nexpand=true\norientation='top'\nsize=24\n\n"
+            "[org/mate/panel/objects/notification-area]\nobject-type='applet'\n"
+            "applet-iid='NotificationAreaAppletFactory::NotificationArea'\ntoplevel-id='top'\nposition=0\n"
+            "panel-right-stick=true\n")
+
+    def commands(self):
+        return [["mate-panel"]]
+
+
+class Waybar(WidePictures):
+    """Waybar on sway, whose screen is a window on this desktop."""
+
+    name, process, size = "waybar", "waybar", 16
+    takes_keys = False
+    GROUND = bytes((0x33, 0x66, 0x99, 0xff))
+
+    def configure(self):
+        folder = self.desktop.config / "waybar"
+        folder.mkdir(exist_ok=True)
+        (folder / "config").write_text(
+            '{"layer": "top", "height": 28, "modules-left": ["clock"], "modules-right": ["tray"]}')
+        ground, text = ("#262626", "white") if self.dark else ("#f2f2f2", "black")
+        (folder / "style.css").write_text(
+            f"* {{ font-family: DejaVu Sans; font-size: 13px; }}\nwindow {{ background: {ground}; color: {text}; }}\n"
+            "#tray, #clock { padding: 0 8px; }\n")
+
+    def start(self):
+        folder = self.desktop.folder / "sway"
+        folder.mkdir(exist_ok=True)
+        settings = folder / "config"
+        settings.write_text("output * bg #336699 solid_color\ndefault_border none\n")
+        command = ["sway", "--config", str(settings)]
+        if os.geteuid() == 0:  # sway refuses to run as root
+            os.chown(folder, NOBODY, NOBODY)
+            os.chmod(self.desktop.folder, 0o711)
+            command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", *command]
+        folder.chmod(0o700)
+        compositor = self.desktop.start(*command, WLR_BACKENDS="x11", WLR_RENDERER="pixman", HOME=str(folder),
+                                        XDG_RUNTIME_DIR=str(folder), XDG_CONFIG_HOME=None, XDG_CACHE_HOME=None)
+        self._programs = [compositor]
+        display = wait_until(lambda: next((path for path in folder.glob("wayland-?") if path.is_socket()), None),
+                             "sway")
+        self.area = wait_until(self._screen, "the window of sway")
+        self._programs.append(self.desktop.start("waybar", WAYLAND_DISPLAY=str(display), GDK_BACKEND="wayland",
+                                                 XDG_SESSION_TYPE="wayland", XDG_CURRENT_DESKTOP="sway"))
+        self.await_watcher()
+
+    def _screen(self):
+        """Where the upper edge of sway's screen is, told by its colour."""
+        screen = self.desktop.screenshot()
+        begin = screen.pixels.find(self.GROUND * 100)
+        if begin < 0:
+            return None
+        x, y = begin // 4 % screen.width, begin // 4 // screen.width
+        width = next(at for at in range(100, screen.width) if screen.pixel(x + at, y) != tuple(self.GROUND))
+        return x, y, width, 30
+
+    def chosen(self, pictures):
+        return pictures[max(pictures)] if pictures else None
+
+
+class Ayatana(Host):
+    """Xfce's panel with the indicators that came from Ubuntu."""
+
+    name, process = "ayatana", "ayatana-indicat"
+    SERVICE = "/usr/libexec/ayatana-indicator-application/ayatana-indicator-application-service"
+
+    def configure(self):
+        settings = self.desktop.config / "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
+        settings.write_text(settings.read_text().replace('value="systray"', 'value="indicator"'))
+
+    def commands(self):
+        return [[self.SERVICE], ["xfce4-panel", "--disable-wm-check"]]
+
+
+HOSTS = [Xfce, Lxqt, Mate, Waybar, Ayatana]

@@ -1,0 +1,103 @@
+#!/usr/bin/python3
+"""The status item in the panels of the usual desktops: legible, used by mouse and keyboard, and still there when the
+panel was restarted or gave way to another.
+
+By hand: `MARVELODE_TIMER=build/dev/bin/marvelode-timer tests/desktop/hosts_test.py [CASE]`.
+"""
+
+import unittest
+
+from desktop import Desktop
+from hosts import Ayatana, Lxqt, Mate, Waybar, Xfce
+from timer import AFTER_FIRST_RUN, Timer
+from waiting import wait_until
+
+QUIET = AFTER_FIRST_RUN | {"Mute": "true", "PopupAlerts": "false"}
+
+
+def is_red(red, green, blue, _alpha):
+    return red > 180 and green < 60 and blue < 60
+
+
+def await_legible(host, item):
+    """Where the item's text of this moment stands and can be read, as x, y, width and height."""
+    return wait_until(lambda: host.legible(item), f"legible text on {host.name}")
+
+
+class Legible(unittest.TestCase):
+    def shows(self, kind, **environment):
+        for dark in (False, True):
+            with self.subTest(dark=dark), Desktop(panel=False, dark=dark) as desktop, \
+                    kind(desktop, dark, **environment) as host:
+                self.is_legible_until_due(desktop, host)
+
+    def is_legible_until_due(self, desktop, host):
+        timer = Timer(desktop, settings=QUIET | {"TimerInterval": "1500.0"})
+        item = timer.item()
+        timer.await_description("Break in 25 minutes")
+        x, y, width, height = await_legible(host, item)
+        before = host.drawn(item)
+        self.assertEqual(desktop.screenshot().crop(x, y, width, height).count(is_red), 0)
+
+        timer.store(QUIET | {"TimerInterval": "1.0"})
+        item.pick("Restart timer")
+        timer.await_description("Break due for")
+        x, y, width, height = await_legible(host, item)
+        self.assertGreater(desktop.screenshot().crop(x, y, width, height).count(is_red), 10)
+        self.assertIsNone(host.legible_picture(before), "the text of before still stands there")
+        timer.quit(self)
+
+    def test_on_xfce(self):
+        self.shows(Xfce)
+
+    def test_on_lxqt(self):
+        self.shows(Lxqt)
+
+    def test_on_mate(self):
+        self.shows(Mate)
+
+    def test_on_waybar(self):
+        self.shows(Waybar)
+
+
+class Menu(unittest.TestCase):
+    def open(self, desktop, host, item):
+        """Opens the menu by a click on the item and gives its left, top, right and bottom on the screen."""
+        x, y, width, height = await_legible(host, item)
+        below = host.area[1] + host.area[3]
+        before = desktop.screenshot().crop(0, below, desktop.width, desktop.height)
+        desktop.click(x + width // 2, y + height // 2, host.menu_button)
+
+        def menu():
+            changed = desktop.screenshot().crop(0, below, desktop.width, desktop.height).difference(before)
+            return changed and changed[3] - changed[1] > 100 and changed
+        left, top, right, bottom = wait_until(menu, f"the menu of {host.name}")
+        return left, below + top, right, below + bottom
+
+    def works(self, kind):
+        with Desktop(panel=False) as desktop, kind(desktop) as host:
+            timer = Timer(desktop, settings=AFTER_FIRST_RUN)
+            item = timer.item()
+            if host.takes_keys:
+                self.open(desktop, host, item)
+                desktop.press_key("Down", "Down", "Down", "Return")
+                timer.await_setting("Mute", "true")
+            _, _, right, bottom = self.open(desktop, host, item)
+            desktop.click(right - 100, bottom - 15)
+            timer.expect_end(self)
+
+    def test_on_xfce(self):
+        self.works(Xfce)
+
+    def test_on_lxqt(self):
+        self.works(Lxqt)
+
+    def test_on_mate(self):
+        self.works(Mate)
+
+    def test_on_waybar(self):
+        self.works(Waybar)
+
+
+if __name__ == "__main__":
+    unittest.main()
