@@ -173,22 +173,23 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
         gtk_widget_grab_focus(defaultButton);
     }
     gtk_widget_realize(GTK_WIDGET(_window));
-    centre();
-    if (!gtk_window_get_focus_on_map(_window)) {
-        gtk_widget_show(GTK_WIDGET(_window));
-        return;
-    }
+    const bool takesKeyboard = gtk_window_get_focus_on_map(_window) != FALSE;
     guint32 now = GDK_CURRENT_TIME;
 #ifdef GDK_WINDOWING_X11
     GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(_window));
     if (GDK_IS_X11_WINDOW(surface)) { // elsewhere windows do not place themselves
         centre();
-        // window managers give the keyboard to what happened last
-        now = gdk_x11_get_server_time(surface);
-        gdk_x11_window_set_user_time(surface, now);
+        if (takesKeyboard) { // window managers give it to what happened last
+            now = gdk_x11_get_server_time(surface);
+            gdk_x11_window_set_user_time(surface, now);
+        }
     }
 #endif
-    gtk_window_present_with_time(_window, now);
+    if (takesKeyboard) {
+        gtk_window_present_with_time(_window, now);
+    } else {
+        gtk_widget_show(GTK_WIDGET(_window));
+    }
 }
 
 void TopLevel::replace(GtkWidget* content) {
