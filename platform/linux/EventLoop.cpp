@@ -46,8 +46,7 @@ EventLoop::~EventLoop() {
 }
 
 void EventLoop::run() {
-    _isRunning = true;
-    while (_isRunning) {
+    while (!_isOver) {
         iterate();
     }
 }
@@ -73,23 +72,11 @@ std::optional<double> EventLoop::shareLeft() const {
     return std::clamp(left.count() / timer->interval(), 0.0, 1.0);
 }
 
-void EventLoop::post(std::function<void()> work) {
-    const auto run = [](gpointer data) -> gboolean {
-        (*static_cast<std::function<void()>*>(data))();
-        return G_SOURCE_REMOVE;
-    };
-    const auto release = [](gpointer data) {
-        std::unique_ptr<std::function<void()>>{static_cast<std::function<void()>*>(data)};
-    };
-    auto owned = std::make_unique<std::function<void()>>(std::move(work));
-    g_idle_add_full(G_PRIORITY_DEFAULT, run, owned.release(), release);
-}
-
 bool EventLoop::isReady() const { return millisecondsToWait() == 0; }
 
 /// Milliseconds until something is due, rounded up so that one wait is enough; -1 if nothing is.
 int EventLoop::millisecondsToWait() const {
-    if (_isUnsettled) {
+    if (_isUnsettled || !_posted.empty()) {
         return 0;
     }
     const std::optional<TimerQueue::Instant> due = _timers.nextDue(_mode());
@@ -104,6 +91,11 @@ void EventLoop::handle() {
     _timers.fireDue(monotonicNow(), _mode());
     if (std::exchange(_isUnsettled, false)) {
         _settle();
+    }
+    if (!_posted.empty()) {
+        const std::function<void()> work = std::move(_posted.front());
+        _posted.pop_front(); // first: the work may run an alert, and with it this loop
+        work();
     }
 }
 

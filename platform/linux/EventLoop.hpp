@@ -7,9 +7,11 @@
 
 #include <glib.h>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace platform::freedesktop {
 
@@ -21,14 +23,14 @@ public:
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
 
-    /// Runs until `quit()`.
+    /// Runs until `quit()`; returns at once if that came first.
     void run();
 
     /// Waits for the next event and handles what is due; may be called from inside an event.
     void iterate();
 
     /// Lets `run()` return once the event at hand is done.
-    void quit() { _isRunning = false; }
+    void quit() { _isOver = true; }
 
     void schedule(const std::shared_ptr<Timer>& timer);
     void cancel(const Timer& timer) { _timers.remove(timer); }
@@ -40,8 +42,8 @@ public:
     /// Has `settle` called once, after the event at hand, however often this is asked for.
     void settleSoon() { _isUnsettled = true; }
 
-    /// Runs `work` as an event of its own.
-    void post(std::function<void()> work);
+    /// Runs `work` as an event of its own, unless the loop is gone by then.
+    void post(std::function<void()> work) { _posted.push_back(std::move(work)); }
 
 private:
     struct Source;
@@ -55,8 +57,9 @@ private:
     TimerQueue _timers{RepeatingTimersDuringModal::Fire}; // the text goes on counting behind an open window
     std::weak_ptr<Timer> _latestOneShot;
     TimerQueue::Instant _latestOneShotDue{};
+    std::deque<std::function<void()>> _posted;
     bool _isUnsettled = false;
-    bool _isRunning = false;
+    bool _isOver = false;
     GSource* _source;
 };
 

@@ -58,11 +58,11 @@ SessionDesktop::~SessionDesktop() {
 }
 
 int SessionDesktop::run(int, const char* const*) {
-    application.delegate->applicationDidFinishLaunching();
-    _loop.post([this] {
+    _loop.post([this] { // once the status item is on its way
         _wakeWatcher.emplace(
             [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); });
     });
+    application.delegate->applicationDidFinishLaunching();
     _loop.run();
     g_dbus_connection_flush_sync(_sessionBus.get(), nullptr, nullptr); // whoever asked for the end gets an answer
     return 0;
@@ -183,7 +183,7 @@ void SessionDesktop::settle() {
     } else {
         _statusNotifierItem.emplace(
             _sessionBus.get(), _resources, statusContent(),
-            [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); },
+            [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { showMenuWindow(); },
             [this](std::string_view problem) { logError(problem); });
     }
 }

@@ -1,0 +1,30 @@
+#pragma once
+
+// A session bus and a stand-in for the system bus that belong to the test process alone, and GLib's way of answering
+// and waiting on them.
+
+#include "platform/linux/Handles.hpp"
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+/// A new connection to the private session bus. Made anew each time, so that the ends of a conversation differ.
+platform::freedesktop::ObjectHandle<GDBusConnection> connectToSession();
+
+/// A new connection to the bus that the process takes for the system bus.
+platform::freedesktop::ObjectHandle<GDBusConnection> connectToSystem();
+
+/// Takes that name on the bus for the connection's lifetime.
+void takeName(GDBusConnection* bus, const char* name);
+
+/// Runs the main loop until `isDone` or for a few seconds; whether it is done.
+bool runLoopUntil(const std::function<bool()>& isDone);
+
+/// Runs the main loop for that long.
+void runLoopFor(std::chrono::milliseconds span);
+
+/// Calls a method whose answer may come from this very process; nothing if it fails, with the reason in `error`.
+platform::freedesktop::VariantHandle call(GDBusConnection* from, const std::string& to, const char* path,
+                                          const char* interface, const char* method, GVariant* arguments,
+                                          std::string* error = nullptr);
