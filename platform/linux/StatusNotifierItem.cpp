@@ -21,6 +21,8 @@ constexpr const char* description = R"xml(<node><interface name="org.kde.StatusN
   <property name="Menu" type="o" access="read"/>
   <property name="XAyatanaLabel" type="s" access="read"/>
   <property name="XAyatanaLabelGuide" type="s" access="read"/>
+  <method name="Activate"><arg type="i" direction="in"/><arg type="i" direction="in"/></method>
+  <method name="ContextMenu"><arg type="i" direction="in"/><arg type="i" direction="in"/></method>
   <signal name="NewIcon"/>
   <signal name="NewToolTip"/>
   <signal name="XAyatanaNewLabel"><arg type="s"/><arg type="s"/></signal>
@@ -43,12 +45,16 @@ GVariant* bytesOf(const Picture& picture) {
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
-                                       std::function<void(bool)> trayChanged,
+                                       std::function<void(bool)> trayChanged, std::function<void()> activated,
                                        std::function<void(std::string_view)> logError)
     : _resources{resources}
     , _content{std::move(content)}
     , _words{inWords(_content.text)}
-    , _interface{bus, "/StatusNotifierItem", description, nullptr,
+    , _interface{bus, "/StatusNotifierItem", description,
+                 [activated = std::move(activated)](std::string_view, GVariant*) {
+                     activated();
+                     return owned(g_variant_new("()"));
+                 },
                  [this](std::string_view name) { return property(name); }}
     , _tray{bus,
             [this, trayChanged](std::string_view processName) {

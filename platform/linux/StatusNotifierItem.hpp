@@ -20,9 +20,10 @@ public:
     static constexpr const char* menuPath = "/MenuBar";
 
     /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
-    /// `trayChanged` learns whether there is a panel, at first and whenever that changes.
+    /// `trayChanged` learns whether there is a panel, at first and whenever that changes. `activated` is called
+    /// when the user clicks the item in a panel that then shows no menu.
     StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
-                       std::function<void(bool isPresent)> trayChanged,
+                       std::function<void(bool isPresent)> trayChanged, std::function<void()> activated,
                        std::function<void(std::string_view)> logError);
 
     /// Shows `content` from now on.
