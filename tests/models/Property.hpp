@@ -3,6 +3,8 @@
 // Properties that hold for thousands of random sequences. The seed of a failure is printed; RC_PARAMS in the
 // environment repeats it.
 
+#include "tests/models/Sanitizers.hpp"
+
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
@@ -12,7 +14,7 @@
 namespace models {
 
 /// How many random sequences each property is tried on.
-constexpr int sequences = 4000;
+constexpr int sequences = isSanitized ? 500 : 4000;
 
 /// Fails the test if `property` does not hold for every sequence.
 template <typename Property>

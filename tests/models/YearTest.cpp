@@ -1,5 +1,6 @@
 // A year in the life of the program, which must leave no trace in its memory.
 
+#include "tests/models/Sanitizers.hpp"
 #include "tests/stories/Desktop.hpp"
 
 #include <gtest/gtest.h>
@@ -39,18 +40,7 @@ void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 namespace story {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int days = 30; // watched closely, a month takes as long as a year
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr int days = 30;
-#else
-constexpr int days = 365;
-#endif
-#else
-constexpr int days = 365;
-#endif
-
+constexpr int days = models::isSanitized ? 30 : 365;
 constexpr int intervalsADay = 144;
 
 /// One work interval with whatever the user does that time. Gives the reminders seen.

@@ -1,0 +1,19 @@
+#pragma once
+
+// Whether the tests run under a sanitizer, where everything takes many times as long.
+
+namespace models {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+#else
+constexpr bool isSanitized = false;
+#endif
+
+} // namespace models
