@@ -4,6 +4,7 @@
 #include "tests/components/Bench.hpp"
 #include "tests/stories/Desktop.hpp"
 
+#include <optional>
 #include <type_traits>
 
 namespace {
@@ -58,8 +59,7 @@ TEST(TheApplicationObject, IsBuiltWithoutTimersOrAnythingToSee) {
     ASSERT_TRUE(constructed.status);
     EXPECT_EQ(constructed.status->state(), App::State::Init);
     desktop.wait(10ms);
-    EXPECT_LT(constructed.status->remainingTime(), 0);
-    EXPECT_GT(constructed.status->remainingTime(), -1);
+    EXPECT_NEAR(constructed.status->remainingTime(), -0.01, 1e-6); // the deadline is the moment of construction
     EXPECT_TRUE(desktop.defaults.empty());
 }
 
@@ -87,13 +87,48 @@ TEST(TheApplicationObject, HasPublishedOneChangeAndStartedOneIntervalAfterLaunch
     EXPECT_EQ(app->countdown(), 600);
 }
 
-TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
-    Desktop desktop;
+/// Notes what stands beside the icon when an event has reached those who subscribed before the launch, which the
+/// status item did and the application object did not.
+class ListeningDesktop : public Desktop {
+public:
+    std::string titleBeforeTheApplicationReacts;
+
+protected:
+    int run(int argc, const char* const* argv) override {
+        const auto note = [this](const auto&) { titleBeforeTheApplicationReacts = title(); };
+        app->events->subscribe(Events::UIActionSubscriber{note});
+        app->events->subscribe(Events::CfgChangeSubscriber{note});
+        return Desktop::run(argc, argv);
+    }
+};
+
+TEST(TheApplicationObject, ReactsToEventsAfterTheStatusItem) {
+    ListeningDesktop desktop;
+    desktop.hadAFirstRun();
     desktop.launch();
-    desktop.pick("Quit");
-    // A notification that reached the object now would be a use of freed memory.
-    desktop.workspaceNotifications.post(platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification);
-    EXPECT_EQ(app, nullptr);
+    desktop.stall(5min);
+    desktop.pick("Restart timer");
+    EXPECT_EQ(desktop.titleBeforeTheApplicationReacts, "6m");
+    EXPECT_EQ(desktop.title(), "11m");
+    desktop.stall(3min);
+    desktop.perform([] { app->cfg->setTimerInterval(1200); });
+    EXPECT_EQ(desktop.titleBeforeTheApplicationReacts, "8m");
+    EXPECT_EQ(desktop.title(), "21m");
+}
+
+TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
+    constexpr auto wake = platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification;
+    Desktop desktop;
+    std::optional<App> object{std::in_place, true};
+    object->applicationDidFinishLaunching();
+    int restarts = 0;
+    const std::shared_ptr<Events> events = object->events;
+    events->subscribe([&](AppState, AppState) { ++restarts; });
+    desktop.workspaceNotifications.post(wake);
+    EXPECT_EQ(restarts, 1);
+    object.reset();
+    desktop.workspaceNotifications.post(wake);
+    EXPECT_EQ(restarts, 1);
 }
 
 TEST(TheApplicationPicture, IsTheColouredOne) {

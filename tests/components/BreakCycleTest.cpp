@@ -3,6 +3,8 @@
 #include "tests/components/Bench.hpp"
 #include "tests/stories/Desktop.hpp"
 
+#include <functional>
+
 namespace {
 
 using namespace marvelode;
@@ -94,13 +96,20 @@ TEST_F(BreakCycle, PublishesARestartWhileTimingAndMovesTheDeadline) {
     expectFreshInterval();
 }
 
-TEST_F(BreakCycle, RestartsFromEveryStateByAction) {
+TEST_F(BreakCycle, LeavesAReminderByActionByAChangeOfTheIntervalAndByAWake) {
+    const std::vector<std::function<void()>> deeds{
+        [this] { desktop.pick("Restart timer"); },
+        [this] { desktop.perform([] { app->cfg->setTimerInterval(1200); }); },
+        [this] { desktop.sleepAndWake(2h); }};
     launch(false, false);
-    desktop.wait(10min);
-    desktop.published();
-    desktop.pick("Restart timer");
-    EXPECT_EQ(desktop.published(), (Lines{"Restart", "Reminding to Timing"}));
-    expectFreshInterval();
+    for (const auto& deed : deeds) {
+        desktop.wait(20min);
+        EXPECT_EQ(desktop.state(), App::State::Reminding);
+        desktop.published();
+        deed();
+        EXPECT_EQ(desktop.published().back(), "Reminding to Timing");
+        expectFreshInterval();
+    }
 }
 
 TEST_F(BreakCycle, RestartsByAChangeOfTheInterval) {
@@ -163,6 +172,32 @@ TEST_F(BreakCycle, SnoozesForAMinuteOnAnyOtherAnswerAndKeepsTheDeadline) {
     desktop.wait(30s);
     EXPECT_TRUE(desktop.alertIsUp());
     EXPECT_EQ(desktop.published(), Lines{});
+}
+
+/// A desktop on which every alert has this answer at once.
+class AnsweringDesktop : public Desktop {
+public:
+    explicit AnsweringDesktop(int answer)
+        : _answer{answer} {}
+
+private:
+    int runAlert(platform::NSAlert&) override { return _answer; }
+
+    int _answer;
+};
+
+TEST(AnAnswer, SnoozesUnlessItIsTheFirstButton) {
+    for (const int answer : {platform::NSAlert::Stopped, -1001, 0, 999, 1001, 1002}) {
+        AnsweringDesktop desktop{answer};
+        desktop.hadAFirstRun();
+        desktop.launch();
+        desktop.wait(10min);
+        EXPECT_EQ(desktop.published(), (Lines{"Init to Timing", "Timing to Reminding"})) << answer;
+        EXPECT_EQ(std::any_cast<App::TimerType>(app->systemTimer->userInfo()), App::TimerType::Reminder);
+        EXPECT_EQ(app->systemTimer->interval(), 60);
+        EXPECT_EQ(app->countdown(), 0);
+        EXPECT_EQ(desktop.heard(), Lines{"beep"});
+    }
 }
 
 TEST_F(BreakCycle, GoesStraightOnWhenMutedWithoutPopupsAndWithAutomaticRestart) {
@@ -254,6 +289,15 @@ TEST_F(BreakCycle, SnoozesAgainAfterASecondReminderTurnedPopupsOff) {
     expectSnooze(60);
     desktop.wait(1min);
     expectFreshInterval();
+}
+
+TEST_F(BreakCycle, LeavesPopupsOnWithoutABoxToTick) {
+    launch(true, true);
+    desktop.perform([] { app->popup->alert.setShowsSuppressionButton(false); });
+    desktop.wait(10min);
+    desktop.click("Snooze");
+    EXPECT_EQ(desktop.published(), Lines{"Timing to Reminding"});
+    expectSnooze(60);
 }
 
 TEST_F(BreakCycle, KeepsPopupsOnDuringAFirstRunWhateverIsTicked) {

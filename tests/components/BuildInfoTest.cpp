@@ -102,6 +102,7 @@ TEST_F(TheBuildInfo, ReadsTheResourceThatItIsAskedFor) {
 
 TEST_F(TheBuildInfo, TellsNobodyWhatWentWrong) {
     readFrom("Nonsense=1\n");
+    readFrom("Build=1427\n");
     EXPECT_EQ(desktop.logged().size(), 0U);
     EXPECT_EQ(desktop.printed().size(), 0U);
 }

@@ -103,6 +103,15 @@ TEST_F(TheSoundPlayer, LogsAFileThatIsNoSoundAndBeepsInstead) {
     EXPECT_EQ(desktop.heard(), Lines{"beep"});
 }
 
+TEST_F(TheSoundPlayer, LoadsTheSoundsInTheirOrder) {
+    for (const char* name : {"Whistle.m4a", "Sonar.m4a", "Bowl.m4a"}) {
+        desktop.resources[name] = TextFile{"no sound"};
+    }
+    const UXAudio audio{makeCfg()};
+    const std::string message = "Failed to initialize custom audio: Could not find sound file for ";
+    EXPECT_EQ(errors(), (Lines{message + "Sonar", message + "Bowl", message + "Whistle"}));
+}
+
 TEST_F(TheSoundPlayer, BeepsForEverythingWhenAllFilesAreMissing) {
     for (const char* name : {"Sonar.m4a", "Bowl.m4a", "Whistle.m4a"}) {
         desktop.resources.erase(name);

@@ -167,11 +167,22 @@ TEST_F(TheStatusMenu, OpensItsWindowsInTheDarkStyleAndInTheMiddle) {
     }
 }
 
-TEST_F(TheStatusMenu, ADisappearedMuteEntryIsFatal) {
+using StatusMenuDeathTest = TheStatusMenu;
+
+TEST_F(StatusMenuDeathTest, AMissingMenuIsFatal) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_FATAL({
         show();
         menu->main = nullptr;
+        events->publish({Event::appStateChange{AppState::Timing, AppState::Timing}});
+    });
+}
+
+TEST_F(StatusMenuDeathTest, AMissingMuteEntryIsFatal) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_FATAL({
+        show();
+        menu->main = std::make_shared<platform::NSMenu>();
         events->publish({Event::appStateChange{AppState::Timing, AppState::Timing}});
     });
 }
