@@ -3,15 +3,19 @@ tray and not much else, and run on a desktop that has no panel yet."""
 
 import os
 import signal
+from pathlib import Path
 
 from gi.repository import GLib
 
 import processes
 from legibility import contrast, find, likeness
+from picture import Picture
 from statusitem import WATCHER
 from waiting import wait_until
 
 NOBODY = 65534
+RESOURCES = Path(__file__).resolve().parents[2] / "resources"
+WRITE_LABEL = str(Path(__file__).resolve().with_name("write-label"))
 
 
 class Host:
@@ -115,10 +119,8 @@ class Host:
 class Xfce(Host):
     name, process = "xfce", "panel-2-systray"
 
-    def start(self):
-        self.desktop.start_panel()
-        self._programs = [self.desktop.panel]
-        self.await_watcher()
+    def commands(self):
+        return [["xfce4-panel", "--disable-wm-check"]]
 
     def chosen(self, pictures):
         return pictures[max(pictures)] if pictures else None
@@ -226,11 +228,31 @@ class Ayatana(Host):
     SERVICE = "/usr/libexec/ayatana-indicator-application/ayatana-indicator-application-service"
 
     def configure(self):
+        self._labels = {}
         settings = self.desktop.config / "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
         settings.write_text(settings.read_text().replace('value="systray"', 'value="indicator"'))
 
     def commands(self):
         return [[self.SERVICE], ["xfce4-panel", "--disable-wm-check"]]
+
+    def legible_label(self, text):
+        """Where on the screen the text stands as this desktop's programs write it, if it can be read there."""
+        if text not in self._labels:
+            path = self.desktop.folder / f"label-{len(self._labels)}.png"
+            writer = self.desktop.start(WRITE_LABEL, text, str(path), "dark" if self.dark else "light")
+            assert writer.status() == 0, writer.output()
+            self._labels[text] = Picture.of_file(path)
+        drawn, screen = self._labels[text], self.screenshot()
+        x, y, found = find(screen, drawn)
+        if found < 0.95 or contrast(screen.crop(x, y, drawn.width, drawn.height), drawn) < 4.5:
+            return None
+        return x, y, drawn.width, drawn.height
+
+    def shows_icon(self, name):
+        """Whether the small picture of that resource is on the screen."""
+        screen = self.screenshot()
+        icon = Picture.of_file(RESOURCES / f"status/{name}-22.png")
+        return find(screen, icon.on(self.ground(screen)))[2] > 0.95
 
 
 HOSTS = [Xfce, Lxqt, Mate, Waybar, Ayatana]

@@ -98,6 +98,106 @@ class Menu(unittest.TestCase):
     def test_on_waybar(self):
         self.works(Waybar)
 
+    def test_a_click_that_opens_no_menu_opens_the_window(self):
+        with Desktop(panel=False) as desktop, Lxqt(desktop) as host:
+            timer = Timer(desktop)
+            x, y, width, height = await_legible(host, timer.item())
+            desktop.click(x + width // 2, y + height // 2)
+            self.assertIn("Restart timer", timer.window().texts())
+            timer.quit(self)
+
+
+class Label(unittest.TestCase):
+    """Where the panel writes the text itself."""
+
+    def test_on_ayatana(self):
+        for dark in (False, True):
+            with self.subTest(dark=dark), Desktop(panel=False, dark=dark) as desktop, \
+                    Ayatana(desktop, dark) as host:
+                timer = Timer(desktop, settings=QUIET | {"TimerInterval": "1500.0"})
+                item = timer.item()
+                wait_until(lambda: host.legible_label("25m"), "the label beside the icon")
+                self.assertIsNone(host.legible_label("24m"))
+                timer.store(QUIET | {"TimerInterval": "1.0"})
+                item.pick("Restart timer")
+                timer.await_description("Break due for")
+                wait_until(lambda: host.shows_icon("MarvelodeGrey"), "the grey icon")
+                wait_until(lambda: host.legible_label(item.properties["XAyatanaLabel"]), "the label when due")
+                timer.quit(self)
+
+
+class Changes(unittest.TestCase):
+    def test_every_panel_draws_it_anew_after_a_restart(self):
+        for kind in (Xfce, Lxqt, Mate):
+            with self.subTest(kind.name), Desktop(panel=False) as desktop, kind(desktop) as host:
+                timer = Timer(desktop)
+                await_legible(host, timer.item())
+                host.stop()
+                host.start()
+                await_legible(host, timer.item())
+                timer.quit(self)
+
+    def follows(self, *kinds):
+        with Desktop(panel=False) as desktop:
+            timer = Timer(desktop)
+            for kind in kinds:
+                with kind(desktop) as host:
+                    item = timer.item()
+                    if kind is Ayatana:
+                        wait_until(lambda: host.legible_label(item.properties["XAyatanaLabel"]), "the label")
+                    else:
+                        await_legible(host, item)
+                    self.assertEqual("XAyatanaLabel" in item.properties, kind is Ayatana)
+                    if kind is kinds[-1]:
+                        timer.quit(self)
+
+    def test_from_xfce_to_mate_to_lxqt(self):
+        self.follows(Xfce, Mate, Lxqt)
+
+    def test_from_ayatana_to_waybar(self):
+        self.follows(Ayatana, Waybar)
+
+
+class DoubleDensity(unittest.TestCase):
+    def shows(self, kind, size):
+        with Desktop(panel=False) as desktop:
+            host = kind(desktop)
+            host.environment = {**host.environment, "GDK_SCALE": "2"}
+            host.size, host.area = size, (0, 0, desktop.width, 2 * 30)
+            with host:
+                timer = Timer(desktop)
+                await_legible(host, timer.item())
+                timer.quit(self)
+
+    def test_on_xfce(self):
+        self.shows(Xfce, 44)
+
+    def test_on_mate(self):
+        self.shows(Mate, 48)
+
+
+class Words(unittest.TestCase):
+    """What tooltips and screen readers say."""
+
+    def test_the_time_left_and_the_time_since(self):
+        with Desktop() as desktop:
+            timer = Timer(desktop, settings=QUIET | {"TimerInterval": "7200.0"})
+            item = timer.item()
+
+            def say(words):
+                timer.await_description(words)
+                self.assertEqual(item.properties["ToolTip"][2:], ("Marvelode Timer", words))
+            say("Break in more than 1 hour")
+            for interval, words in (("3540.0", "Break in 59 minutes"), ("50.0", "Break in 1 minute")):
+                timer.store(QUIET | {"TimerInterval": interval})
+                item.pick("Restart timer")
+                say(words)
+            timer.store(QUIET | {"TimerInterval": "1.0"})
+            item.pick("Restart timer")
+            say("Break due for 1 second")
+            say("Break due for 2 seconds")
+            timer.quit(self)
+
 
 if __name__ == "__main__":
     unittest.main()
