@@ -106,7 +106,7 @@ void SettingsFile::read() {
     const TextHandle content{bytes};
     if (!isRead && !error.matches(G_FILE_ERROR, G_FILE_ERROR_NOENT)) {
         _mayWrite = false;
-        report("Cannot read the settings: " + std::string{error.message()});
+        report("Cannot read the settings", error.message());
         return;
     }
     KeyFileHandle file{g_key_file_new()};
@@ -131,7 +131,7 @@ void SettingsFile::keepAside(const std::filesystem::path& file, const std::strin
         ++number;
     } while (g_file_test(aside.c_str(), G_FILE_TEST_EXISTS));
     _mayWrite = g_rename(file.c_str(), aside.c_str()) == 0;
-    report("The settings are damaged (" + reason + ")" + (_mayWrite ? "; kept as " + aside.string() : ""));
+    report("The settings are damaged", reason + (_mayWrite ? "; kept as " + aside.string() : ""));
     _seen = fingerprint();
     if (g_key_file_has_group(_file.get(), group)) {
         write();
@@ -146,7 +146,7 @@ void SettingsFile::write() {
     const std::filesystem::path target = followed(_path);
     struct stat status {};
     if (stat(target.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0) {
-        report("Cannot write the settings: " + target.string() + " is read-only");
+        report("Cannot write the settings", target.string() + " is read-only");
         return;
     }
     for (const auto& [key, value] : _unwritten) {
@@ -158,7 +158,7 @@ void SettingsFile::write() {
     ErrorSlot error;
     if (!g_file_set_contents_full(target.c_str(), content.get(), static_cast<gssize>(length),
                                   G_FILE_SET_CONTENTS_CONSISTENT, ownerOnlyFile, &error)) {
-        report("Cannot write the settings: " + std::string{error.message()});
+        report("Cannot write the settings", error.message());
         return;
     }
     _unwritten.clear();
@@ -179,10 +179,11 @@ SettingsFile::Fingerprint SettingsFile::fingerprint() const {
     return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-void SettingsFile::report(const std::string& problem) {
+/// Tells of a problem, unless it is the one at hand: its reason may read differently at each attempt.
+void SettingsFile::report(const std::string& problem, const std::string& reason) {
     if (_reported != problem) {
         _reported = problem;
-        _logError(problem);
+        _logError(problem + ": " + reason);
     }
 }
 

@@ -54,7 +54,7 @@ private:
     void write();
     std::optional<DefaultsValue> storedValue(const std::string& key) const;
     Fingerprint fingerprint() const;
-    void report(const std::string& problem);
+    void report(const std::string& problem, const std::string& reason);
 
     std::filesystem::path _path;
     std::function<void(std::string_view)> _logError;

@@ -1,5 +1,5 @@
-// The contract's hands on the Linux desktop: private buses in place of the session's, and a scripted user behind the
-// program that shows windows, so that neither a display nor a panel is needed.
+// The contract's hands on the Linux desktop: private buses in place of the session's, and a scripted user behind
+// the program that shows windows, so that neither a display nor a panel is needed.
 
 #include "platform/linux/SessionDesktop.hpp"
 #include "platform/linux/window/Protocol.hpp"
@@ -7,7 +7,11 @@
 #include "tests/linux/PrivateBuses.hpp"
 #include "tests/sound/TemporaryFolder.hpp"
 
+#include <glib-unix.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -18,11 +22,6 @@
 #include <thread>
 #include <utility>
 #include <variant>
-
-#include <glib-unix.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace contract {
 namespace {
@@ -189,8 +188,9 @@ public:
     int run(const std::vector<std::string>& arguments, std::function<void()> program) override {
         const auto bus = connectToSession();
         _program = g_dbus_connection_get_unique_name(bus.get());
-        SessionDesktop desktop{
-            bus.get(), {_folder.path / "resources", _folder.path / "helpers", _folder.path / "settings"}, arguments};
+        SessionDesktop desktop{bus.get(),
+                               {_folder.path / "resources", _folder.path / "helpers", _folder.path / "settings"},
+                               arguments};
         desktop.application.delegate = std::make_shared<Launcher>(std::move(program));
         after(std::chrono::seconds{5}, [&] {
             ADD_FAILURE() << "the program did not end";
@@ -270,8 +270,8 @@ private:
     std::optional<MenuEntry> menuEntry(std::string_view title) {
         const VariantHandle layout = call(_panel.get(), _program, menuPath, menuInterface, "GetLayout",
                                           g_variant_new("(iias)", 0, -1, nullptr));
-        const VariantHandle children{g_variant_get_child_value(
-            VariantHandle{g_variant_get_child_value(layout.get(), 1)}.get(), 2)};
+        const VariantHandle children{
+            g_variant_get_child_value(VariantHandle{g_variant_get_child_value(layout.get(), 1)}.get(), 2)};
         for (std::size_t index = 0; index < g_variant_n_children(children.get()); ++index) {
             GVariant* unpacked = nullptr;
             g_variant_get_child(children.get(), index, "v", &unpacked);
@@ -282,8 +282,9 @@ private:
             g_variant_lookup(properties.get(), "label", "&s", &label);
             g_variant_lookup(properties.get(), "enabled", "b", &isEnabled);
             if (title == label) {
-                return MenuEntry{g_variant_get_int32(VariantHandle{g_variant_get_child_value(entry.get(), 0)}.get()),
-                                 isEnabled != FALSE};
+                return MenuEntry{
+                    g_variant_get_int32(VariantHandle{g_variant_get_child_value(entry.get(), 0)}.get()),
+                    isEnabled != FALSE};
             }
         }
         return std::nullopt;

@@ -1,15 +1,14 @@
 #include "tests/linux/PrivateBuses.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <csignal>
 #include <cstdlib>
 #include <utility>
-
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using platform::freedesktop::ErrorSlot;
 using platform::freedesktop::ObjectHandle;
@@ -21,8 +20,8 @@ namespace {
 class Daemon {
 public:
     explicit Daemon(const char* variable) {
-        std::array<const char*, 6> command{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-                                           nullptr};
+        std::array<const char*, 6> command{"dbus-daemon", "--session",         "--nofork",
+                                           "--nopidfile", "--print-address=1", nullptr};
         const auto endWithTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGKILL); };
         int output = -1;
         ErrorSlot error;
@@ -110,9 +109,10 @@ void takeName(GDBusConnection* bus, const char* name) {
     constexpr unsigned doNotQueue = 4;
     constexpr unsigned isOwner = 1;
     ErrorSlot error;
-    const VariantHandle answer{g_dbus_connection_call_sync(
-        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", name, doNotQueue), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error)};
+    const VariantHandle answer{
+        g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                    "RequestName", g_variant_new("(su)", name, doNotQueue), G_VARIANT_TYPE("(u)"),
+                                    G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error)};
     ASSERT_TRUE(answer) << error.message();
     unsigned result = 0;
     g_variant_get(answer.get(), "(u)", &result);

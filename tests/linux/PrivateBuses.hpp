@@ -1,7 +1,7 @@
 #pragma once
 
-// A session bus and a stand-in for the system bus that belong to the test process alone, and GLib's way of answering
-// and waiting on them.
+// A session bus and a stand-in for the system bus that belong to the test process alone, and GLib's way of
+// answering and waiting on them.
 
 #include "platform/linux/Handles.hpp"
 

@@ -1,16 +1,16 @@
-// Stands in for the program that shows windows, so that no display is needed: hands every request on to the test that
-// plays the user, and every event of that user back.
+// Stands in for the program that shows windows, so that no display is needed: hands every request on to the test
+// that plays the user, and every event of that user back.
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
-
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 

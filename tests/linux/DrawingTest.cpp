@@ -1,0 +1,227 @@
+// The pictures that panels are sent: read from the program's files, or drawn.
+
+#include "platform/linux/Handles.hpp"
+#include "platform/linux/Png.hpp"
+#include "platform/linux/Resources.hpp"
+#include "platform/linux/StatusContent.hpp"
+#include "platform/linux/TextPicture.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace platform::freedesktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::vector<int> sizes{16, 22, 24, 32, 44, 48};
+
+std::uint32_t part(std::uint32_t pixel, unsigned shift) { return pixel >> shift & 0xFFU; }
+
+bool isRed(std::uint32_t pixel) {
+    return part(pixel, 24) > 200 && part(pixel, 16) > 200 && part(pixel, 8) < 60 && part(pixel, 0) < 60;
+}
+
+bool isWhite(std::uint32_t pixel) {
+    return part(pixel, 24) > 200 && part(pixel, 16) > 200 && part(pixel, 8) > 200 && part(pixel, 0) > 200;
+}
+
+std::string bigEndian(std::uint32_t number) {
+    std::string bytes;
+    for (const unsigned shift : {24U, 16U, 8U, 0U}) {
+        bytes += static_cast<char>(number >> shift);
+    }
+    return bytes;
+}
+
+std::string chunk(const std::string& name, const std::string& content) {
+    return bigEndian(static_cast<std::uint32_t>(content.size())) + name + content + "sum.";
+}
+
+std::string compressed(const std::string& bytes) {
+    const ObjectHandle<GZlibCompressor> compressor{g_zlib_compressor_new(G_ZLIB_COMPRESSOR_FORMAT_ZLIB, 9)};
+    std::string result(bytes.size() + 100, '\0');
+    std::size_t taken = 0;
+    std::size_t given = 0;
+    g_converter_convert(G_CONVERTER(compressor.get()), bytes.data(), bytes.size(), result.data(), result.size(),
+                        G_CONVERTER_INPUT_AT_END, &taken, &given, nullptr);
+    return result.substr(0, given);
+}
+
+/// A square PNG, each byte of it reduced by what the filter of that number predicts from its neighbours.
+std::string encoded(const std::vector<std::uint32_t>& pixels, int side, int filter) {
+    const auto byte = [&](int row, int index) {
+        if (row < 0 || index < 0) {
+            return 0;
+        }
+        const std::uint32_t pixel = pixels[static_cast<std::size_t>(row * side + index / 4)];
+        const unsigned shift = std::array{16U, 8U, 0U, 24U}[static_cast<std::size_t>(index % 4)];
+        return static_cast<int>(part(pixel, shift));
+    };
+    std::string rows;
+    for (int row = 0; row < side; ++row) {
+        rows += static_cast<char>(filter);
+        for (int index = 0; index < 4 * side; ++index) {
+            const int left = byte(row, index - 4);
+            const int above = byte(row - 1, index);
+            const int corner = index < 4 ? 0 : byte(row - 1, index - 4);
+            const auto isNearer = [&](int one, int other) {
+                return std::abs(left + above - corner - one) <= std::abs(left + above - corner - other);
+            };
+            const int paeth = isNearer(left, above) && isNearer(left, corner) ? left
+                              : isNearer(above, corner)                       ? above
+                                                                              : corner;
+            const std::array predictions{0, left, above, (left + above) / 2, paeth, 0};
+            rows += static_cast<char>(byte(row, index) - predictions[static_cast<std::size_t>(filter)]);
+        }
+    }
+    const std::string size = bigEndian(static_cast<std::uint32_t>(side));
+    return "\x89PNG\r\n\x1a\n" + chunk("IHDR", size + size + std::string{"\x08\x06\0\0\0", 5}) +
+           chunk("IDAT", compressed(rows)) + chunk("IEND", "");
+}
+
+TEST(Png, GivesThePicturesOfTheProgram) {
+    for (const char* const name : {"Marvelode", "MarvelodeGrey"}) {
+        for (const int size : sizes) {
+            const fs::path file =
+                fs::path{RESOURCES} / "status" / (std::string{name} + "-" + std::to_string(size) + ".png");
+            const auto picture = decodePng(contentsOfFile(file).value());
+            ASSERT_TRUE(picture) << file;
+            EXPECT_EQ(picture->width, size);
+            EXPECT_EQ(picture->height, size);
+            EXPECT_EQ(part(picture->at(0, 0), 24), 0U) << "the corners are empty";
+            const auto solid = std::count_if(picture->pixels.begin(), picture->pixels.end(),
+                                             [](std::uint32_t pixel) { return part(pixel, 24) == 255; });
+            EXPECT_GT(solid, size * size / 5) << "and the window is not";
+        }
+    }
+}
+
+TEST(Png, UndoesEveryFilter) {
+    constexpr int side = 3;
+    const std::vector<std::uint32_t> drawn{0xFFFF0000, 0x8000FF00, 0x00000000, 0xFF102030, 0x7F405060,
+                                           0x01FFFFFF, 0xFFFEDCBA, 0xC0010203, 0xFF808080};
+    for (int filter = 0; filter <= 4; ++filter) {
+        const auto picture = decodePng(encoded(drawn, side, filter));
+        ASSERT_TRUE(picture) << filter;
+        EXPECT_EQ(picture->pixels, drawn) << filter;
+    }
+    EXPECT_FALSE(decodePng(encoded(drawn, side, 5)));
+}
+
+TEST(Png, GivesNothingForDamagedFiles) {
+    const std::string whole = contentsOfFile(fs::path{RESOURCES} / "status/Marvelode-22.png").value();
+    for (std::size_t length = 0; length + 12 < whole.size(); ++length) {
+        EXPECT_FALSE(decodePng(whole.substr(0, length)).has_value()) << length;
+    }
+    std::string other = whole;
+    other[25] = 2; // without transparency
+    EXPECT_TRUE(pngSize(other));
+    EXPECT_FALSE(decodePng(other));
+}
+
+TEST(Png, SurvivesAnyByteBeingWrong) {
+    const std::string whole = contentsOfFile(fs::path{RESOURCES} / "status/Marvelode-16.png").value();
+    for (std::size_t position = 0; position < whole.size(); ++position) {
+        for (const char wrong : {'\0', '\x7F', '\xFF'}) {
+            std::string damaged = whole;
+            damaged[position] = wrong;
+            if (const auto picture = decodePng(damaged)) {
+                EXPECT_EQ(picture->pixels.size(),
+                          static_cast<std::size_t>(picture->width) * static_cast<std::size_t>(picture->height));
+            }
+        }
+    }
+}
+
+TEST(TextPicture, IsASquareOfTheSizeAskedFor) {
+    for (const int size : sizes) {
+        const Picture picture = drawTextPicture(size, "9m", std::nullopt, 0.5);
+        EXPECT_EQ(picture.width, size);
+        EXPECT_EQ(picture.height, size);
+    }
+}
+
+TEST(TextPicture, DiffersForEveryTextThatTheTimerShows) {
+    for (const int size : sizes) {
+        std::set<std::vector<std::uint32_t>> pictures;
+        std::size_t texts = 0;
+        for (const std::string prefix : {"", "+"}) {
+            for (int number = 0; number <= 61; ++number) {
+                for (const std::string unit : {"", "m"}) {
+                    pictures.insert(
+                        drawTextPicture(size, prefix + std::to_string(number) + unit, std::nullopt, 1).pixels);
+                    ++texts;
+                }
+            }
+            for (const char* const hours : {">1h", ">2h"}) {
+                pictures.insert(drawTextPicture(size, prefix + hours, std::nullopt, 1).pixels);
+                ++texts;
+            }
+        }
+        EXPECT_EQ(pictures.size(), texts) << size;
+    }
+}
+
+TEST(TextPicture, IsWhiteUnlessAColourIsGiven) {
+    for (const int size : sizes) {
+        const Picture plain = drawTextPicture(size, "9m", std::nullopt, std::nullopt);
+        EXPECT_GT(std::count_if(plain.pixels.begin(), plain.pixels.end(), isWhite), size);
+        EXPECT_EQ(std::count_if(plain.pixels.begin(), plain.pixels.end(), isRed), 0);
+        const Picture due = drawTextPicture(size, "+9m", NSColor::red, 1);
+        EXPECT_GT(std::count_if(due.pixels.begin(), due.pixels.end(), isRed), size);
+        EXPECT_EQ(std::count_if(due.pixels.begin(), due.pixels.end(), isWhite), 0);
+    }
+}
+
+TEST(TextPicture, HasABarAsLongAsTheTimeLeft) {
+    const auto isFilled = [](const Picture& picture, int x) {
+        const std::uint32_t pixel = picture.at(x, picture.height - 2);
+        return part(pixel, 8) > 150 && part(pixel, 8) > part(pixel, 16) + 40; // teal
+    };
+    for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
+        const Picture picture = drawTextPicture(48, "9m", std::nullopt, share);
+        int filled = 0;
+        for (int x = 0; x < picture.width; ++x) {
+            filled += isFilled(picture, x);
+        }
+        EXPECT_NEAR(filled, 48 * share, 3) << share;
+    }
+}
+
+TEST(TextPicture, LeavesOutWhatItCannotDraw) {
+    EXPECT_EQ(drawTextPicture(22, "9 m?", std::nullopt, 1).pixels,
+              drawTextPicture(22, "9m", std::nullopt, 1).pixels);
+}
+
+TEST(Words, SayWhatTheTextMeans) {
+    const std::vector<std::pair<const char*, const char*>> table{
+        {"", ""},
+        {"0", "Break now"},
+        {"1", "Break in 1 second"},
+        {"9", "Break in 9 seconds"},
+        {"1m", "Break in 1 minute"},
+        {"11m", "Break in 11 minutes"},
+        {">1h", "Break in more than 1 hour"},
+        {"+0", "Break now"},
+        {"+5", "Break due for 5 seconds"},
+        {"+", "Break due for 1 minute"},
+        {"+2m", "Break due for 2 minutes"},
+        {"+>3h", "Break due for more than 3 hours"},
+    };
+    for (const auto& [text, words] : table) {
+        EXPECT_EQ(inWords(text), words);
+    }
+}
+
+} // namespace
+} // namespace platform::freedesktop

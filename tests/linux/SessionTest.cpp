@@ -1,0 +1,281 @@
+// What goes over the buses: the menu as a panel sees it, registering with panels that come and go, and waking.
+
+#include "platform/NSMenu.hpp"
+#include "platform/linux/EventLoop.hpp"
+#include "platform/linux/MenuExport.hpp"
+#include "platform/linux/SessionDesktop.hpp"
+#include "platform/linux/Tray.hpp"
+#include "platform/linux/WakeWatcher.hpp"
+#include "tests/linux/PrivateBuses.hpp"
+#include "tests/sound/TemporaryFolder.hpp"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform::freedesktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* menuPath = "/Menu";
+constexpr const char* menuInterface = "com.canonical.dbusmenu";
+
+std::string printed(const VariantHandle& value) {
+    return value ? TextHandle{g_variant_print(value.get(), FALSE)}.get() : "nothing";
+}
+
+/// Collects the signals of one interface in text form.
+class Signals {
+public:
+    Signals(GDBusConnection* bus, const char* interface)
+        : _bus{bus} {
+        const auto received = [](GDBusConnection*, const char*, const char*, const char*, const char* name,
+                                 GVariant* arguments, gpointer self) {
+            static_cast<Signals*>(self)->_seen.push_back(std::string{name} + printed(owned(arguments)));
+        };
+        _subscription = g_dbus_connection_signal_subscribe(bus, nullptr, interface, nullptr, nullptr, nullptr,
+                                                           G_DBUS_SIGNAL_FLAGS_NONE, received, this, nullptr);
+        call(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr); // subscribed by now
+    }
+    ~Signals() { g_dbus_connection_signal_unsubscribe(_bus, _subscription); }
+    Signals(const Signals&) = delete;
+    Signals& operator=(const Signals&) = delete;
+
+    /// Those since the last time.
+    std::vector<std::string> take() {
+        runLoopFor(30ms);
+        return std::exchange(_seen, {});
+    }
+
+private:
+    GDBusConnection* _bus;
+    unsigned _subscription;
+    std::vector<std::string> _seen;
+};
+
+class Menu : public testing::Test {
+protected:
+    Menu() {
+        menu->addItem(entry("About"));
+        menu->addItem(NSMenuItem::separator());
+        menu->addItem(std::make_shared<NSMenuItem>(
+            "Quit_now", [this](NSMenuItem& sender) { picked.push_back(sender.title); }, "q"));
+        menu->addItem(entry("Mute"));
+        menu->items()[3]->setState(NSMenuItem::StateValue::Off);
+        menu->addItem(std::make_shared<NSMenuItem>("Dead", nullptr, ""));
+        exported.show(menu);
+    }
+
+    std::shared_ptr<NSMenuItem> entry(const char* title) {
+        return std::make_shared<NSMenuItem>(
+            title, [this](NSMenuItem& sender) { picked.push_back(sender.title); }, "");
+    }
+
+    VariantHandle ask(const char* method, const char* arguments, std::string* error = nullptr) {
+        return call(panel.get(), g_dbus_connection_get_unique_name(program.get()), menuPath, menuInterface, method,
+                    g_variant_new_parsed(arguments), error);
+    }
+
+    TemporaryFolder folder;
+    ObjectHandle<GDBusConnection> program = connectToSession();
+    ObjectHandle<GDBusConnection> panel = connectToSession();
+    SessionDesktop desktop{program.get(), {folder.path, folder.path, folder.path / "settings"}, {}};
+    std::deque<std::function<void()>> posted;
+    std::vector<std::string> picked;
+    std::shared_ptr<NSMenu> menu = std::make_shared<NSMenu>();
+    MenuExport exported{program.get(), menuPath, [this](std::function<void()> work) { posted.push_back(work); }};
+};
+
+TEST_F(Menu, IsLaidOutWithMarksSeparatorsAndShortcuts) {
+    EXPECT_EQ(printed(ask("GetLayout", "(0, -1, @as [])")),
+              "(2, (0, {'children-display': <'submenu'>}, ["
+              "<(1, {'label': <'About'>, 'enabled': <true>}, @av [])>, "
+              "<(2, {'type': <'separator'>}, @av [])>, "
+              "<(3, {'label': <'Quit__now'>, 'enabled': <true>, 'shortcut': <[['Control', 'q']]>}, @av [])>, "
+              "<(4, {'label': <'Mute'>, 'enabled': <true>, 'toggle-type': <'checkmark'>, 'toggle-state': <0>}, @av "
+              "[])>, "
+              "<(5, {'label': <'Dead'>, 'enabled': <false>}, @av [])>]))");
+}
+
+TEST_F(Menu, GivesJustTheEntriesAndPropertiesAskedFor) {
+    EXPECT_EQ(printed(ask("GetLayout", "(4, -1, ['label'])")), "(2, (4, {'label': <'Mute'>}, []))");
+    EXPECT_EQ(printed(ask("GetGroupProperties", "([1, 4], ['enabled', 'toggle-state'])")),
+              "([(1, {'enabled': <true>}), (4, {'enabled': <true>, 'toggle-state': <0>})],)");
+    EXPECT_EQ(printed(ask("GetProperty", "(5, 'enabled')")), "(<false>,)");
+    EXPECT_EQ(printed(ask("AboutToShow", "(0,)")), "(false,)");
+    EXPECT_EQ(printed(ask("AboutToShowGroup", "([0],)")), "([], [])");
+}
+
+TEST_F(Menu, RefusesWhatItDoesNotHave) {
+    for (const auto& [method, arguments] :
+         {std::pair{"GetLayout", "(6, -1, @as [])"}, std::pair{"GetProperty", "(6, 'label')"},
+          std::pair{"GetProperty", "(1, 'colour')"}, std::pair{"Event", "(-1, 'clicked', <0>, @u 0)"}}) {
+        std::string error;
+        EXPECT_FALSE(ask(method, arguments, &error));
+        EXPECT_NE(error, "") << method << arguments;
+    }
+    EXPECT_EQ(printed(ask("EventGroup", "([(1, 'opened', <0>, @u 0), (9, 'clicked', <0>, 0)],)")), "([9],)");
+}
+
+TEST_F(Menu, AnswersBeforeItRunsWhatWasPicked) {
+    ask("Event", "(3, 'clicked', <0>, @u 0)");
+    EXPECT_TRUE(picked.empty());
+    ASSERT_EQ(posted.size(), 1U);
+    posted.front()();
+    EXPECT_EQ(picked, std::vector<std::string>{"Quit_now"});
+}
+
+TEST_F(Menu, TakesNothingButClicksForAPick) {
+    ask("Event", "(0, 'opened', <0>, @u 0)");
+    ask("Event", "(1, 'hovered', <0>, @u 0)");
+    EXPECT_TRUE(posted.empty());
+    ask("Event", "(5, 'clicked', <0>, @u 0)");
+    for (const auto& work : posted) {
+        work();
+    }
+    EXPECT_TRUE(picked.empty()) << "an entry without action cannot be picked, whatever the panel says";
+}
+
+TEST_F(Menu, AnnouncesOnlyWhatHasChanged) {
+    Signals signals{panel.get(), menuInterface};
+    exported.show(menu);
+    EXPECT_TRUE(signals.take().empty());
+    menu->items()[3]->setState(NSMenuItem::StateValue::On);
+    exported.show(menu);
+    exported.show(menu);
+    EXPECT_EQ(signals.take(),
+              std::vector<std::string>{
+                  "ItemsPropertiesUpdated([(4, {'label': <'Mute'>, 'enabled': <true>, 'toggle-type': "
+                  "<'checkmark'>, 'toggle-state': <1>})], [])"});
+    menu->addItem(entry("More"));
+    exported.show(menu);
+    EXPECT_EQ(signals.take(), std::vector<std::string>{"LayoutUpdated(3, 0)"});
+}
+
+/// A panel's watcher that notes who registers.
+class Watcher {
+public:
+    Watcher()
+        : _interface{_bus.get(), "/StatusNotifierWatcher",
+                     R"xml(<node><interface name="org.kde.StatusNotifierWatcher">
+                          <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
+                        </interface></node>)xml",
+                     [this](std::string_view, GVariant* arguments) {
+                         const char* item = "";
+                         g_variant_get(arguments, "(&s)", &item);
+                         registered.emplace_back(item);
+                         return owned(g_variant_new("()"));
+                     },
+                     nullptr} {
+        takeName(_bus.get(), "org.kde.StatusNotifierWatcher");
+    }
+
+    std::vector<std::string> registered;
+
+private:
+    ObjectHandle<GDBusConnection> _bus = connectToSession();
+    ExportedInterface _interface;
+};
+
+class Panels : public testing::Test {
+protected:
+    ObjectHandle<GDBusConnection> program = connectToSession();
+    const std::string name = g_dbus_connection_get_unique_name(program.get());
+    std::vector<std::string> hosts;
+    std::vector<std::string> errors;
+    int absences = 0;
+    Tray tray{program.get(), [this](std::string_view host) { hosts.emplace_back(host); }, [this] { ++absences; },
+              [this](std::string_view error) { errors.emplace_back(error); }};
+};
+
+TEST_F(Panels, AreOfferedTheItemEachTimeTheyAppear) {
+    EXPECT_TRUE(runLoopUntil([&] { return absences == 1; }));
+    for (std::size_t time = 1; time <= 3; ++time) {
+        const Watcher watcher;
+        EXPECT_TRUE(runLoopUntil([&] { return !watcher.registered.empty(); }));
+        EXPECT_EQ(watcher.registered, std::vector<std::string>{name});
+        EXPECT_EQ(hosts.size(), time);
+        EXPECT_EQ(hosts.back(), std::string{program_invocation_short_name}.substr(0, 15)) << "this very process";
+    }
+    EXPECT_TRUE(errors.empty());
+}
+
+TEST_F(Panels, ThatRefuseAreToldToTheLog) {
+    const auto bus = connectToSession();
+    takeName(bus.get(), "org.kde.StatusNotifierWatcher"); // without the object that it should have
+    EXPECT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
+    EXPECT_EQ(errors.size(), 1U);
+}
+
+/// The login manager, as far as sleep is concerned.
+class LoginManager {
+public:
+    LoginManager() { takeName(_bus.get(), "org.freedesktop.login1"); }
+
+    void tell(bool isGoingToSleep, const char* path = "/org/freedesktop/login1") const {
+        g_dbus_connection_emit_signal(_bus.get(), nullptr, path, "org.freedesktop.login1.Manager",
+                                      "PrepareForSleep", g_variant_new("(b)", gboolean{isGoingToSleep}), nullptr);
+        g_dbus_connection_flush_sync(_bus.get(), nullptr, nullptr);
+    }
+
+private:
+    ObjectHandle<GDBusConnection> _bus = connectToSystem();
+};
+
+class Waking : public testing::Test {
+protected:
+    void watch() {
+        watcher.emplace([this] { ++wakes; });
+        runLoopFor(20ms);
+    }
+
+    ObjectHandle<GDBusConnection> bus = connectToSystem();
+    int wakes = 0;
+    std::optional<WakeWatcher> watcher;
+};
+
+TEST_F(Waking, IsToldOncePerSleep) {
+    const LoginManager manager;
+    watch();
+    for (int time = 1; time <= 2; ++time) {
+        manager.tell(true);
+        manager.tell(false);
+        EXPECT_TRUE(runLoopUntil([&] { return wakes == time; }));
+    }
+    runLoopFor(20ms);
+    EXPECT_EQ(wakes, 2);
+}
+
+TEST_F(Waking, IsToldByALoginManagerThatComesLateOrRestarts) {
+    watch();
+    for (int time = 1; time <= 2; ++time) {
+        const LoginManager manager;
+        manager.tell(false);
+        EXPECT_TRUE(runLoopUntil([&] { return wakes == time; }));
+    }
+}
+
+TEST_F(Waking, IsNotToldByAnybodyElse) {
+    watch();
+    g_dbus_connection_emit_signal(bus.get(), nullptr, "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                                  "PrepareForSleep", g_variant_new("(b)", FALSE), nullptr);
+    runLoopFor(50ms);
+    EXPECT_EQ(wakes, 0);
+}
+
+TEST_F(Waking, CanDoWithoutASystemBus) {
+    const std::string address = g_getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", TRUE);
+    watch();
+    watcher.reset();
+    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), TRUE);
+    EXPECT_EQ(wakes, 0);
+}
+
+} // namespace
+} // namespace platform::freedesktop
