@@ -46,6 +46,9 @@ public:
     /// Brings the program's windows to the front.
     virtual void activate(bool ignoringOtherApps) = 0;
 
+    /// Brings the program to the front as any other program could, too; where that makes a difference.
+    virtual void activateRunningApplication(bool ignoringOtherApps) { activate(ignoringOtherApps); }
+
     // Time
 
     /// The wall clock.

@@ -69,7 +69,7 @@ NSRunningApplication& NSRunningApplication::current() {
 }
 
 void NSRunningApplication::activate(ActivationOptions options) {
-    desktop().activate((options & ActivateIgnoringOtherApps) != 0);
+    desktop().activateRunningApplication((options & ActivateIgnoringOtherApps) != 0);
 }
 
 int NSApplicationMain(int argc, const char* const* argv) { return desktop().run(argc, argv); }

@@ -1,11 +1,10 @@
 #import "platform/macos/Alert.hpp"
 
+#include "platform/Fatal.hpp"
 #import "platform/macos/Retained.hpp"
 #import "platform/macos/Strings.hpp"
 
 #import <AppKit/AppKit.h>
-
-#include "platform/Fatal.hpp"
 
 namespace cocoa {
 namespace {

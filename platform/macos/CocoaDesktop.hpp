@@ -3,14 +3,14 @@
 // The desktop of a Mac. Every verb is the one call that AppKit or Foundation has for it; what takes more than a
 // call has a file of its own beside this one.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/Desktop.hpp"
 #include "platform/macos/Panel.hpp"
 #include "platform/macos/Retained.hpp"
 #include "platform/macos/Sounds.hpp"
 #include "platform/macos/StatusItem.hpp"
 #include "platform/macos/Timers.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <optional>
 #include <vector>
@@ -27,6 +27,7 @@ public:
     int run(int argc, const char* const* argv) override;
     void terminate() override;
     void activate(bool ignoringOtherApps) override;
+    void activateRunningApplication(bool ignoringOtherApps) override;
 
     platform::Date now() override;
     void schedule(const std::shared_ptr<platform::Timer>& timer) override;

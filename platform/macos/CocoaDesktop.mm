@@ -87,6 +87,11 @@ void CocoaDesktop::terminate() { [NSApp terminate:nil]; }
 
 void CocoaDesktop::activate(bool ignoringOtherApps) { [NSApp activateIgnoringOtherApps:ignoringOtherApps]; }
 
+void CocoaDesktop::activateRunningApplication(bool ignoringOtherApps) {
+    const NSApplicationActivationOptions options = ignoringOtherApps ? NSApplicationActivateIgnoringOtherApps : 0;
+    [[NSRunningApplication currentApplication] activateWithOptions:options];
+}
+
 platform::Date CocoaDesktop::now() { return platform::Date{[[NSDate date] timeIntervalSince1970]}; }
 
 void CocoaDesktop::schedule(const std::shared_ptr<platform::Timer>& timer) { _timers.schedule(timer); }

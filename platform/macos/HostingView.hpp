@@ -1,11 +1,11 @@
 #pragma once
 
-// Draws a tree of declarative views with AppKit's controls. Everything is laid out once, at its ideal size; what the
-// user does goes to the operations of the tree's nodes.
-
-#import <AppKit/AppKit.h>
+// Draws a tree of declarative views with AppKit's controls. Everything is laid out once, at its ideal size; what
+// the user does goes to the operations of the tree's nodes.
 
 #include "platform/View.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <functional>
 #include <utility>

@@ -1,9 +1,8 @@
 #import "platform/macos/HostingView.hpp"
 
+#include "platform/Fatal.hpp"
 #import "platform/macos/Layout.hpp"
 #import "platform/macos/Strings.hpp"
-
-#include "platform/Fatal.hpp"
 
 using cocoa::Box;
 using cocoa::toCocoa;
@@ -69,11 +68,10 @@ NSTextField* label(const std::string& text, NSFont* font) {
 }
 
 NSButton* link(const std::string& text, NSFont* font) {
-    NSDictionary* const attributes =
-        [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, [NSColor linkColor],
-                                                   NSForegroundColorAttributeName,
-                                                   [NSNumber numberWithInt:NSUnderlineStyleSingle],
-                                                   NSUnderlineStyleAttributeName, nil];
+    NSDictionary* const attributes = [NSDictionary
+        dictionaryWithObjectsAndKeys:font, NSFontAttributeName, [NSColor linkColor], NSForegroundColorAttributeName,
+                                     [NSNumber numberWithInt:NSUnderlineStyleSingle], NSUnderlineStyleAttributeName,
+                                     nil];
     LinkButton* const button = [[[LinkButton alloc] initWithFrame:NSZeroRect] autorelease];
     [button setBordered:NO];
     [button setAttributedTitle:[[[NSAttributedString alloc] initWithString:toCocoa(text)
@@ -146,9 +144,9 @@ private:
             [control sizeToFit];
             const double width = std::ceil([toCocoa(run.string) sizeWithAttributes:attributes].width);
             const double height = [control frame].size.height;
-            line.append({{{control, NSMakeRect(-labelMargin, 0, width + 2 * labelMargin, height)}},
-                         {width, height}},
-                        platform::Axis::Horizontal, platform::Alignment::Center, 0);
+            line.append(
+                {{{control, NSMakeRect(-labelMargin, 0, width + 2 * labelMargin, height)}}, {width, height}},
+                platform::Axis::Horizontal, platform::Alignment::Center, 0);
         }
         return line;
     }
@@ -158,8 +156,9 @@ private:
         [view setImageFrameStyle:NSImageFrameNone];
         [view setImageScaling:NSImageScaleAxesIndependently];
         [view setImage:[NSImage imageNamed:toCocoa(image.image.name)]];
-        return Box{view, {environment.width.value_or(image.image.size.width),
-                          environment.height.value_or(image.image.size.height)}};
+        return Box{view,
+                   {environment.width.value_or(image.image.size.width),
+                    environment.height.value_or(image.image.size.height)}};
     }
 
     Box drawNode(const platform::node::TextField& node, const Environment& environment) {

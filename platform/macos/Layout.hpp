@@ -3,9 +3,9 @@
 // Where the controls of a window stand. A box is a rectangle with controls in it; boxes are padded, framed and put
 // together, from the inside out, until one box holds the whole window.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/View.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <vector>
 

@@ -3,9 +3,9 @@
 // A menu on screen. It is made once from the program's menu and then follows the check marks of its entries; what
 // can be picked is asked of the program's menu each time the menu opens.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/NSMenu.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <memory>
 

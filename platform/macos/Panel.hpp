@@ -3,11 +3,11 @@
 // A panel on screen. It exists only while it is being run; the program's panel says what it is like, and keeps
 // that from one run to the next.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/NSPanel.hpp"
 #include "platform/macos/HostingView.hpp"
 #include "platform/macos/Retained.hpp"
+
+#import <AppKit/AppKit.h>
 
 @class PanelDelegate;
 

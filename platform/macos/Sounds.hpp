@@ -2,9 +2,9 @@
 
 // The sound files that the program plays, each opened once by reference and kept.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/macos/Retained.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <filesystem>
 #include <map>

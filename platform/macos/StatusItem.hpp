@@ -3,11 +3,11 @@
 // The program's status item in the menu bar. Every change of the program's status item is passed on as the message
 // that AppKit has for it.
 
-#import <AppKit/AppKit.h>
-
 #include "platform/NSStatusItem.hpp"
 #include "platform/macos/Menu.hpp"
 #include "platform/macos/Retained.hpp"
+
+#import <AppKit/AppKit.h>
 
 #include <memory>
 #include <optional>

@@ -1,8 +1,7 @@
 #import "platform/macos/StatusItem.hpp"
 
-#import "platform/macos/Strings.hpp"
-
 #include "platform/Fatal.hpp"
+#import "platform/macos/Strings.hpp"
 
 /// Receives the actions of the status item's button, of which there are none: a click opens the menu.
 @interface StatusButtonTarget : NSObject
@@ -36,8 +35,7 @@ NSAttributedString* attributed(const platform::NSAttributedString& title) {
                                                         alpha:1]
                        forKey:NSForegroundColorAttributeName];
     }
-    return [[[NSAttributedString alloc] initWithString:toCocoa(title.string)
-                                            attributes:attributes] autorelease];
+    return [[[NSAttributedString alloc] initWithString:toCocoa(title.string) attributes:attributes] autorelease];
 }
 
 } // namespace

@@ -3,10 +3,10 @@
 // The program's timers on the current run loop. Each is an `NSTimer` in the default mode, so AppKit itself holds
 // them back while an alert or a modal panel is up.
 
-#import <Foundation/Foundation.h>
-
 #include "platform/Timer.hpp"
 #include "platform/macos/Retained.hpp"
+
+#import <Foundation/Foundation.h>
 
 #include <map>
 #include <memory>

@@ -1,6 +1,7 @@
 // Where the program starts on a Mac.
 
 #include "app/main.hpp"
+
 #import "platform/macos/CocoaDesktop.hpp"
 
 int main(int argc, char** argv) {

@@ -1,10 +1,9 @@
 // The contract's hands on the Mac's desktop: deeds are done from the real run loop, in real time.
 
-#import "platform/macos/Strings.hpp"
-#import "tests/macos/Session.hpp"
-
 #include "platform/NSApplication.hpp"
+#import "platform/macos/Strings.hpp"
 #include "tests/contract/Driver.hpp"
+#import "tests/macos/Session.hpp"
 
 #include <gtest/gtest.h>
 
@@ -55,8 +54,8 @@ public:
     ResourceName playableSound() override { return {"Chime", "wav"}; }
 
     int run(const std::vector<std::string>& arguments, std::function<void()> program) override {
-        const int status = _session.run(
-            arguments, std::chrono::seconds{5}, [&program](int argc, const char* const* argv) {
+        const int status =
+            _session.run(arguments, std::chrono::seconds{5}, [&program](int argc, const char* const* argv) {
                 platform::NSApplication::shared().delegate = std::make_shared<Launcher>(std::move(program));
                 return platform::NSApplicationMain(argc, argv);
             });

@@ -73,8 +73,8 @@ NSButton* alertButton(std::size_t index);
 /// The check box of the alert in front.
 NSButton* alertCheckBox();
 
-/// Does what a click on a button comes down to; nil fails the test. (`performClick:` of GNUstep runs the run loop in
-/// its default mode for a while, so that timers fire that must not.)
+/// Does what a click on a button comes down to; nil fails the test. (`performClick:` of GNUstep runs the run loop
+/// in its default mode for a while, so that timers fire that must not.)
 void press(NSButton* button);
 
 /// Closes the window in front as its own close button would.

@@ -4,9 +4,9 @@
 #import "platform/macos/Strings.hpp"
 
 #include <gtest/gtest.h>
+#include <objc/runtime.h>
 
 #include <algorithm>
-#include <objc/runtime.h>
 
 using macos_tests::Session;
 
@@ -164,8 +164,7 @@ void Session::after(milliseconds delay, std::function<void()> deed) {
 }
 
 void Session::onceShown(std::function<void()> deed) {
-    when([before = modalSessions] { return modalSessions > before && [frontWindow() isVisible]; },
-         std::move(deed));
+    when([before = modalSessions] { return modalSessions > before && [frontWindow() isVisible]; }, std::move(deed));
 }
 
 void Session::startClock() {

@@ -1,18 +1,17 @@
 // What a user of the Mac sees: the whole program on the real run loop, in real time, with a work interval of a
 // second. The same behaviour is told in every detail by the stories on the simulated desktop.
 
+#include "app/App.hpp"
+#include "app/main.hpp"
+#include "platform/NSApplication.hpp"
 #import "platform/macos/Strings.hpp"
 #import "tests/macos/Session.hpp"
 #import "tests/macos/shims/Heard.hpp"
 
-#include "app/App.hpp"
-#include "app/main.hpp"
-#include "platform/NSApplication.hpp"
-
 #include <gtest/gtest.h>
+#include <objc/runtime.h>
 
 #include <algorithm>
-#include <objc/runtime.h>
 
 namespace {
 
@@ -141,15 +140,15 @@ protected:
 
     static void pressReturn() {
         [frontWindow() performKeyEquivalent:[NSEvent keyEventWithType:NSEventTypeKeyDown
-                                                             location:NSZeroPoint
-                                                        modifierFlags:0
-                                                            timestamp:0
-                                                         windowNumber:[frontWindow() windowNumber]
-                                                              context:nil
-                                                           characters:@"\r"
-                                          charactersIgnoringModifiers:@"\r"
-                                                            isARepeat:NO
-                                                              keyCode:36]];
+                                                                   location:NSZeroPoint
+                                                              modifierFlags:0
+                                                                  timestamp:0
+                                                               windowNumber:[frontWindow() windowNumber]
+                                                                    context:nil
+                                                                 characters:@"\r"
+                                                charactersIgnoringModifiers:@"\r"
+                                                                  isARepeat:NO
+                                                                    keyCode:36]];
     }
 
     Session session;
@@ -260,12 +259,12 @@ TEST_F(MacStories, TheMenuOffersWhatItShould) {
     user({{launched, [] {
                Texts entries;
                for (NSMenuItem* each in [statusMenu() itemArray]) {
-                   entries.push_back([each isSeparatorItem] ? "-"
-                                                            : fromCocoa([each title]) + "|" +
-                                                                  fromCocoa([each keyEquivalent]));
+                   entries.push_back([each isSeparatorItem]
+                                         ? "-"
+                                         : fromCocoa([each title]) + "|" + fromCocoa([each keyEquivalent]));
                }
-               EXPECT_EQ(entries, (Texts{"About Marvelode Timer|", "-", "Restart timer|r", "Mute|", "Popup reminders|",
-                                         "Settings|s", "-", "Quit|q"}));
+               EXPECT_EQ(entries, (Texts{"About Marvelode Timer|", "-", "Restart timer|r", "Mute|",
+                                         "Popup reminders|", "Settings|s", "-", "Quit|q"}));
                for (const char* each : {"About Marvelode Timer", "Restart timer", "Mute", "Settings", "Quit"}) {
                    EXPECT_TRUE([menuEntry(each) isEnabled]) << each;
                }

@@ -1,7 +1,6 @@
 // Where the tests start: GoogleTest's own main function would leave them without an autorelease pool.
 
 #import <Foundation/Foundation.h>
-
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the program wrote to the unified log and what it played, as the shims keep it for tests.
+// What the program wrote to the unified log and what it let be heard, as the shims keep it for tests.
 
 #import <os/log.h>
 
@@ -20,3 +20,6 @@ std::vector<LogEntry>& logEntries();
 
 /// The file names of the MPEG-4 sounds that were started, in order.
 std::vector<std::string>& playedSounds();
+
+/// How often the program beeped.
+int beeps();

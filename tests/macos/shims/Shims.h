@@ -22,6 +22,11 @@ typedef NS_ENUM(NSInteger, NSWindowTitleVisibility) {
     NSWindowTitleHidden = 1,
 };
 
+// A function that cannot be watched because GNUstep defines it in a header
+
+void countedBeep();
+#define NSBeep countedBeep
+
 // Methods
 
 NS_ASSUME_NONNULL_BEGIN

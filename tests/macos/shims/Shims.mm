@@ -3,9 +3,10 @@
 
 #import "tests/macos/shims/Heard.hpp"
 
+#include <objc/runtime.h>
+
 #include <cstring>
 #include <map>
-#include <objc/runtime.h>
 
 // Some of the methods replace GNUstep's own.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
@@ -90,6 +91,25 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 
 @end
 
+// The running program
+
+@interface NSRunningApplication (ShimMethods)
+@end
+
+@implementation NSRunningApplication (ShimMethods)
+
++ (id)currentApplication {
+    static NSRunningApplication* const application = [[NSRunningApplication alloc] init];
+    return application;
+}
+
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options {
+    [NSApp activateIgnoringOtherApps:(options & NSApplicationActivateIgnoringOtherApps) != 0];
+    return YES;
+}
+
+@end
+
 // Fonts and colours
 
 @interface NSFont (ShimMethods)
@@ -127,6 +147,21 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 std::vector<std::string>& playedSounds() {
     static std::vector<std::string> played;
     return played;
+}
+
+namespace {
+
+int beepCount = 0;
+
+} // namespace
+
+int beeps() { return beepCount; }
+
+#undef NSBeep
+
+void countedBeep() {
+    ++beepCount;
+    NSBeep();
 }
 
 @implementation MpegSound

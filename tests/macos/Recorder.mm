@@ -1,0 +1,73 @@
+#import "tests/macos/Recorder.hpp"
+
+#include <algorithm>
+#include <sstream>
+
+namespace macos_tests {
+
+std::string inWords(id object) {
+    if (!object) {
+        return "nil";
+    }
+    if ([object isKindOfClass:[NSString class]]) {
+        return std::string{"\""} + [object UTF8String] + "\"";
+    }
+    if ([object isKindOfClass:[NSAttributedString class]]) {
+        return inWords([object string]);
+    }
+    if ([object isKindOfClass:[NSNumber class]]) {
+        return [[object stringValue] UTF8String];
+    }
+    if ([object isKindOfClass:[NSURL class]]) {
+        return inWords([[object path] lastPathComponent]);
+    }
+    return class_getName([object class]);
+}
+
+std::string inWords(SEL selector) { return selector ? sel_getName(selector) : "NULL"; }
+
+std::string inWords(double number) {
+    std::ostringstream text;
+    text << number;
+    return text.str();
+}
+
+std::string inWords(NSInteger number) { return std::to_string(number); }
+
+std::string inWords(NSUInteger number) { return std::to_string(number); }
+
+std::string inWords(NSSize size) { return inWords(size.width) + "x" + inWords(size.height); }
+
+std::string inWords(const std::string& text) { return text; }
+
+Recorder& Recorder::shared() {
+    static Recorder recorder;
+    return recorder;
+}
+
+void Recorder::add(id receiver, SEL selector, const std::vector<std::string>& arguments) {
+    std::string line = class_getName(object_getClass(receiver));
+    line += ' ';
+    std::size_t next = 0;
+    for (const char character : std::string{sel_getName(selector)}) {
+        line += character;
+        if (character == ':') {
+            line += arguments.at(next++);
+            line += next < arguments.size() ? " " : "";
+        }
+    }
+    _lines.push_back(line);
+}
+
+std::vector<std::string> Recorder::messagesTo(const std::vector<std::string>& classNames) const {
+    std::vector<std::string> messages;
+    for (const std::string& line : _lines) {
+        const std::string receiver = line.substr(0, line.find(' '));
+        if (std::find(classNames.begin(), classNames.end(), receiver) != classNames.end()) {
+            messages.push_back(line);
+        }
+    }
+    return messages;
+}
+
+} // namespace macos_tests
