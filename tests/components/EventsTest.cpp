@@ -77,10 +77,11 @@ TEST_F(TheBus, CallsThoseWhoSubscribeDuringADeliveryFromTheNextOneOn) {
             events.subscribe([this](UIAction) { notes.emplace_back("new"); });
         }
     });
+    events.subscribe([this](UIAction) { notes.emplace_back("second"); });
     events.publish(restart);
-    EXPECT_EQ(notes, Notes{"old"});
+    EXPECT_EQ(notes, (Notes{"old", "second"}));
     events.publish(restart);
-    EXPECT_EQ(notes, (Notes{"old", "old", "new"}));
+    EXPECT_EQ(notes, (Notes{"old", "second", "old", "second", "new"}));
 }
 
 TEST_F(TheBus, DeliversWhatIsPublishedDuringADeliveryFirst) {

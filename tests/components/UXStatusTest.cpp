@@ -58,9 +58,9 @@ TEST_F(TheStatusItem, StartsWithTheTimerIconAndItsMenuWhateverTheState) {
         EXPECT_EQ(item.menu(), status->menu->main);
         EXPECT_EQ(item.button()->target, status.get());
         EXPECT_EQ(item.button()->actionMask(), 20U);
-        EXPECT_EQ(item.button()->image()->name, "Marvelode.png");
-        EXPECT_EQ(item.button()->image()->size, (platform::NSSize{16, 26}));
         EXPECT_EQ(desktop.title(), "");
+        ASSERT_EQ(desktop.icon(), "Marvelode.png");
+        EXPECT_EQ(item.button()->image()->size, (platform::NSSize{16, 26}));
     }
 }
 
