@@ -145,9 +145,9 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
 VariantHandle StatusNotifierItem::pictures() const {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a(iiay)"));
-    for (const Picture& picture : _host->pictures(_content, _resources)) {
+    _host->draw(_content, _resources, [&](const Picture& picture) {
         g_variant_builder_add(&builder, "(ii@ay)", picture.width, picture.height, bytesOf(picture));
-    }
+    });
     return owned(g_variant_builder_end(&builder));
 }
 

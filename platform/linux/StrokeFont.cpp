@@ -163,7 +163,7 @@ std::vector<Point> flattened(std::span<const Point> corners, const Stroke& strok
 DistanceField::DistanceField(int width, int height)
     : _width{width}
     , _height{height}
-    , _distances(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 1e6) {}
+    , _distances(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 1e6F) {}
 
 void DistanceField::addSegment(double x0, double y0, double x1, double y1, bool isOpenAtStart, bool isOpenAtEnd,
                                double reach) {
@@ -184,8 +184,8 @@ void DistanceField::addSegment(double x0, double y0, double x1, double y1, bool 
             const double beyond = std::max({-along, along - length, 0.0});
             const bool isSquare = along < 0 ? isOpenAtStart : isOpenAtEnd;
             const double distance = isSquare ? std::max(aside, beyond) : std::hypot(aside, beyond);
-            double& nearest = _distances[static_cast<std::size_t>(y * _width + x)];
-            nearest = std::min(nearest, distance);
+            float& nearest = _distances[static_cast<std::size_t>(y * _width + x)];
+            nearest = std::min(nearest, static_cast<float>(distance));
         }
     }
 }

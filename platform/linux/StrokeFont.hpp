@@ -23,7 +23,7 @@ public:
 private:
     int _width;
     int _height;
-    std::vector<double> _distances;
+    std::vector<float> _distances;
 };
 
 /// A text laid out on a grid of pixels, or of squares of pixels.

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <string>
-#include <utility>
 
 namespace platform::freedesktop {
 namespace {
@@ -19,13 +18,14 @@ constexpr std::array usualSizes{16, 22, 24, 32, 44, 48};
 // screens of double density.
 constexpr std::array twice22{44};
 constexpr std::array twice16{32};
+constexpr std::array sizesOfMate{16, 24, 32, 48}; // fits the height of the panel
 
 constexpr std::array hosts{
     TrayHost{"ayatana-indicat", Style::LabelBesideNamedIcon, usualSizes, false},
     TrayHost{"gnome-shell", Style::LabelBesideIcon, usualSizes, false},
-    TrayHost{"mate-panel", Style::TextBesideIcon, usualSizes, false},
-    TrayHost{"notification-ar", Style::TextBesideIcon, usualSizes, false}, // MATE's
-    TrayHost{"panel-", Style::TextInPicture, twice22, true},               // a plugin of Xfce's
+    TrayHost{"mate-panel", Style::TextBesideIcon, sizesOfMate, false},
+    TrayHost{"notification-ar", Style::TextBesideIcon, sizesOfMate, false}, // MATE's
+    TrayHost{"panel-", Style::TextInPicture, twice22, true},                // a plugin of Xfce's
     TrayHost{"waybar", Style::TextBesideIcon, twice16, false},
     TrayHost{"xapp-sn-watcher", Style::TextBesideIcon, usualSizes, false}, // Cinnamon's
     TrayHost{"", Style::TextInPicture, usualSizes, false},                 // any other
@@ -67,24 +67,24 @@ bool TrayHost::needsNewPicture(const StatusContent& shown, const StatusContent& 
            (style == Style::TextInPicture && isBarOutdated(shown.shareLeft, content.shareLeft));
 }
 
-std::vector<Picture> TrayHost::pictures(const StatusContent& content, const Resources& resources) const {
-    std::vector<Picture> pictures;
+void TrayHost::draw(const StatusContent& content, const Resources& resources,
+                    const std::function<void(const Picture&)>& take) const {
     if (style == Style::LabelBesideNamedIcon) {
-        return pictures;
+        return;
     }
     const bool isTextDrawn = !hasLabel() && !content.text.empty();
+    const bool isIconDrawn = !isTextDrawn || style == Style::TextBesideIcon;
     for (const int size : pictureSizes) {
-        const bool isIconDrawn = !isTextDrawn || style == Style::TextBesideIcon;
-        std::optional<Picture> icon = isIconDrawn ? smallPicture(content.image, size, resources) : std::nullopt;
+        const std::optional<Picture> icon =
+            isIconDrawn ? smallPicture(content.image, size, resources) : std::nullopt;
         if (isTextDrawn && icon) {
-            pictures.push_back(drawTextBesideIcon(*icon, content.text, content.colour));
+            take(drawTextBesideIcon(*icon, content.text, content.colour));
         } else if (isTextDrawn) {
-            pictures.push_back(drawTextPicture(size, content.text, content.colour, content.shareLeft));
+            take(drawTextPicture(size, content.text, content.colour, content.shareLeft));
         } else if (icon) {
-            pictures.push_back(std::move(*icon));
+            take(*icon);
         }
     }
-    return pictures;
 }
 
 std::string TrayHost::pictureFile(const StatusContent& content, const Resources& resources) const {

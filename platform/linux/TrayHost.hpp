@@ -7,10 +7,10 @@
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/StatusContent.hpp"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace platform::freedesktop {
 
@@ -37,8 +37,9 @@ struct TrayHost {
     /// Whether it had better fetch the picture of `content` if it shows the one of `shown`.
     bool needsNewPicture(const StatusContent& shown, const StatusContent& content) const;
 
-    /// The picture of `content`, in each of the sizes that can be had; none if it is named.
-    std::vector<Picture> pictures(const StatusContent& content, const Resources& resources) const;
+    /// Hands the picture of `content` to `take`, in each of the sizes that can be had; none if it is named.
+    void draw(const StatusContent& content, const Resources& resources,
+              const std::function<void(const Picture&)>& take) const;
 
     /// The file of the picture of `content`; empty unless the host wants it named.
     std::string pictureFile(const StatusContent& content, const Resources& resources) const;
