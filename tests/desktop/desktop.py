@@ -152,9 +152,7 @@ class Desktop:
         self._start_session_bus()
         self._start_system_bus()
         self._start_accessibility()
-        self.start("openbox", "--sm-disable")
-        wait_until(lambda: self._xdotool("get_num_desktops", check=False).returncode == 0, "the window manager")
-        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % self._background], env=self.environment, check=True)
+        self._start_window_manager()
         if self._wants_panel:
             self.start_panel()
 
@@ -171,15 +169,21 @@ class Desktop:
 
     def _start_display(self):
         screens = self.folder / "screens"
-        screens.mkdir()
+        screens.mkdir(exist_ok=True)
         reader, writer = os.pipe()
-        self._start_service("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.width}x{self.height}x24",
-                            "-fbdir", str(screens), "-dpi", "96", "-nolisten", "tcp", "-noreset", "-nocursor",
-                            pass_fds=(writer,))
+        earlier = [self.environment["DISPLAY"]] if "DISPLAY" in self.environment else []
+        self._display = self._start_service(
+            "Xvfb", *earlier, "-displayfd", str(writer), "-screen", "0", f"{self.width}x{self.height}x24",
+            "-fbdir", str(screens), "-dpi", "96", "-nolisten", "tcp", "-noreset", "-nocursor", pass_fds=(writer,))
         os.close(writer)
         with open(reader) as answer:
             self.environment["DISPLAY"] = ":" + answer.readline().strip()
         self._frame_buffer = screens / "Xvfb_screen0"
+
+    def _start_window_manager(self):
+        self._window_manager = self.start("openbox", "--sm-disable")
+        wait_until(lambda: self._xdotool("get_num_desktops", check=False).returncode == 0, "the window manager")
+        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % self._background], env=self.environment, check=True)
 
     def _start_session_bus(self):
         address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
@@ -196,8 +200,7 @@ class Desktop:
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={path}"
         self._start_service("dbus-daemon", f"--config-file={settings}", "--nofork", "--nopidfile")
         self._system_bus = self._connect(f"unix:path={path}")
-        self._start_service("/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind")
-        wait_until(lambda: self._system_bus.has_owner("org.freedesktop.login1"), "the stand-in for logind")
+        self.start_logind()
 
     def _start_accessibility(self):
         address = self.bus.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
@@ -332,8 +335,40 @@ class Desktop:
 
     # What happens to the machine
 
+    def start_logind(self):
+        """Lets there be somebody who tells of the machine's falling asleep and waking."""
+        self._logind = self._start_service("/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind")
+        wait_until(lambda: self._system_bus.has_owner("org.freedesktop.login1"), "the stand-in for logind")
+
+    def stop_logind(self):
+        self._logind.kill()
+        self._logind.wait()
+        wait_until(lambda: not self._system_bus.has_owner("org.freedesktop.login1"), "the stand-in to go")
+
+    def fall_asleep(self):
+        """Tells that the machine is about to fall asleep."""
+        self._prepare_for_sleep(True)
+
     def wake(self):
         """Tells of the machine's waking from sleep."""
+        self._prepare_for_sleep(False)
+
+    def _prepare_for_sleep(self, begins):
         self._system_bus.call("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.DBus.Mock",
                               "EmitSignal", "(sssav)", "org.freedesktop.login1.Manager", "PrepareForSleep", "b",
-                              [GLib.Variant("b", False)])
+                              [GLib.Variant("b", begins)])
+
+    def stop_display(self):
+        """Takes the screen away, and with it every window."""
+        self._display.kill()
+        self._display.wait()
+        self._window_manager.status()
+
+    def start_display(self):
+        """Brings the screen back where it was."""
+        self._start_display()
+        self._start_window_manager()
+
+    def stop_session_bus(self):
+        self.session_bus_process.kill()
+        self.session_bus_process.wait()

@@ -3,8 +3,11 @@
 import os
 import time
 
+from statusitem import StatusItem
 from waiting import wait_until
 
+NAME = "org.marvelode.Timer"
+PATH = "/org/marvelode/Timer"
 PROGRAM = os.path.abspath(os.environ["MARVELODE_TIMER"])
 
 # What the settings hold after a first run; during a first run, switches that are turned off turn on again.
@@ -26,6 +29,26 @@ class Timer:
 
     def item(self):
         return self.desktop.status_item(self.program.pid)
+
+    def item_without_panel(self):
+        """The status item as it waits for a panel; waits for the program to be there."""
+        wait_until(lambda: self.desktop.bus.has_owner(NAME), "the program on the bus")
+        return StatusItem(self.desktop.bus, NAME, "/StatusNotifierItem")
+
+    def command(self, method):
+        """Has the program do something, as a script does; raises GLib.Error if it refuses."""
+        self.desktop.bus.call(NAME, PATH, NAME, method)
+
+    def get(self, property_name):
+        """What the program tells scripts."""
+        return self.desktop.bus.get(NAME, PATH, NAME, property_name)
+
+    def await_state(self, state, seconds=10):
+        wait_until(lambda: self.desktop.bus.has_owner(NAME) and self.get("State") == state, f"“{state}”", seconds)
+
+    def start_again(self, *arguments):
+        """Starts the program once more on the same desktop."""
+        return self.desktop.start(PROGRAM, *arguments)
 
     def store(self, settings):
         """Writes the settings as somebody with a text editor does."""
