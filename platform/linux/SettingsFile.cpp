@@ -76,10 +76,12 @@ std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
     if (!_unwritten.empty() && g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC) {
         write();
     }
-    if (const auto found = _unwritten.find(key); found != _unwritten.end()) {
-        return found->second;
+    for (const Values* values : {&_unwritten, &_stored}) {
+        if (const auto found = values->find(key); found != values->end()) {
+            return found->second;
+        }
     }
-    return storedValue(std::string{key});
+    return std::nullopt;
 }
 
 void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
@@ -120,6 +122,7 @@ void SettingsFile::read() {
     }
     _mayWrite = true;
     _file = std::move(file);
+    parseValues();
 }
 
 /// Goes on with the values known so far: the defaults at the start, the last good ones later.
@@ -164,11 +167,17 @@ void SettingsFile::write() {
     _unwritten.clear();
     _reported.clear();
     _seen = fingerprint();
+    parseValues();
 }
 
-std::optional<DefaultsValue> SettingsFile::storedValue(const std::string& key) const {
-    const TextHandle text{g_key_file_get_value(_file.get(), group, key.c_str(), nullptr)};
-    return text ? std::optional{parsed(text.get())} : std::nullopt;
+void SettingsFile::parseValues() {
+    _stored.clear();
+    const std::unique_ptr<char*, Release<g_strfreev>> keys{
+        g_key_file_get_keys(_file.get(), group, nullptr, nullptr)};
+    for (char** key = keys.get(); key && *key; ++key) {
+        const TextHandle text{g_key_file_get_value(_file.get(), group, *key, nullptr)};
+        _stored.insert_or_assign(*key, parsed(text.get()));
+    }
 }
 
 SettingsFile::Fingerprint SettingsFile::fingerprint() const {

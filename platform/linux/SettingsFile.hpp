@@ -46,13 +46,14 @@ private:
         std::int64_t nanoseconds = 0;
         bool operator==(const Fingerprint&) const = default;
     };
+    using Values = std::map<std::string, DefaultsValue, std::less<>>;
     using KeyFileHandle = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
 
     void readIfChanged();
     void read();
     void keepAside(const std::filesystem::path& file, const std::string& reason);
     void write();
-    std::optional<DefaultsValue> storedValue(const std::string& key) const;
+    void parseValues();
     Fingerprint fingerprint() const;
     void report(const std::string& problem, const std::string& reason);
 
@@ -60,7 +61,8 @@ private:
     std::function<void(std::string_view)> _logError;
     KeyFileHandle _file;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
-    std::map<std::string, DefaultsValue, std::less<>> _unwritten;
+    Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever
+    Values _unwritten;
     std::int64_t _lastAttempt = 0; // monotonic microseconds
     bool _mayWrite = true;         // false: the file is there but cannot be read, so it must not be replaced
     std::string _reported;         // the problem at hand
