@@ -34,7 +34,7 @@ void keepMemorySmall() {
     mallopt(M_ARENA_MAX, 1);
     mallopt(M_MMAP_THRESHOLD, large);
     mallopt(M_TRIM_THRESHOLD, large);
-    mallopt(M_TOP_PAD, 0);
+    mallopt(M_TOP_PAD, large);
 }
 
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
