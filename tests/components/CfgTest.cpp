@@ -85,12 +85,15 @@ TEST_F(TheStore, WritesTheFirstRunsDefaultsAtEveryRead) {
     }
 }
 
-TEST_F(TheStore, DoesNotSpareTheMuteSettingInAFirstRun) {
+TEST_F(TheStore, LeavesTheMuteSettingAloneInAFirstRun) {
     makeFresh();
     const auto cfg = makeCfg();
-    cfg->isFirstRun();
-    desktop.defaults["Mute"] = true;
+    EXPECT_TRUE(cfg->isFirstRun());
+    EXPECT_TRUE(cfg->toggleMute());
     EXPECT_TRUE(cfg->isMuted());
+    EXPECT_FALSE(cfg->toggleMute());
+    EXPECT_FALSE(cfg->isMuted());
+    EXPECT_EQ(stored("Mute"), DefaultsValue{false});
 }
 
 // Popups
