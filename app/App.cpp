@@ -33,7 +33,10 @@ bool isTicked(const NSSuppressionButton* button) {
 const NSImage& App::Icon::image() {
     static const NSImage image = [] {
         std::optional<NSImage> found = NSImage::named("Marvelode.png");
-        return found ? *found : (platform::fatal(), NSImage{});
+        if (!found) {
+            platform::fatal();
+        }
+        return *found;
     }();
     return image;
 }

@@ -45,7 +45,7 @@ public:
     /// Seconds until the current work interval ends; negative once it has ended, also during snoozes.
     platform::TimeInterval countdown() const;
 
-    /// The action of the cycle's timer. A timer that is not the current one, or no longer valid, is ignored.
+    /// The action of the cycle's timer. Late calls by replaced or invalidated timers do nothing.
     void timeExpired(const std::shared_ptr<platform::Timer>& fired);
 
     /// A work interval has ended.

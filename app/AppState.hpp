@@ -6,9 +6,9 @@
 namespace marvelode {
 
 enum class AppState {
-    Init,      ///< Constructed; no work interval has started yet. Left once and never entered again.
+    Init,      ///< Before the first interval; never again.
     Timing,    ///< A work interval is running.
-    Reminding, ///< The work interval has ended and no new one has started.
+    Reminding, ///< A break is due; the next interval waits.
 };
 
 } // namespace marvelode

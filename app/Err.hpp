@@ -1,7 +1,6 @@
 #pragma once
 
-// The program's one error type: a message for the log. Errors are caught close to where they arise and are
-// never shown to the user.
+// The program's one error type. It is thrown and caught within one operation; its text ends in the log at most.
 
 #include <exception>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-// The user's settings. Nothing is cached: every read goes to the defaults, every change is written and then
-// published on the bus, so it takes effect at once.
+// The user's settings, straight from the desktop's store: nothing is remembered here, and whoever subscribed hears
+// of a change once it is stored.
 
 #include "config/BuildInfo.hpp"
 #include "platform/Date.hpp"

@@ -33,8 +33,11 @@ std::vector<node::TextRun> runsOf(const std::string& markdown) {
 
 template <typename Kind>
 Kind& the(Node& node) {
-    Kind* kind = std::get_if<Kind>(&node);
-    return kind ? *kind : (fatal(), *kind);
+    Kind* const kind = std::get_if<Kind>(&node);
+    if (!kind) {
+        fatal();
+    }
+    return *kind;
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
-// The menu behind the status item, and the two windows that it opens. Restarting and quitting are requests
-// that it publishes on the bus; muting and popups are switched through the settings store.
+// The menu behind the status item, and the two windows that it opens. It asks for a restart or the end over the
+// bus, and flips the two switches in `Cfg`.
 
 #include "alerts/UXAudio.hpp"
 #include "app/Events.hpp"

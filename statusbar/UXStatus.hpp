@@ -1,7 +1,7 @@
 #pragma once
 
-// The program's item in the menu bar: an icon that tells whether the timer runs or a break is due, and a
-// short text beside it. It follows the break cycle and never changes it.
+// What stands in the menu bar: one of two pictures, and the time beside it. It follows the break cycle and never
+// changes it.
 
 #include "alerts/UXAudio.hpp"
 #include "app/Events.hpp"
@@ -19,7 +19,7 @@ namespace marvelode {
 class UXStatus {
 public:
     /// Subscribes to every kind of event; shows nothing yet. `state` gives the phase of the break cycle and
-    /// `remainingTime` the seconds left, negative once the break is due. Must outlive the bus's deliveries.
+    /// `remainingTime` the seconds left, negative once the break is due. The item must outlive the bus.
     UXStatus(std::shared_ptr<Cfg> cfg, std::shared_ptr<UXAudio> audio, std::shared_ptr<BuildInfo> buildInfo,
              std::shared_ptr<Events> events, std::function<AppState()> state,
              std::function<platform::TimeInterval()> remainingTime);

@@ -10,7 +10,8 @@ namespace {
 
 /// The integer part; stops the program where there is none.
 std::int64_t truncated(double number) {
-    const bool fits = number > -9223372036854775808.0 && number < 9223372036854775808.0;
+    constexpr double nextBelowLowest = -9223372036854777856.0; // the lowest integer itself still fits
+    const bool fits = number > nextBelowLowest && number < 9223372036854775808.0;
     if (!fits) {
         platform::fatal();
     }

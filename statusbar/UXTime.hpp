@@ -1,7 +1,7 @@
 #pragma once
 
-// The short text beside the icon: whole hours, else whole minutes, and bare seconds only at the very end or
-// the very beginning. Both operations depend on nothing but their argument.
+// The short text beside the icon: hours or minutes, and seconds without a unit when little is left or gone. Both
+// operations depend on nothing but their argument.
 
 #include "platform/Date.hpp"
 

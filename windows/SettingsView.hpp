@@ -1,7 +1,7 @@
 #pragma once
 
-// The settings form. Nothing is saved while the user edits; everything is written in one step when the user
-// confirms. Copies share what the user entered, which stays from one showing to the next.
+// The settings form. Edits stay in the form until OK saves them all. Copies share what the user entered, which
+// stays from one showing to the next.
 
 #include "alerts/UXAudio.hpp"
 #include "config/Cfg.hpp"

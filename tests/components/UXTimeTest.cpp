@@ -71,6 +71,7 @@ TEST(BothTexts, WriteNegativeSpansAsSeconds) {
 TEST(BothTexts, GoUpToTheLargestNumbers) {
     EXPECT_EQ(UXTime::countdown(9223372036854774784.0), ">2562047788015215h");
     EXPECT_EQ(UXTime::countup(-9223372036854774784.0), "+-9223372036854774784");
+    EXPECT_EQ(UXTime::countup(-9223372036854775808.0), "+-9223372036854775808");
 }
 
 class UXTimeDeathTest : public testing::TestWithParam<double> {
@@ -86,7 +87,7 @@ TEST_P(UXTimeDeathTest, WhatIsNoNumberOrTooLargeIsFatal) {
 INSTANTIATE_TEST_SUITE_P(Impossible, UXTimeDeathTest,
                          testing::Values(std::nan(""), std::numeric_limits<double>::infinity(),
                                          -std::numeric_limits<double>::infinity(), 9223372036854775808.0,
-                                         -9223372036854775808.0),
+                                         -9223372036854777856.0),
                          [](const auto& value) { return "Value" + std::to_string(value.index); });
 
 } // namespace
