@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-/// As large as its content; top left is the origin.
+/// As large as its content.
 @interface HostingView : NSView <NSTextFieldDelegate> {
     std::vector<std::function<void()>> _actions; // by the tags of the controls
     std::vector<std::pair<NSTextField*, const platform::node::TextField*>> _textFields;

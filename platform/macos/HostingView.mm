@@ -154,7 +154,7 @@ private:
     Box drawNode(const platform::node::Image& image, const Environment& environment) {
         NSImageView* const view = [[[NSImageView alloc] initWithFrame:NSZeroRect] autorelease];
         [view setImageFrameStyle:NSImageFrameNone];
-        [view setImageScaling:NSImageScaleAxesIndependently];
+        [view setImageScaling:NSImageScaleProportionallyUpOrDown];
         [view setImage:[NSImage imageNamed:toCocoa(image.image.name)]];
         return Box{view,
                    {environment.width.value_or(image.image.size.width),
@@ -176,6 +176,7 @@ private:
         NSButton* const toggle = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
         [toggle setButtonType:NSButtonTypeSwitch];
         [toggle setTitle:toCocoa(node.title)];
+        [toggle setImagePosition:node.title.empty() ? NSImageOnly : NSImageLeft];
         [toggle setState:node.isOn.get() ? NSControlStateValueOn : NSControlStateValueOff];
         [toggle setEnabled:!environment.isDisabled];
         [_host connect:toggle to:[toggle, &node] { node.isOn.set([toggle state] == NSControlStateValueOn); }];
@@ -240,21 +241,21 @@ private:
         [self setFrameSize:NSMakeSize(content.size.width, content.size.height)];
         NSView* previous = nil;
         for (const auto& [view, frame] : content.views) {
-            [view setFrame:frame];
+            [view setFrame:NSMakeRect(NSMinX(frame), content.size.height - NSMaxY(frame), NSWidth(frame),
+                                      NSHeight(frame))];
             [self addSubview:view];
-            if ([view acceptsFirstResponder]) {
-                _firstFocusable = _firstFocusable ? _firstFocusable : view;
-                [previous setNextKeyView:view];
-                previous = view;
+            if (![view acceptsFirstResponder] || [view isKindOfClass:[NSImageView class]]) {
+                continue;
             }
+            if (!_firstFocusable && ![view isKindOfClass:[LinkButton class]]) {
+                _firstFocusable = view;
+            }
+            [previous setNextKeyView:view];
+            previous = view;
         }
         [previous setNextKeyView:_firstFocusable];
     }
     return self;
-}
-
-- (BOOL)isFlipped {
-    return YES;
 }
 
 - (NSView*)firstFocusable {

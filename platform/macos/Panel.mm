@@ -53,7 +53,6 @@ Panel::Panel(platform::NSPanel& model, const platform::View& content)
     [_contentView.get() setHidden:YES];
     [panel setTitleVisibility:static_cast<NSWindowTitleVisibility>(model.titleVisibility)];
     [panel setTitlebarAppearsTransparent:model.titlebarAppearsTransparent];
-    [panel setInitialFirstResponder:[_contentView.get() firstFocusable]];
 }
 
 Panel::~Panel() {
@@ -65,6 +64,7 @@ void Panel::center() { [_panel.get() center]; }
 
 void Panel::runModal() {
     [_contentView.get() setHidden:NO];
+    [_panel.get() makeFirstResponder:[_contentView.get() firstFocusable]];
     [NSApp runModalForWindow:_panel.get()];
     [_contentView.get() setHidden:YES];
 }

@@ -73,6 +73,11 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 
 @implementation NSWindow (ShimMethods)
 
+- (NSButton*)standardWindowButton:(NSWindowButton)button {
+    (void)button;
+    return nil;
+}
+
 - (void)setPreventsApplicationTerminationWhenModal:(BOOL)prevents {
     (void)prevents;
 }
