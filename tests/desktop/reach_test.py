@@ -1,16 +1,17 @@
 #!/usr/bin/python3
 """The timer can always be reached: without a tray, by a second start, by scripts; and its popup is always seen.
 
-Run as program_test.py is.
+Run as program_test.py is; what is preloaded for two monitors is named as TWO_MONITORS.
 """
 
+import os
 import time
 import unittest
 
 from gi.repository import GLib
 
 import processes
-from desktop import Desktop
+from desktop import PANEL_HEIGHT, Desktop
 from notifications import NotificationArea
 from statusitem import WATCHER
 from timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
@@ -400,6 +401,22 @@ class Popup(unittest.TestCase):
         popup.find("push button", "Snooze").press()
         timer.await_no_window()
         timer.quit(self)
+
+    def test_it_comes_up_on_the_monitor_with_the_pointer(self):
+        with Desktop() as desktop:
+            timer = Timer(desktop, "-TimerInterval", "2", settings=AFTER_FIRST_RUN | {"Mute": "true"},
+                          LD_PRELOAD=os.environ["TWO_MONITORS"])
+            half = desktop.width // 2
+            for left in half, 0:
+                desktop.point_at(left + 50, desktop.height - 50)
+                popup = timer.window(role="alert")
+                x, y, width, height = popup.extents
+                self.assertAlmostEqual(x + width / 2, left + half / 2, delta=2)
+                self.assertAlmostEqual(y + height / 2, desktop.height / 2, delta=PANEL_HEIGHT)
+                if left > 0:
+                    popup.find("push button", "Restart").press()
+                    timer.await_no_window()
+            self.snooze_and_quit(timer, popup)
 
     def test_it_stands_above_a_full_screen_window_and_gives_the_keyboard_back(self):
         with Desktop() as desktop:
