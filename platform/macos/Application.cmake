@@ -1,0 +1,20 @@
+# "Marvelode Timer.app": the program with its property list, icon and resources, signed.
+set(MARVELODE_SIGNING_IDENTITY "-" CACHE STRING "Who signs the application; \"-\" signs it for this machine only")
+
+set(resources ${MARVELODE_BUILD_INFO})
+foreach(name Marvelode.icns Marvelode.png MarvelodeGrey.png Sonar.m4a Bowl.m4a Whistle.m4a)
+    list(APPEND resources ${PROJECT_SOURCE_DIR}/resources/${name})
+endforeach()
+set_source_files_properties(${resources} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+
+add_executable(marvelode-timer MACOSX_BUNDLE main.mm ${resources})
+set_target_properties(marvelode-timer PROPERTIES
+    OUTPUT_NAME "Marvelode Timer"
+    RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
+    MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/packaging/macos/Info.plist.in)
+target_link_libraries(marvelode-timer PRIVATE components cocoa_desktop warnings)
+add_custom_target(sign ALL
+    COMMAND codesign --force --options runtime --sign ${MARVELODE_SIGNING_IDENTITY} $<TARGET_BUNDLE_DIR:marvelode-timer>
+    VERBATIM)
+add_dependencies(sign marvelode-timer) # the whole application, resources included
+install(TARGETS marvelode-timer BUNDLE DESTINATION .)
