@@ -138,17 +138,25 @@ protected:
 
     static NSPopUpButton* picker() { return [viewsOfClass([NSPopUpButton class]) lastObject]; }
 
-    static void pressReturn() {
-        [frontWindow() performKeyEquivalent:[NSEvent keyEventWithType:NSEventTypeKeyDown
-                                                                   location:NSZeroPoint
-                                                              modifierFlags:0
-                                                                  timestamp:0
-                                                               windowNumber:[frontWindow() windowNumber]
-                                                                    context:nil
-                                                                 characters:@"\r"
-                                                charactersIgnoringModifiers:@"\r"
-                                                                  isARepeat:NO
-                                                                    keyCode:36]];
+    static NSEvent* key(NSString* character, NSEventModifierFlags modifiers) {
+        return [NSEvent keyEventWithType:NSEventTypeKeyDown
+                                location:NSZeroPoint
+                           modifierFlags:modifiers
+                               timestamp:0
+                            windowNumber:[frontWindow() windowNumber]
+                                 context:nil
+                              characters:character
+             charactersIgnoringModifiers:character
+                               isARepeat:NO
+                                 keyCode:0];
+    }
+
+    static void pressReturn() { [frontWindow() performKeyEquivalent:key(@"\r", 0)]; }
+
+    /// What the open menu does with a key that is pressed together with Command.
+    static void pressCommand(NSString* letter) {
+        [statusMenu() update]; // as it does when it opens
+        [statusMenu() performKeyEquivalent:key(letter, NSEventModifierFlagCommand)];
     }
 
     Session session;
@@ -278,6 +286,25 @@ TEST_F(MacStories, TheMenuOffersWhatItShould) {
                pick("Popup reminders");
                EXPECT_EQ([menuEntry("Popup reminders") state], NSControlStateValueOff);
            }}});
+    run();
+}
+
+TEST_F(MacStories, TheMenuHasKeysForRestartingSettingsAndQuitting) {
+    user({
+        {launched, [] { store(@"TimerInterval", @(1200)); }},
+        {launched, [] { pressCommand(@"r"); }},
+        {launched,
+         [] {
+             EXPECT_EQ(title(), "20m") << "restarted with the new interval";
+             pressCommand(@"s");
+         }},
+        {panel, [] { closeFrontWindow(); }},
+        {noWindow,
+         [this] {
+             isDone = true;
+             pressCommand(@"q");
+         }},
+    });
     run();
 }
 

@@ -13,6 +13,7 @@
 #define NSBezelStyleRounded NSRoundedBezelStyle
 #define NSButtonTypeMomentaryPushIn NSMomentaryPushInButton
 #define NSButtonTypeSwitch NSSwitchButton
+#define NSEventModifierFlagCommand NSCommandKeyMask
 #define NSEventTypeKeyDown NSKeyDown
 #define NSEventMaskAny NSAnyEventMask
 #define NSEventTypeApplicationDefined NSApplicationDefined
