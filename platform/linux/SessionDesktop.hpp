@@ -109,7 +109,7 @@ private:
     std::optional<StatusNotifierItem> _statusNotifierItem;
     std::optional<WakeWatcher> _wakeWatcher;
     unsigned long _busClosedHandler;
-    std::array<unsigned, 3> _signalSources;
+    std::array<unsigned, 3> _signalSources{};
 };
 
 } // namespace platform::freedesktop

@@ -61,7 +61,7 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
                 drawFor(TrayHost::ofProcess(processName));
                 trayChanged(true);
             },
-            [trayChanged] { trayChanged(false); }, std::move(logError)} {}
+            [trayChanged = std::move(trayChanged)] { trayChanged(false); }, std::move(logError)} {}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);

@@ -103,11 +103,11 @@ public:
     /// The menu from top to bottom: "- " before an entry that cannot be picked, "x " before one with a check mark,
     /// " (k)" behind one with a key; "---" is a separator.
     Lines menu() const;
-    bool isEnabled(std::string_view entry) const;
-    bool isChecked(std::string_view entry) const;
+    bool isEnabled(std::string_view title) const;
+    bool isChecked(std::string_view title) const;
 
     /// Picks an entry of the menu.
-    void pick(std::string_view entry);
+    void pick(std::string_view title);
 
     /// Presses the menu's modifier and `key` while the menu is open.
     void pickByKey(std::string_view key);

@@ -33,6 +33,7 @@ TEST(Lines, AreLeftOutWhenEmpty) {
 }
 
 TEST(Lines, AreNotCutInsideOtherCharacters) {
+    // NOLINTNEXTLINE(misc-misleading-bidirectional): the character next to those that separate lines is one
     EXPECT_EQ(nonEmptyLines("\u2027\u202A\u00C5\u0084"), (Lines{"\u2027\u202A\u00C5\u0084"}));
 }
 

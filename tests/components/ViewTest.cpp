@@ -28,7 +28,7 @@ TEST(AText, LeavesBracketsThatAreNoLinks) {
 
 TEST(AState, IsSharedByItsCopies) {
     State<int> state{1};
-    const State<int> copy = state;
+    const State<int> copy = state; // NOLINT(performance-unnecessary-copy-initialization): it is what is tested
     state.binding().set(2);
     EXPECT_EQ(*copy, 2);
     EXPECT_EQ(copy.binding().get(), 2);

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace platform::freedesktop {
@@ -88,7 +89,8 @@ protected:
     std::deque<std::function<void()>> posted;
     std::vector<std::string> picked;
     std::shared_ptr<NSMenu> menu = std::make_shared<NSMenu>();
-    MenuExport exported{program.get(), menuPath, [this](std::function<void()> work) { posted.push_back(work); }};
+    MenuExport exported{program.get(), menuPath,
+                        [this](std::function<void()> work) { posted.push_back(std::move(work)); }};
 };
 
 TEST_F(Menu, IsLaidOutWithMarksSeparatorsAndShortcuts) {
