@@ -25,6 +25,9 @@ constexpr const char* objectPath = "/org/marvelode/Timer";
 class ControlTest : public testing::Test {
 protected:
     ControlTest() { EXPECT_TRUE(Control::claimName(bus.get())); }
+    void TearDown() override {
+        g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
+    } // and gives the name back
 
     VariantHandle ask(const char* interface, const char* method, GVariant* arguments,
                       std::string* error = nullptr) {

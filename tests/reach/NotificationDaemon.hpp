@@ -25,6 +25,9 @@ public:
     };
 
     NotificationDaemon() { takeName(_bus.get(), name); }
+    ~NotificationDaemon() { g_dbus_connection_close_sync(_bus.get(), nullptr, nullptr); }
+    NotificationDaemon(const NotificationDaemon&) = delete;
+    NotificationDaemon& operator=(const NotificationDaemon&) = delete;
 
     /// The user chooses an action of the message of that number.
     void choose(std::uint32_t number, const char* key) {
