@@ -101,7 +101,7 @@ TEST_F(Alerts, StandOnTopOfOneAnother) {
             [&] {
                 if (std::exchange(isFirst, false)) {
                     EXPECT_EQ(question().runModal(), 1002);
-                    driver->after(20ms, [&] { driver->pressAlertButton(0); });
+                    driver->after(150ms, [&] { driver->pressAlertButton(0); });
                 }
             },
             platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification);
