@@ -4,6 +4,7 @@ home. Programs run on it as on a real one; nothing of it outlives it, and it sha
 import os
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 from pathlib import Path
@@ -177,7 +178,9 @@ class Desktop:
             "-fbdir", str(screens), "-dpi", "96", "-nolisten", "tcp", "-noreset", "-nocursor", pass_fds=(writer,))
         os.close(writer)
         with open(reader) as answer:
-            self.environment["DISPLAY"] = ":" + answer.readline().strip()
+            number = answer.readline().strip()
+        assert number, "the display does not start"
+        self.environment["DISPLAY"] = ":" + number
         self._frame_buffer = screens / "Xvfb_screen0"
 
     def _start_window_manager(self):
@@ -362,10 +365,13 @@ class Desktop:
         """Takes the screen away, and with it every window."""
         self._display.kill()
         self._display.wait()
+        self._display_keeper = socket.socket(socket.AF_UNIX)  # lest another server takes the number
+        self._display_keeper.bind(f"\0/tmp/.X11-unix/X{self.environment['DISPLAY'][1:]}")
         self._window_manager.status()
 
     def start_display(self):
         """Brings the screen back where it was."""
+        self._display_keeper.close()
         self._start_display()
         self._start_window_manager()
 
