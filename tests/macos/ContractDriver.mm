@@ -1,12 +1,12 @@
 // The contract's hands on the Mac's desktop: deeds are done from the real run loop, in real time.
 
 #include "platform/NSApplication.hpp"
-#import "platform/macos/Strings.hpp"
 #include "tests/contract/Driver.hpp"
 #import "tests/macos/Session.hpp"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -47,8 +47,9 @@ public:
     }
 
     void install(std::string_view fileName, std::string_view bytes) override {
-        const std::string folder = cocoa::fromCocoa([[NSBundle mainBundle] resourcePath]);
-        std::ofstream{folder + "/" + std::string{fileName}, std::ios::binary} << bytes;
+        // not by way of NSBundle: GNUstep's remembers what it saw in a folder, and must not look too early
+        const auto folder = std::filesystem::canonical("/proc/self/exe").parent_path() / "Resources";
+        std::ofstream{folder / fileName, std::ios::binary} << bytes;
     }
 
     ResourceName playableSound() override { return {"Chime", "wav"}; }

@@ -293,11 +293,7 @@ TEST_F(MacStories, TheMenuHasKeysForRestartingSettingsAndQuitting) {
     user({
         {launched, [] { store(@"TimerInterval", @(1200)); }},
         {launched, [] { pressCommand(@"r"); }},
-        {launched,
-         [] {
-             EXPECT_EQ(title(), "20m") << "restarted with the new interval";
-             pressCommand(@"s");
-         }},
+        {[] { return title() == "20m"; }, [] { pressCommand(@"s"); }},
         {panel, [] { closeFrontWindow(); }},
         {noWindow,
          [this] {
