@@ -11,9 +11,9 @@ import processes
 from legibility import contrast, find, likeness
 from picture import Picture
 from statusitem import WATCHER
+from sway import Sway
 from waiting import wait_until
 
-NOBODY = 65534
 RESOURCES = Path(__file__).resolve().parents[2] / "resources"
 WRITE_LABEL = str(Path(__file__).resolve().with_name("write-label"))
 
@@ -174,7 +174,6 @@ class Waybar(WidePictures):
 
     name, process, size = "waybar", "waybar", 16
     takes_keys = False
-    GROUND = bytes((0x33, 0x66, 0x99, 0xff))
 
     def configure(self):
         folder = self.desktop.config / "waybar"
@@ -187,35 +186,16 @@ class Waybar(WidePictures):
             "#tray, #clock { padding: 0 8px; }\n")
 
     def start(self):
-        folder = self.desktop.folder / "sway"
-        folder.mkdir(exist_ok=True)
-        settings = folder / "config"
-        settings.write_text("output * bg #336699 solid_color\ndefault_border none\n")
-        command = ["sway", "--config", str(settings)]
-        if os.geteuid() == 0:  # sway refuses to run as root
-            os.chown(folder, NOBODY, NOBODY)
-            os.chmod(self.desktop.folder, 0o711)
-            command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", *command]
-        folder.chmod(0o700)
-        compositor = self.desktop.start(*command, WLR_BACKENDS="x11", WLR_RENDERER="pixman", HOME=str(folder),
-                                        XDG_RUNTIME_DIR=str(folder), XDG_CONFIG_HOME=None, XDG_CACHE_HOME=None)
-        self._programs = [compositor]
-        display = wait_until(lambda: next((path for path in folder.glob("wayland-?") if path.is_socket()), None),
-                             "sway")
-        self.area = wait_until(self._screen, "the window of sway")
-        self._programs.append(self.desktop.start("waybar", WAYLAND_DISPLAY=str(display), GDK_BACKEND="wayland",
-                                                 XDG_SESSION_TYPE="wayland", XDG_CURRENT_DESKTOP="sway"))
+        self._compositor = Sway(self.desktop)
+        self._compositor.start()
+        x, y, width, _ = self._compositor.area
+        self.area = (x, y, width, 30)
+        self._programs = [self.desktop.start("waybar", **self._compositor.environment)]
         self.await_watcher()
 
-    def _screen(self):
-        """Where the upper edge of sway's screen is, told by its colour."""
-        screen = self.desktop.screenshot()
-        begin = screen.pixels.find(self.GROUND * 100)
-        if begin < 0:
-            return None
-        x, y = begin // 4 % screen.width, begin // 4 // screen.width
-        width = next(at for at in range(100, screen.width) if screen.pixel(x + at, y) != tuple(self.GROUND))
-        return x, y, width, 30
+    def stop(self):
+        self._compositor.stop()
+        super().stop()
 
     def chosen(self, pictures):
         return pictures[max(pictures)] if pictures else None

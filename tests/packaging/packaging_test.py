@@ -223,7 +223,7 @@ class DebianPackage(PackagingTest):
 
     def test_it_depends_on_what_the_programs_need(self):
         depends = self.field("Depends")
-        for package in (r"libc6", r"libglib2\.0-0\w*", r"libgtk-3-0\w*", r"libcanberra0\w*",
+        for package in (r"libc6", r"libglib2\.0-0\w*", r"libgtk-3-0\w*", r"libgtk-layer-shell0", r"libcanberra0\w*",
                         r"libavcodec\d+", r"libavformat\d+", r"dbus-session-bus", r"dbus-bin"):
             self.assertRegex(depends, rf"(^|[ ,|]){package}($|[ ,])")
 

@@ -1,8 +1,13 @@
 // Shows the program's windows and prints what becomes of them, line by line, for a script that plays the user:
-// each argument is a `popup`, `settings` or `about`. The views are shaped like the program's own.
+// each argument is a `popup`, `settings` or `about`, or the small window, `status` if the user asked for it and else
+// `unasked`. The views are shaped like the program's own.
 
+#include "platform/linux/StatusWindow.hpp"
 #include "tests/window/BareDesktop.hpp"
 
+#include <glib-unix.h>
+
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -138,11 +143,59 @@ void popup() {
     std::cout << "answered " << answer << (isTicked ? " ticked" : "") << std::endl;
 }
 
+/// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass.
+class Status {
+public:
+    Status(const std::filesystem::path& helper, bool isUnasked)
+        : _window{helper, [this](NSMenuItem& item) { pick(item); },
+                  [](std::string_view error) { std::cout << "error: " << error << std::endl; }} {
+        for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
+            _menu->addItem(std::make_shared<NSMenuItem>(title, [](NSMenuItem&) {}, ""));
+        }
+        _menu->itemWithTitle("Mute")->setState(NSMenuItem::StateValue::Off);
+        show();
+        isUnasked ? _window.appear() : _window.open();
+        const auto minutePasses = [](gpointer self) -> gboolean {
+            --static_cast<Status*>(self)->_minutes;
+            static_cast<Status*>(self)->show();
+            return G_SOURCE_CONTINUE;
+        };
+        _signal = g_unix_signal_add(SIGUSR1, minutePasses, this);
+    }
+    ~Status() { g_source_remove(_signal); }
+    Status(const Status&) = delete;
+    Status& operator=(const Status&) = delete;
+
+    void run() const {
+        while (!_isOver) {
+            g_main_context_iteration(nullptr, TRUE);
+        }
+    }
+
+private:
+    void pick(NSMenuItem& item) {
+        std::cout << "picks " << item.title << std::endl;
+        if (item.hasState()) {
+            using enum NSMenuItem::StateValue;
+            item.setState(item.state() == On ? Off : On);
+        }
+        _isOver = item.title == "Quit";
+        show();
+    }
+    void show() { _window.show({std::to_string(_minutes) + "m", {}, {}, {}}, _menu); }
+
+    int _minutes = 9;
+    bool _isOver = false;
+    std::shared_ptr<NSMenu> _menu = std::make_shared<NSMenu>();
+    freedesktop::StatusWindow _window;
+    unsigned _signal = 0;
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc < 4) {
-        std::cerr << "usage: window_shower HELPER RESOURCES popup|settings|about...\n";
+        std::cerr << "usage: window_shower HELPER RESOURCES popup|settings|about|status|unasked...\n";
         return EXIT_FAILURE;
     }
     freedesktop::BareDesktop desktop{argv[1], argv[2]};
@@ -155,6 +208,8 @@ int main(int argc, char** argv) {
             runPanel([&] { return settings.body(); });
         } else if (window == "about") {
             runPanel(about);
+        } else if (window == "status" || window == "unasked") {
+            Status{argv[1], window == "unasked"}.run();
         }
     }
     for (const std::string& error : desktop.errors) {

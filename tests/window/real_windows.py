@@ -15,10 +15,10 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "desktop"))
 
 from desktop import Desktop  # noqa: E402 (found through the line above)
+from shown import KEYLESS_SECONDS, ShownWindows  # noqa: E402
 from waiting import wait_until  # noqa: E402
 
 SHOWER, WINDOW_PROGRAM, RESOURCES = sys.argv[1:4]
-KEYLESS_SECONDS = 0.5
 
 BROWSER = """[Desktop Entry]
 Type=Application
@@ -38,53 +38,12 @@ Gtk.main()
 """
 
 
-class RealWindows(unittest.TestCase):
+class RealWindows(ShownWindows):
+    command = [SHOWER, WINDOW_PROGRAM, RESOURCES]
+
     @classmethod
     def setUpClass(cls):
         cls.desktop = cls.enterClassContext(Desktop(panel=False))
-
-    def show(self, *windows):
-        """Lets the windows be shown one after the other, and waits for the first to have the keyboard."""
-        self.shower = self.desktop.start(SHOWER, WINDOW_PROGRAM, RESOURCES, *windows)
-        self.addCleanup(self.end)
-        self.window_is_up()
-
-    def end(self):
-        if self.shower.is_running():
-            self.shower.send(signal.SIGTERM)
-        self.shower.status()
-        wait_until(lambda: not self.windows(), "the windows to go")
-
-    def windows(self):
-        return [each for each in self.desktop.windows() if each.name == "Marvelode Timer"]
-
-    def window_is_up(self, count=1):
-        """Waits for that many windows; gives the one that has the keyboard and took its time to listen to it."""
-        def active():
-            windows = self.windows()
-            return len(windows) == count and next((each for each in windows if each.has("active")), None)
-        self.window = wait_until(active, f"window {count}")
-        time.sleep(KEYLESS_SECONDS)
-        return self.window
-
-    def find(self, role, name):
-        found = self.window.find(role, name)
-        self.assertTrue(found, f"no {role} “{name}” in\n{self.window.outline()}")
-        return found
-
-    def press_keys(self, *keys):
-        for key in keys:
-            self.desktop.press_key(key)
-
-    def lines(self):
-        return self.shower.output().splitlines()
-
-    def expect_lines(self, *lines):
-        """Waits until exactly these lines were printed."""
-        try:
-            wait_until(lambda: self.lines() == list(lines), "the lines", 5)
-        except AssertionError:
-            self.assertEqual(self.lines(), list(lines))
 
     # The popup
 
@@ -132,7 +91,7 @@ class RealWindows(unittest.TestCase):
     def test_popup_takes_no_key_of_somebody_who_is_typing(self):
         for _ in range(10):
             begin = time.monotonic()
-            self.shower = self.desktop.start(SHOWER, WINDOW_PROGRAM, RESOURCES, "popup")
+            self.shower = self.start(*self.command, "popup")
             wait_until(lambda: self.desktop.active_window() and self.shower.helpers(), "the popup")
             self.press_keys("Return")
             was_quick = time.monotonic() - begin < KEYLESS_SECONDS
@@ -143,15 +102,13 @@ class RealWindows(unittest.TestCase):
                 self.expect_lines("answered 1000")
                 self.assertEqual(self.shower.status(), 0)
                 return
-            self.end()
+            self.end(self.shower)
         self.fail("the machine was never quick enough for this test")
 
     def test_popup_stays_above_other_windows(self):
         self.show("popup")
         before = self.desktop.screenshot().crop(*self.window.extents)
-        other = self.desktop.start("/usr/bin/python3", "-c", OTHER_WINDOW)
-        self.addCleanup(other.status)
-        self.addCleanup(other.send, signal.SIGTERM)
+        other = self.start("/usr/bin/python3", "-c", OTHER_WINDOW)
         wait_until(lambda: self.desktop.active_window()[1] == other.pid, "the other window to have the keyboard")
         wait_until(lambda: self.desktop.screenshot().pixel(5, self.desktop.height - 5)[:3] != (0, 0, 0),
                    "the other window to cover the screen")
@@ -308,6 +265,55 @@ class RealWindows(unittest.TestCase):
         wait_until(visited.exists, "the browser")
         wait_until(lambda: visited.read_text().strip() == "https://marvelode.example/support", "the address")
         self.assertEqual(self.lines(), [])
+
+
+    # The small window
+
+    def test_small_window_changes_in_place(self):
+        self.show("status")
+        self.find("push button", "Restart timer").focus()
+        number, _ = self.desktop.active_window()
+        words = self.find("label", "Break in 9 minutes").extents
+        left, top, width, height = self.window.extents
+        before = self.desktop.screenshot().crop(left, top, width, height)
+        self.shower.send(signal.SIGUSR1)
+        frames = []
+
+        def is_changed():
+            frames.append(self.desktop.screenshot().crop(left, top, width, height).difference(before))
+            return self.window.find("label", "Break in 8 minutes") and any(frames)
+        wait_until(is_changed, "the words to change")
+        for _ in range(10):
+            is_changed()
+        for changed in filter(None, frames):
+            self.assertGreaterEqual(changed[0], words[0] - left)
+            self.assertGreaterEqual(changed[1], words[1] - top)
+            self.assertLessEqual(changed[2], words[0] - left + words[2])
+            self.assertLessEqual(changed[3], words[1] - top + words[3])
+        self.assertTrue(self.find("push button", "Restart timer").has("focused"))
+        self.assertEqual(self.desktop.active_window()[0], number)
+        self.press_keys("space")
+        self.expect_lines("picks Restart timer")
+
+    def test_small_window_keeps_the_keyboard_on_the_entry_that_was_picked(self):
+        self.show("status")
+        self.find("toggle button", "Mute").focus()
+        for is_on in True, False, True:
+            self.press_keys("space")
+            wait_until(lambda: self.find("toggle button", "Mute").has("checked") == is_on, "the switch")
+            wait_until(lambda: self.find("toggle button", "Mute").has("focused"), "the keyboard on the switch")
+        self.expect_lines(*["picks Mute"] * 3)
+        self.press_keys("Tab", "space")
+        self.expect_lines(*["picks Mute"] * 3, "picks Quit")
+        self.assertEqual(self.shower.status(), 0)
+
+    def test_small_window_that_nobody_asked_for_leaves_the_keyboard(self):
+        other = self.start("/usr/bin/python3", "-c", OTHER_WINDOW)
+        wait_until(lambda: (self.desktop.active_window() or (None, None))[1] == other.pid, "the other window")
+        self.shower = self.start(*self.command, "unasked")
+        wait_until(self.windows, "the small window")
+        time.sleep(KEYLESS_SECONDS)
+        self.assertEqual(self.desktop.active_window()[1], other.pid)
 
 
 class ByHand(unittest.TestCase):

@@ -2,6 +2,7 @@
 
 #include "platform/linux/window/Pictures.hpp"
 
+#include <gtk-layer-shell.h>
 #ifdef GDK_WINDOWING_X11
 #include <gdk/gdkx.h>
 #endif
@@ -71,6 +72,28 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     return controls;
 }
 
+/// Puts the window above all others, full-screen ones included, if the compositor has layers for that.
+void raiseToLayer(GtkWindow* window) {
+    if (gtk_layer_is_supported()) {
+        gtk_layer_init_for_window(window);
+        gtk_layer_set_namespace(window, "marvelode-timer");
+        gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_OVERLAY);
+        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE);
+        gtk_window_set_decorated(window, TRUE); // with shadow and corners, as anywhere else
+    }
+}
+
+/// Lets a window in a layer have the keyboard when it is clicked, and not before; compositors that cannot do that
+/// never give it.
+void leaveKeyboardUntilClicked(GtkWindow* window) {
+    constexpr guint firstVersionOnDemand = 4;
+    if (gtk_layer_get_protocol_version() >= firstVersionOnDemand) {
+        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND);
+    } else {
+        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+    }
+}
+
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
 
 } // namespace
@@ -103,6 +126,7 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
     GtkWidget* titleBar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
     gtk_widget_set_no_show_all(titleBar, TRUE);
     gtk_window_set_titlebar(_window, titleBar);
+    raiseToLayer(_window);
 
     connect(_window, "delete-event", [this](GdkEvent*) -> gboolean {
         _wantsToClose();
@@ -118,6 +142,9 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
 TopLevel::~TopLevel() { gtk_widget_destroy(GTK_WIDGET(_window)); }
 
 void TopLevel::moveByBackground() {
+    if (gtk_layer_is_layer_window(_window)) {
+        return; // those stay where the compositor puts them
+    }
     gtk_widget_add_events(GTK_WIDGET(_window), GDK_BUTTON_PRESS_MASK);
     connect(_window, "button-press-event", [this](GdkEventButton* event) -> gboolean {
         if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_PRIMARY) {
@@ -132,6 +159,27 @@ void TopLevel::moveByBackground() {
 void TopLevel::comeUnasked() {
     gtk_window_stick(_window);
     _comesUnasked = true;
+}
+
+void TopLevel::leaveTheKeyboard() {
+    gtk_window_set_focus_on_map(_window, FALSE);
+    if (gtk_layer_is_layer_window(_window)) {
+        leaveKeyboardUntilClicked(_window);
+    }
+}
+
+void TopLevel::giveTheKeyboardBack() {
+    if (!gtk_layer_is_layer_window(_window)) {
+        return; // it goes where the user clicks
+    }
+    gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);
+    connect(_window, "leave-notify-event", [this](GdkEventCrossing* event) -> gboolean {
+        const bool isOverOwnPopup = gtk_grab_get_current() != nullptr;
+        if (event->detail != GDK_NOTIFY_INFERIOR && !isOverOwnPopup) {
+            leaveKeyboardUntilClicked(_window);
+        }
+        return GDK_EVENT_PROPAGATE;
+    });
 }
 
 bool TopLevel::isTooEarlyForKeys() const {

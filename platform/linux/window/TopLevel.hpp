@@ -23,7 +23,7 @@ public:
 
     GtkWindow* window() const { return _window; }
 
-    /// Lets the user drag the window by everything that is no control.
+    /// Lets the user drag the window by everything that is no control, where the desktop lets windows move.
     void moveByBackground();
 
     /// Lets the window appear wherever the user works, and take no key for its first half second: somebody who is
@@ -31,7 +31,11 @@ public:
     void comeUnasked();
 
     /// Lets the window appear without taking the keyboard from the window that has it.
-    void leaveTheKeyboard() { gtk_window_set_focus_on_map(_window, FALSE); }
+    void leaveTheKeyboard();
+
+    /// Lets the user go on typing elsewhere while the window is up: where clicking elsewhere would not do, as soon
+    /// as the pointer leaves it.
+    void giveTheKeyboardBack();
 
     /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.
     void present(GtkWidget* content, GtkWidget* defaultButton);

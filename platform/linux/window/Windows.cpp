@@ -153,6 +153,8 @@ public:
         }
         if (_filling->request.comesUnasked) {
             _topLevel.leaveTheKeyboard();
+        } else {
+            _topLevel.giveTheKeyboardBack();
         }
         _topLevel.present(_filling->content.root(), _filling->content.defaultButton());
     }
