@@ -26,14 +26,32 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
             notification._chosen(key);
         }
     };
-    _subscription =
-        g_dbus_connection_signal_subscribe(sessionBus, service, service, "ActionInvoked", object, nullptr,
-                                           G_DBUS_SIGNAL_FLAGS_NONE, actionInvoked, this, nullptr);
+    // Afterwards the number may become that of somebody else's message.
+    const auto closed = [](GDBusConnection*, const char*, const char*, const char*, const char*,
+                           GVariant* parameters, gpointer self) {
+        guint32 id = 0;
+        if (g_variant_is_of_type(parameters, G_VARIANT_TYPE("(uu)"))) {
+            g_variant_get(parameters, "(uu)", &id, nullptr);
+        }
+        if (id == static_cast<Notification*>(self)->_id) {
+            static_cast<Notification*>(self)->_id = 0;
+        }
+    };
+    const auto subscribe = [&](const char* signal, GDBusSignalCallback callback) {
+        return g_dbus_connection_signal_subscribe(sessionBus, service, service, signal, object, nullptr,
+                                                  G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
+    };
+    _actionSubscription = subscribe("ActionInvoked", actionInvoked);
+    _closedSubscription = subscribe("NotificationClosed", closed);
 }
 
 Notification::~Notification() {
-    withdraw();
-    g_dbus_connection_signal_unsubscribe(_sessionBus, _subscription);
+    if (_id != 0) {
+        withdraw();
+        g_dbus_connection_flush_sync(_sessionBus, nullptr, nullptr); // the program ends with this, as a rule
+    }
+    g_dbus_connection_signal_unsubscribe(_sessionBus, _actionSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus, _closedSubscription);
 }
 
 void Notification::show(const std::string& summary, const std::string& body, const std::vector<Action>& actions) {

@@ -37,7 +37,8 @@ private:
     GDBusConnection* _sessionBus;
     std::function<void(std::string_view)> _chosen;
     CancelledAtEnd _cancelled;
-    unsigned _subscription;
+    unsigned _actionSubscription;
+    unsigned _closedSubscription;
     std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
     bool _isWanted = false;
 };

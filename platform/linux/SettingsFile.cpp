@@ -73,7 +73,7 @@ SettingsFile::~SettingsFile() {
 
 std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
     readIfChanged();
-    if (!_unwritten.empty() && g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC) {
+    if (!_unwritten.empty() && isTimeForAnotherAttempt()) {
         write();
     }
     for (const Values* values : {&_unwritten, &_stored}) {
@@ -94,7 +94,8 @@ void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
 
 void SettingsFile::readIfChanged() {
     const Fingerprint now = fingerprint();
-    if (_seen != now) {
+    const bool isTriedAgain = !_mayWrite && isTimeForAnotherAttempt();
+    if (_seen != now || isTriedAgain) {
         _seen = now;
         read();
     }
@@ -108,6 +109,7 @@ void SettingsFile::read() {
     const TextHandle content{bytes};
     if (!isRead && !error.matches(G_FILE_ERROR, G_FILE_ERROR_NOENT)) {
         _mayWrite = false;
+        _lastAttempt = g_get_monotonic_time();
         report("Cannot read the settings", error.message());
         return;
     }
@@ -123,6 +125,13 @@ void SettingsFile::read() {
     _mayWrite = true;
     _file = std::move(file);
     parseValues();
+    if (!std::exchange(_wasRead, true)) { // what was set in ignorance of the file gives way to it
+        std::erase_if(_unwritten, [this](const auto& each) { return _stored.contains(each.first); });
+    }
+}
+
+bool SettingsFile::isTimeForAnotherAttempt() const {
+    return g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC;
 }
 
 /// Goes on with the values known so far: the defaults at the start, the last good ones later.
@@ -142,10 +151,10 @@ void SettingsFile::keepAside(const std::filesystem::path& file, const std::strin
 }
 
 void SettingsFile::write() {
-    _lastAttempt = g_get_monotonic_time();
     if (!_mayWrite) {
         return; // the reason is reported already
     }
+    _lastAttempt = g_get_monotonic_time();
     const std::filesystem::path target = followed(_path);
     struct stat status {};
     if (stat(target.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0) {
@@ -185,7 +194,8 @@ SettingsFile::Fingerprint SettingsFile::fingerprint() const {
     if (stat(_path.c_str(), &status) != 0) {
         return {};
     }
-    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+    return {status.st_dev, status.st_ino, status.st_size, // the change time tells of permissions
+            status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
 }
 
 /// Tells of a problem, unless it is the one at hand: its reason may read differently at each attempt.

@@ -50,6 +50,7 @@ private:
     using KeyFileHandle = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
 
     void readIfChanged();
+    bool isTimeForAnotherAttempt() const;
     void read();
     void keepAside(const std::filesystem::path& file, const std::string& reason);
     void write();
@@ -65,6 +66,7 @@ private:
     Values _unwritten;
     std::int64_t _lastAttempt = 0; // monotonic microseconds
     bool _mayWrite = true;         // false: the file is there but cannot be read, so it must not be replaced
+    bool _wasRead = false;         // at least once since the start
     std::string _reported;         // the problem at hand
 };
 

@@ -56,12 +56,8 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
                      return owned(g_variant_new("()"));
                  },
                  [this](std::string_view name) { return property(name); }}
-    , _tray{bus,
-            [this, trayChanged](std::string_view processName) {
-                drawFor(TrayHost::ofProcess(processName));
-                trayChanged(true);
-            },
-            [trayChanged = std::move(trayChanged)] { trayChanged(false); }, std::move(logError)} {}
+    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); },
+            std::move(trayChanged), std::move(logError)} {}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);

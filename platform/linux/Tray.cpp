@@ -9,6 +9,7 @@ namespace platform::freedesktop {
 namespace {
 
 constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* watcherPath = "/StatusNotifierWatcher";
 
 std::string processName(unsigned identifier) {
     std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
@@ -18,23 +19,35 @@ std::string processName(unsigned identifier) {
 } // namespace
 
 Tray::Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-           std::function<void()> vanished, std::function<void(std::string_view)> logError)
+           std::function<void(bool)> presenceChanged, std::function<void(std::string_view)> logError)
     : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
     , _appeared{std::move(appeared)}
-    , _vanished{std::move(vanished)}
+    , _presenceChanged{std::move(presenceChanged)}
     , _logError{std::move(logError)} {
     const auto nameAppeared = [](GDBusConnection*, const char*, const char* owner, gpointer self) {
         static_cast<Tray*>(self)->askWho(owner);
     };
     const auto nameVanished = [](GDBusConnection*, const char*, gpointer self) {
         static_cast<Tray*>(self)->_panel.reset();
-        static_cast<Tray*>(self)->_vanished();
+        static_cast<Tray*>(self)->_presenceChanged(false);
     };
+    const auto hostsChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                                 gpointer self) { static_cast<Tray*>(self)->askForHost(); };
+    const auto listenFor = [&](const char* signal) {
+        return g_dbus_connection_signal_subscribe(bus, watcher, watcher, signal, watcherPath, nullptr,
+                                                  G_DBUS_SIGNAL_FLAGS_NONE, hostsChanged, this, nullptr);
+    };
+    _hostSubscriptions = {listenFor("StatusNotifierHostRegistered"), listenFor("StatusNotifierHostUnregistered")};
     _watch = g_bus_watch_name_on_connection(bus, watcher, G_BUS_NAME_WATCHER_FLAGS_NONE, nameAppeared, nameVanished,
                                             this, nullptr);
 }
 
-Tray::~Tray() { g_bus_unwatch_name(_watch); }
+Tray::~Tray() {
+    for (const unsigned subscription : _hostSubscriptions) {
+        g_dbus_connection_signal_unsubscribe(_bus.get(), subscription);
+    }
+    g_bus_unwatch_name(_watch);
+}
 
 void Tray::askWho(const char* owner) {
     _panel.emplace();
@@ -62,13 +75,41 @@ void Tray::registerItem() {
     const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
         ErrorSlot error;
         const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (error && !error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            static_cast<Tray*>(data)->_logError("The panel refused the status item: " +
-                                                std::string{error.message()});
+        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
+            return;
+        }
+        Tray* const self = static_cast<Tray*>(data);
+        if (error) {
+            self->_logError("The panel refused the status item: " + std::string{error.message()});
+            self->_presenceChanged(false);
+        } else {
+            self->askForHost();
         }
     };
-    g_dbus_connection_call(_bus.get(), watcher, "/StatusNotifierWatcher", watcher, "RegisterStatusNotifierItem",
+    g_dbus_connection_call(_bus.get(), watcher, watcherPath, watcher, "RegisterStatusNotifierItem",
                            g_variant_new("(s)", g_dbus_connection_get_unique_name(_bus.get())), nullptr,
+                           G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
+}
+
+/// The watcher may run without any panel that shows what it collects. One that does not tell is taken to have one.
+void Tray::askForHost() {
+    if (!_panel) {
+        return;
+    }
+    const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
+        ErrorSlot error;
+        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
+        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
+            return;
+        }
+        const VariantHandle box{answer ? g_variant_get_child_value(answer.get(), 0) : nullptr};
+        const VariantHandle value{box ? g_variant_get_variant(box.get()) : nullptr};
+        const bool isMissing = value && g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) &&
+                               !g_variant_get_boolean(value.get());
+        static_cast<Tray*>(data)->_presenceChanged(!isMissing);
+    };
+    g_dbus_connection_call(_bus.get(), watcher, watcherPath, "org.freedesktop.DBus.Properties", "Get",
+                           g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"), G_VARIANT_TYPE("(v)"),
                            G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
 }
 

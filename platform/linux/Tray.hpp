@@ -5,6 +5,7 @@
 
 #include "platform/linux/Handles.hpp"
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -15,10 +16,10 @@ namespace platform::freedesktop {
 class Tray {
 public:
     /// Each time a panel appears, first tells the name of its process (empty if unknown) to `appeared`, then
-    /// registers this connection as the item. A refusal is told to `logError`. Calls `vanished` when there is no
-    /// panel any longer, or none to begin with.
+    /// registers this connection as the item. A refusal is told to `logError`. `presenceChanged` learns whether the
+    /// item is in a panel where the user can see it, at first and whenever that may have changed.
     Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-         std::function<void()> vanished, std::function<void(std::string_view)> logError);
+         std::function<void(bool isPresent)> presenceChanged, std::function<void(std::string_view)> logError);
     ~Tray();
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
@@ -26,13 +27,15 @@ public:
 private:
     void askWho(const char* owner);
     void registerItem();
+    void askForHost();
 
     ObjectHandle<GDBusConnection> _bus;
     std::function<void(std::string_view)> _appeared;
-    std::function<void()> _vanished;
+    std::function<void(bool)> _presenceChanged;
     std::function<void(std::string_view)> _logError;
     std::optional<CancelledAtEnd> _panel; // cancels what is under way when the panel goes
     unsigned _watch;
+    std::array<unsigned, 2> _hostSubscriptions;
 };
 
 } // namespace platform::freedesktop

@@ -166,6 +166,9 @@ public:
         : _interface{_bus.get(), "/StatusNotifierWatcher",
                      R"xml(<node><interface name="org.kde.StatusNotifierWatcher">
                           <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
+                          <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+                          <signal name="StatusNotifierHostRegistered"/>
+                          <signal name="StatusNotifierHostUnregistered"/>
                         </interface></node>)xml",
                      [this](std::string_view, GVariant* arguments) {
                          const char* item = "";
@@ -173,14 +176,20 @@ public:
                          registered.emplace_back(item);
                          return owned(g_variant_new("()"));
                      },
-                     nullptr} {
+                     [this](std::string_view) { return owned(g_variant_new_boolean(_hasHost)); }} {
         takeName(_bus.get(), "org.kde.StatusNotifierWatcher");
+    }
+
+    void setHost(bool hasHost) {
+        _hasHost = hasHost;
+        _interface.emit(hasHost ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered");
     }
 
     std::vector<std::string> registered;
 
 private:
     ObjectHandle<GDBusConnection> _bus = connectToSession();
+    gboolean _hasHost = TRUE;
     ExportedInterface _interface;
 };
 
@@ -190,13 +199,14 @@ protected:
     const std::string name = g_dbus_connection_get_unique_name(program.get());
     std::vector<std::string> hosts;
     std::vector<std::string> errors;
-    int absences = 0;
-    Tray tray{program.get(), [this](std::string_view host) { hosts.emplace_back(host); }, [this] { ++absences; },
+    std::vector<bool> presences;
+    Tray tray{program.get(), [this](std::string_view host) { hosts.emplace_back(host); },
+              [this](bool isPresent) { presences.push_back(isPresent); },
               [this](std::string_view error) { errors.emplace_back(error); }};
 };
 
 TEST_F(Panels, AreOfferedTheItemEachTimeTheyAppear) {
-    EXPECT_TRUE(runLoopUntil([&] { return absences == 1; }));
+    EXPECT_TRUE(runLoopUntil([&] { return presences == std::vector{false}; }));
     for (std::size_t time = 1; time <= 3; ++time) {
         const Watcher watcher;
         EXPECT_TRUE(runLoopUntil([&] { return !watcher.registered.empty(); }));
@@ -207,11 +217,21 @@ TEST_F(Panels, AreOfferedTheItemEachTimeTheyAppear) {
     EXPECT_TRUE(errors.empty());
 }
 
-TEST_F(Panels, ThatRefuseAreToldToTheLog) {
+TEST_F(Panels, ThatRefuseAreToldToTheLogAndCountForNothing) {
     const auto bus = connectToSession();
     takeName(bus.get(), "org.kde.StatusNotifierWatcher"); // without the object that it should have
     EXPECT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
     EXPECT_EQ(errors.size(), 1U);
+    EXPECT_EQ(std::count(presences.begin(), presences.end(), true), 0);
+}
+
+TEST_F(Panels, ArePresentOnlyWhileTheirWatcherHasOne) {
+    Watcher watcher;
+    EXPECT_TRUE(runLoopUntil([&] { return !presences.empty() && presences.back(); }));
+    watcher.setHost(false);
+    EXPECT_TRUE(runLoopUntil([&] { return !presences.back(); }));
+    watcher.setHost(true);
+    EXPECT_TRUE(runLoopUntil([&] { return presences.back(); }));
 }
 
 /// The login manager, as far as sleep is concerned.

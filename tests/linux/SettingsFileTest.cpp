@@ -195,6 +195,31 @@ TEST_F(Settings, NeverReplaceAFileThatCannotBeRead) {
     EXPECT_EQ(errors.size(), 1U);
 }
 
+TEST_F(Settings, AreReadAsSoonAsTheyCanBeAndGoAheadOfWhatWasSetWithoutThem) {
+    fs::create_directory(file); // unreadable even for root
+    open().set(true, "PopupAlerts");
+    settings->set(true, "Mute");
+    fs::remove(file);
+    edit("[Settings]\nPopupAlerts=false\n");
+    EXPECT_EQ(settings->value("PopupAlerts"), DefaultsValue{false});
+    EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nPopupAlerts=false\nMute=true\n");
+}
+
+TEST_F(Settings, KeepWhatWasSetWhileAFileThatWasKnownCouldNotBeRead) {
+    edit("[Settings]\nMute=false\n");
+    EXPECT_EQ(open().value("Mute"), DefaultsValue{false});
+    fs::remove(file);
+    fs::create_directory(file);
+    settings->set(true, "Mute");
+    fs::remove(file);
+    edit("[Settings]\nMute=false\nAlertSound='Bowl'\n");
+    EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nMute=true\nAlertSound='Bowl'\n");
+}
+
 TEST_F(Settings, LeaveAReadOnlyFileAsItIs) {
     edit("[Settings]\nMute=false\n");
     fs::permissions(file, fs::perms::owner_read);

@@ -26,7 +26,7 @@ Properties describe(const char* key, const std::string& value) {
     }
     Properties described{properties};
     ca_proplist_sets(properties, CA_PROP_APPLICATION_NAME, "Marvelode Timer");
-    ca_proplist_sets(properties, CA_PROP_APPLICATION_ICON_NAME, "marvelode-timer");
+    ca_proplist_sets(properties, CA_PROP_APPLICATION_ICON_NAME, "org.marvelode.Timer");
     ca_proplist_sets(properties, CA_PROP_MEDIA_NAME, "Alert sound");
     ca_proplist_sets(properties, key, value.c_str());
     return described;
