@@ -13,6 +13,12 @@ namespace {
 
 std::atomic<long> liveAllocations{0};
 
+} // namespace
+
+#ifndef MODELS_ARE_SANITIZED // a sanitizer counts by itself, and brings its own operators
+
+namespace {
+
 // NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): what `new` itself is made of
 void* allocate(std::size_t size) {
     if (void* memory = std::malloc(size)) {
@@ -38,6 +44,8 @@ void operator delete(void* memory) noexcept { release(memory); }
 void operator delete[](void* memory) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
+
+#endif
 
 namespace story {
 namespace {
