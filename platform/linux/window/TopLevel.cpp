@@ -78,19 +78,15 @@ void raiseToLayer(GtkWindow* window) {
         gtk_layer_init_for_window(window);
         gtk_layer_set_namespace(window, "marvelode-timer");
         gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_OVERLAY);
-        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE);
         gtk_window_set_decorated(window, TRUE); // with shadow and corners, as anywhere else
     }
 }
 
-/// Lets a window in a layer have the keyboard when it is clicked, and not before; compositors that cannot do that
-/// never give it.
-void leaveKeyboardUntilClicked(GtkWindow* window) {
-    constexpr guint firstVersionOnDemand = 4;
-    if (gtk_layer_get_protocol_version() >= firstVersionOnDemand) {
-        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND);
-    } else {
-        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+/// Lets a window have the keyboard if it is in a layer, where a click alone does not move it.
+void setHasKeyboard(GtkWindow* window, bool hasKeyboard) {
+    if (gtk_layer_is_layer_window(window)) {
+        gtk_layer_set_keyboard_mode(window, hasKeyboard ? GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE
+                                                        : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
     }
 }
 
@@ -112,6 +108,7 @@ void setUpAppearance() {
 
 TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<void()> wantsToClose)
     : _window{GTK_WINDOW(gtk_window_new(GTK_WINDOW_TOPLEVEL))}
+    , _below{below}
     , _wantsToClose{std::move(wantsToClose)} {
     gtk_window_set_title(_window, title.c_str());
     gtk_window_set_type_hint(_window, GDK_WINDOW_TYPE_HINT_DIALOG);
@@ -127,6 +124,10 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
     gtk_widget_set_no_show_all(titleBar, TRUE);
     gtk_window_set_titlebar(_window, titleBar);
     raiseToLayer(_window);
+    setHasKeyboard(_window, true);
+    if (_below) {
+        setHasKeyboard(_below, false);
+    }
 
     connect(_window, "delete-event", [this](GdkEvent*) -> gboolean {
         _wantsToClose();
@@ -139,7 +140,12 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
     connect(_window, "key-press-event", [this](GdkEventKey* event) { return keyPressed(*event); });
 }
 
-TopLevel::~TopLevel() { gtk_widget_destroy(GTK_WIDGET(_window)); }
+TopLevel::~TopLevel() {
+    gtk_widget_destroy(GTK_WIDGET(_window));
+    if (_below) {
+        setHasKeyboard(_below, true);
+    }
+}
 
 void TopLevel::moveByBackground() {
     if (gtk_layer_is_layer_window(_window)) {
@@ -163,23 +169,24 @@ void TopLevel::comeUnasked() {
 
 void TopLevel::leaveTheKeyboard() {
     gtk_window_set_focus_on_map(_window, FALSE);
-    if (gtk_layer_is_layer_window(_window)) {
-        leaveKeyboardUntilClicked(_window);
-    }
+    setHasKeyboard(_window, false);
 }
 
-void TopLevel::giveTheKeyboardBack() {
+void TopLevel::shareTheKeyboard() {
     if (!gtk_layer_is_layer_window(_window)) {
-        return; // it goes where the user clicks
+        return;
     }
     gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);
     connect(_window, "leave-notify-event", [this](GdkEventCrossing* event) -> gboolean {
-        const bool isOverOwnPopup = gtk_grab_get_current() != nullptr;
-        if (event->detail != GDK_NOTIFY_INFERIOR && !isOverOwnPopup) {
-            leaveKeyboardUntilClicked(_window);
+        const bool isOverPopup = gtk_grab_get_current() != nullptr;
+        if (event->detail != GDK_NOTIFY_INFERIOR && !isOverPopup) {
+            setHasKeyboard(_window, false);
         }
         return GDK_EVENT_PROPAGATE;
     });
+    _clicks.reset(gtk_gesture_multi_press_new(GTK_WIDGET(_window)));
+    gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(_clicks.get()), GTK_PHASE_CAPTURE);
+    connect(_clicks.get(), "pressed", [this](gint, gdouble, gdouble) { setHasKeyboard(_window, true); });
 }
 
 bool TopLevel::isTooEarlyForKeys() const {

@@ -6,6 +6,7 @@
 #include "platform/linux/window/Gtk.hpp"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace platform::freedesktop {
@@ -33,9 +34,9 @@ public:
     /// Lets the window appear without taking the keyboard from the window that has it.
     void leaveTheKeyboard();
 
-    /// Lets the user go on typing elsewhere while the window is up: where clicking elsewhere would not do, as soon
-    /// as the pointer leaves it.
-    void giveTheKeyboardBack();
+    /// Lets the user go on typing elsewhere while the window is up. Desktops do so by themselves, but not with a
+    /// window in a layer: there the keyboard leaves it with the pointer and comes back with a click.
+    void shareTheKeyboard();
 
     /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.
     void present(GtkWidget* content, GtkWidget* defaultButton);
@@ -48,9 +49,13 @@ private:
     gboolean keyPressed(const GdkEventKey& event);
     void centre();
 
+    using Gesture = std::unique_ptr<GtkGesture, decltype(&g_object_unref)>;
+
     GtkWindow* _window;
+    GtkWindow* _below;
     GtkWidget* _content = nullptr; ///< Owned by the window.
     std::function<void()> _wantsToClose;
+    Gesture _clicks{nullptr, g_object_unref};
     bool _comesUnasked = false;
     gint64 _shownAt = 0; ///< In microseconds of the monotonic clock.
 };

@@ -153,9 +153,8 @@ public:
         }
         if (_filling->request.comesUnasked) {
             _topLevel.leaveTheKeyboard();
-        } else {
-            _topLevel.giveTheKeyboardBack();
         }
+        _topLevel.shareTheKeyboard();
         _topLevel.present(_filling->content.root(), _filling->content.defaultButton());
     }
 
