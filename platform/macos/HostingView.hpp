@@ -18,10 +18,13 @@
     NSView* _firstFocusable;
 }
 
-/// Draws `rootView`, which must outlive the hosting view.
+/// Draws `rootView`, which must live until it is forgotten.
 - (instancetype)initWithRootView:(const platform::View&)rootView;
 
 /// The control that the keyboard belongs to at first; nil if the tree has none that takes it.
 - (NSView*)firstFocusable;
+
+/// Takes all controls away; from now on the root view is not touched.
+- (void)forgetRootView;
 
 @end

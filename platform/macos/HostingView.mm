@@ -4,6 +4,9 @@
 #import "platform/macos/Layout.hpp"
 #import "platform/macos/Strings.hpp"
 
+#include <cmath>
+#include <optional>
+
 using cocoa::Box;
 using cocoa::toCocoa;
 
@@ -239,6 +242,7 @@ private:
     if ((self = [super initWithFrame:NSZeroRect])) {
         const Box content = Drawing{self}.draw(rootView, {});
         [self setFrameSize:NSMakeSize(content.size.width, content.size.height)];
+        NSView* first = nil;
         NSView* previous = nil;
         for (const auto& [view, frame] : content.views) {
             [view setFrame:NSMakeRect(NSMinX(frame), content.size.height - NSMaxY(frame), NSWidth(frame),
@@ -250,16 +254,27 @@ private:
             if (!_firstFocusable && ![view isKindOfClass:[LinkButton class]]) {
                 _firstFocusable = view;
             }
+            first = first ? first : view;
             [previous setNextKeyView:view];
             previous = view;
         }
-        [previous setNextKeyView:_firstFocusable];
+        [previous setNextKeyView:first];
     }
     return self;
 }
 
 - (NSView*)firstFocusable {
     return _firstFocusable;
+}
+
+- (void)forgetRootView {
+    for (const auto& [field, node] : _textFields) {
+        [field setDelegate:nil];
+    }
+    _firstFocusable = nil;
+    _textFields.clear();
+    _actions.clear();
+    [self setSubviews:[NSArray array]];
 }
 
 - (void)connect:(NSControl*)control to:(std::function<void()>)action {
@@ -289,7 +304,10 @@ private:
 - (void)commitTexts {
     for (const auto& [field, node] : _textFields) {
         node->commit(cocoa::fromCocoa([field stringValue]));
-        [field setStringValue:toCocoa(node->text())];
+        NSString* const text = toCocoa(node->text());
+        if (![[field stringValue] isEqualToString:text]) {
+            [field setStringValue:text];
+        }
     }
 }
 

@@ -58,6 +58,7 @@ Panel::Panel(platform::NSPanel& model, const platform::View& content)
 Panel::~Panel() {
     [_panel.get() setDelegate:nil];
     [_panel.get() close];
+    [_contentView.get() forgetRootView]; // AppKit may hold the controls a little longer than this lives
 }
 
 void Panel::center() { [_panel.get() center]; }
@@ -66,6 +67,7 @@ void Panel::runModal() {
     [_contentView.get() setHidden:NO];
     [_panel.get() makeFirstResponder:[_contentView.get() firstFocusable]];
     [NSApp runModalForWindow:_panel.get()];
+    [_panel.get() makeFirstResponder:nil]; // ends the editing, so that what was typed is not lost
     [_contentView.get() setHidden:YES];
 }
 

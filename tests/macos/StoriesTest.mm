@@ -402,6 +402,12 @@ TEST_F(MacStories, TheAboutBoxShowsTheBuildAndOpensLinks) {
          [] {
              EXPECT_TRUE(reads("Marvelode Timer"));
              EXPECT_TRUE(reads("Version: 1.0.0"));
+             NSView* const license = buttonTitled("License");
+             NSView* afterTabs = [license nextKeyView];
+             for (int tabs = 1; tabs < 5 && afterTabs != license; ++tabs) {
+                 afterTabs = [afterTabs nextKeyView];
+             }
+             EXPECT_EQ(afterTabs, license);
              press(buttonTitled("License"));
              press(buttonTitled("Support"));
              EXPECT_EQ(openedAddresses.size(), 2U);
