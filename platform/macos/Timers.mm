@@ -19,7 +19,10 @@
 
 - (void)timeExpired:(NSTimer*)fired {
     (void)fired;
-    platform::Timer::fire(_timer);
+    @autoreleasepool {
+        const std::shared_ptr<platform::Timer> timer = _timer; // this target goes when the timer is invalidated
+        platform::Timer::fire(timer);
+    }
 }
 
 @end
