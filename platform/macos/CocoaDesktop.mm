@@ -1,5 +1,6 @@
 #import "platform/macos/CocoaDesktop.hpp"
 
+#include "platform/Fatal.hpp"
 #import "platform/macos/Alert.hpp"
 #import "platform/macos/Strings.hpp"
 
@@ -8,6 +9,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
+#include <string>
 
 /// Passes on what the system tells the application. It may be told of user notifications, but asks for none.
 @interface ApplicationDelegate : NSObject <NSApplicationDelegate, UNUserNotificationCenterDelegate> {
@@ -60,7 +63,12 @@ id toCocoa(std::int64_t number) { return [NSNumber numberWithLongLong:number]; }
 id toCocoa(double number) { return [NSNumber numberWithDouble:number]; }
 
 os_log_t logOf(const platform::Logger& logger) {
-    return os_log_create(logger.subsystem.c_str(), logger.category.c_str());
+    static std::map<std::pair<std::string, std::string>, os_log_t> logs; // made once for each name
+    os_log_t& log = logs[{logger.subsystem, logger.category}];
+    if (!log) {
+        log = os_log_create(logger.subsystem.c_str(), logger.category.c_str());
+    }
+    return log;
 }
 
 os_log_type_t typeOf(platform::Logger::Level level) {
@@ -68,6 +76,7 @@ os_log_type_t typeOf(platform::Logger::Level level) {
     case platform::Logger::Level::Error:
         return OS_LOG_TYPE_ERROR;
     }
+    platform::fatal();
 }
 
 } // namespace
@@ -203,7 +212,8 @@ bool CocoaDesktop::isLogEnabled(const platform::Logger& logger, platform::Logger
 }
 
 void CocoaDesktop::log(const platform::Logger& logger, platform::Logger::Level level, std::string_view message) {
-    os_log_with_type(logOf(logger), typeOf(level), "%{public}s", std::string{message}.c_str());
+    const std::string text{message};
+    os_log_with_type(logOf(logger), typeOf(level), "%{public}s", text.c_str());
 }
 
 } // namespace cocoa

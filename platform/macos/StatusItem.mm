@@ -22,6 +22,16 @@ namespace {
 
 platform::NSSize sizeOf(NSImage* image) { return {[image size].width, [image size].height}; }
 
+NSColor* colorOf(const platform::NSColor& color) {
+    if (color == platform::NSColor::red) {
+        return [NSColor redColor];
+    }
+    return [NSColor colorWithCalibratedRed:color.redComponent
+                                     green:color.greenComponent
+                                      blue:color.blueComponent
+                                     alpha:1];
+}
+
 NSAttributedString* attributed(const platform::NSAttributedString& title) {
     NSMutableDictionary* const attributes = [NSMutableDictionary dictionary];
     if (title.font) {
@@ -29,11 +39,7 @@ NSAttributedString* attributed(const platform::NSAttributedString& title) {
                        forKey:NSFontAttributeName];
     }
     if (title.foregroundColor) {
-        [attributes setObject:[NSColor colorWithCalibratedRed:title.foregroundColor->redComponent
-                                                        green:title.foregroundColor->greenComponent
-                                                         blue:title.foregroundColor->blueComponent
-                                                        alpha:1]
-                       forKey:NSForegroundColorAttributeName];
+        [attributes setObject:colorOf(*title.foregroundColor) forKey:NSForegroundColorAttributeName];
     }
     return [[[NSAttributedString alloc] initWithString:toCocoa(title.string) attributes:attributes] autorelease];
 }
