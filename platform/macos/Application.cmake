@@ -1,5 +1,5 @@
 # "Marvelode Timer.app": the program with its property list, icon and resources, signed.
-set(MARVELODE_SIGNING_IDENTITY "-" CACHE STRING "Who signs the application; \"-\" signs it for this machine only")
+set(MARVELODE_SIGNING_IDENTITY "-" CACHE STRING "Who signs the application; \"-\" signs it ad hoc, without an identity")
 
 set(resources ${MARVELODE_BUILD_INFO})
 foreach(name Marvelode.icns Marvelode.png MarvelodeGrey.png Sonar.m4a Bowl.m4a Whistle.m4a)
@@ -13,8 +13,11 @@ set_target_properties(marvelode-timer PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
     MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/packaging/macos/Info.plist.in)
 target_link_libraries(marvelode-timer PRIVATE components cocoa_desktop warnings)
+if(NOT MARVELODE_SIGNING_IDENTITY STREQUAL "-")
+    set(timestamp --timestamp) # Apple notarises nothing without one, and ad hoc there is none
+endif()
 add_custom_target(sign ALL
-    COMMAND codesign --force --options runtime --sign ${MARVELODE_SIGNING_IDENTITY} $<TARGET_BUNDLE_DIR:marvelode-timer>
+    COMMAND codesign --force --options runtime ${timestamp} --sign ${MARVELODE_SIGNING_IDENTITY} $<TARGET_BUNDLE_DIR:marvelode-timer>
     VERBATIM)
 add_dependencies(sign marvelode-timer) # the whole application, resources included
 install(TARGETS marvelode-timer BUNDLE DESTINATION .)
