@@ -67,9 +67,11 @@ protected:
 
     /// Waits for the helper to write a line into the pipe.
     std::string lineFromHelper() const {
-        std::ifstream pipe{_pipe};
         std::string line;
-        std::getline(pipe, line);
+        while (line.empty()) { // as it is while the helper before is still closing its end
+            std::ifstream pipe{_pipe};
+            std::getline(pipe, line);
+        }
         return line;
     }
 
