@@ -1,6 +1,6 @@
 // Shows the program's windows and prints what becomes of them, line by line, for a script that plays the user:
-// each argument is a `popup`, `settings` or `about`, or the small window, `status` if the user asked for it and else
-// `unasked`. The views are shaped like the program's own.
+// each argument is a `popup`, `settings` or `about`, or the small window, `status` if the user asked for it and
+// else `unasked`. The views are shaped like the program's own.
 
 #include "platform/linux/StatusWindow.hpp"
 #include "tests/window/BareDesktop.hpp"
@@ -150,7 +150,8 @@ public:
         : _window{helper, [this](NSMenuItem& item) { pick(item); },
                   [](std::string_view error) { std::cout << "error: " << error << std::endl; }} {
         for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
-            _menu->addItem(std::make_shared<NSMenuItem>(title, [](NSMenuItem&) {}, ""));
+            _menu->addItem(std::make_shared<NSMenuItem>(
+                title, [](NSMenuItem&) {}, ""));
         }
         _menu->itemWithTitle("Mute")->setState(NSMenuItem::StateValue::Off);
         show();
