@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* busName = "org.marvelode.Timer";
 constexpr const char* objectPath = "/org/marvelode/Timer";
-constexpr const char* timerInterface = "org.marvelode.Timer";
+constexpr const char* applicationInterface = "org.freedesktop.Application";
 
 constexpr const char* interfaces = R"(
 <node>
@@ -38,6 +38,16 @@ constexpr const char* interfaces = R"(
   </interface>
 </node>)";
 
+/// What the desktop handed to this process when it started it, in the words of `org.freedesktop.Application`.
+GVariant* platformData() {
+    GVariantDict data;
+    g_variant_dict_init(&data, nullptr);
+    if (const char* token = g_getenv("XDG_ACTIVATION_TOKEN")) {
+        g_variant_dict_insert(&data, "activation-token", "s", token);
+    }
+    return g_variant_dict_end(&data);
+}
+
 } // namespace
 
 bool Control::claimName(GDBusConnection* sessionBus) {
@@ -55,9 +65,10 @@ bool Control::claimName(GDBusConnection* sessionBus) {
 }
 
 bool Control::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
-    return VariantHandle{g_dbus_connection_call_sync(sessionBus, busName, objectPath, timerInterface, "ShowMenu",
-                                                     nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr,
-                                                     &error)} != nullptr;
+    return VariantHandle{g_dbus_connection_call_sync(sessionBus, busName, objectPath, applicationInterface,
+                                                     "Activate", g_variant_new("(@a{sv})", platformData()), nullptr,
+                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, &error)} !=
+           nullptr;
 }
 
 Control::Control(GDBusConnection* sessionBus, ControlledProgram program)
@@ -81,11 +92,19 @@ Control::~Control() {
     g_dbus_connection_unregister_object(_sessionBus, _applicationObject);
 }
 
-void Control::call(GDBusConnection*, const char*, const char*, const char*, const char* method,
+void Control::call(GDBusConnection*, const char*, const char*, const char* interface, const char* method,
                    GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
     using Command = ControlledProgram::Command;
     auto& control = *static_cast<Control*>(self);
     const std::string_view name = method;
+    if (std::string_view{interface} == applicationInterface) {
+        const std::size_t last = g_variant_n_children(parameters) - 1;
+        const VariantHandle platformData{g_variant_get_child_value(parameters, last)};
+        const char* token = nullptr;
+        if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token)) {
+            control._program.activationTokenCame(token);
+        }
+    }
     if (name == "ShowMenu" || name == "Activate" || name == "Open") {
         control._program.showMenu();
         g_dbus_method_invocation_return_value(invocation, nullptr);

@@ -25,6 +25,7 @@ struct ControlledProgram {
     std::vector<Command> commands;
     std::function<bool(std::string_view entry)> pick; ///< Has the entry picked soon; false if it cannot be now.
     std::function<void()> showMenu;
+    std::function<void(const char*)> activationTokenCame; ///< What lets the next window come to the front.
     std::function<bool()> isReminding;
     std::function<std::string()> text;
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
@@ -37,7 +38,8 @@ public:
     /// Claims the program's name for this process; false if another timer has it.
     static bool claimName(GDBusConnection* sessionBus);
 
-    /// Has the timer that owns the name show its menu; false, with a reason in `error`, if it does not answer.
+    /// Has the timer that owns the name show its menu in front, as far as this process may itself come to the
+    /// front; false, with a reason in `error`, if it does not answer.
     static bool showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error);
 
     /// Answers calls on the bus from now on, through `program`.

@@ -10,20 +10,27 @@ constexpr const char* object = "/org/freedesktop/Notifications";
 
 } // namespace
 
-Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::string_view)> chosen)
+Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::string_view)> chosen,
+                           std::function<void(const char*)> activationTokenCame)
     : _sessionBus{sessionBus}
-    , _chosen{std::move(chosen)} {
-    const auto actionInvoked = [](GDBusConnection*, const char*, const char*, const char*, const char*,
-                                  GVariant* parameters, gpointer self) {
+    , _chosen{std::move(chosen)}
+    , _activationTokenCame{std::move(activationTokenCame)} {
+    const auto userActed = [](GDBusConnection*, const char*, const char*, const char*, const char* signal,
+                              GVariant* parameters, gpointer self) {
         auto& notification = *static_cast<Notification*>(self);
         if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(us)"))) {
             return;
         }
         guint32 id = 0;
-        const char* key = nullptr;
-        g_variant_get(parameters, "(u&s)", &id, &key);
-        if (id != 0 && id == notification._id) {
-            notification._chosen(key);
+        const char* keyOrToken = nullptr;
+        g_variant_get(parameters, "(u&s)", &id, &keyOrToken);
+        if (id == 0 || id != notification._id) {
+            return;
+        }
+        if (std::string_view{signal} == "ActivationToken") {
+            notification._activationTokenCame(keyOrToken);
+        } else {
+            notification._chosen(keyOrToken);
         }
     };
     // Afterwards the number may become that of somebody else's message.
@@ -41,7 +48,8 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
         return g_dbus_connection_signal_subscribe(sessionBus, service, service, signal, object, nullptr,
                                                   G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
     };
-    _actionSubscription = subscribe("ActionInvoked", actionInvoked);
+    _actionSubscription = subscribe("ActionInvoked", userActed);
+    _tokenSubscription = subscribe("ActivationToken", userActed);
     _closedSubscription = subscribe("NotificationClosed", closed);
 }
 
@@ -51,6 +59,7 @@ Notification::~Notification() {
         g_dbus_connection_flush_sync(_sessionBus, nullptr, nullptr); // the program ends with this, as a rule
     }
     g_dbus_connection_signal_unsubscribe(_sessionBus, _actionSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus, _tokenSubscription);
     g_dbus_connection_signal_unsubscribe(_sessionBus, _closedSubscription);
 }
 

@@ -21,8 +21,11 @@ public:
     };
 
     /// Calls `chosen` from the main loop with the key of an action that the user chose; "default" stands for a
-    /// click on the message itself.
-    Notification(GDBusConnection* sessionBus, std::function<void(std::string_view key)> chosen);
+    /// click on the message itself. Before that, `activationTokenCame` is given what lets a window come to the
+    /// front that the action opens, if the desktop hands it out.
+    Notification(
+        GDBusConnection* sessionBus, std::function<void(std::string_view key)> chosen,
+        std::function<void(const char*)> activationTokenCame = [](const char*) {});
     ~Notification();
     Notification(const Notification&) = delete;
     Notification& operator=(const Notification&) = delete;
@@ -36,8 +39,10 @@ public:
 private:
     GDBusConnection* _sessionBus;
     std::function<void(std::string_view)> _chosen;
+    std::function<void(const char*)> _activationTokenCame;
     CancelledAtEnd _cancelled;
     unsigned _actionSubscription;
+    unsigned _tokenSubscription;
     unsigned _closedSubscription;
     std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
     bool _isWanted = false;

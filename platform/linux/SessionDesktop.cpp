@@ -32,12 +32,18 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
     , _resources{std::move(places.resources)}
     , _settings{std::move(places.settings), [this](std::string_view problem) { logError(problem); }}
     , _windows{places.helpers / "marvelode-timer-window", [this] { _loop.iterate(); },
-               [this](std::string_view problem) { logError(problem); }}
+               [this](std::string_view problem) { logError(problem); },
+               [this] { return std::exchange(_activationToken, {}); }}
     , _sounds{places.helpers / "marvelode-timer-sound", [this](std::string_view problem) { logError(problem); }}
     , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item); },
-                    [this](std::string_view problem) { logError(problem); }}
-    , _traylessNotice{sessionBus, [this] { _statusWindow.appear(); }, [this] { _statusWindow.close(); },
-                      [this] { _statusWindow.open(); }, [this](std::string_view entry) { pick(entry); }} {
+                    [this](std::string_view problem) { logError(problem); },
+                    [this] { return std::exchange(_activationToken, {}); }}
+    , _traylessNotice{sessionBus,
+                      [this] { _statusWindow.appear(); },
+                      [this] { _statusWindow.close(); },
+                      [this] { _statusWindow.open(); },
+                      [this](std::string_view entry) { pick(entry); },
+                      [this](const char* token) { keepActivationToken(token); }} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
     const auto busClosed = +[](GDBusConnection*, gboolean, GError*, SessionDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
@@ -184,6 +190,7 @@ void SessionDesktop::settle() {
         _statusNotifierItem.emplace(
             _sessionBus.get(), _resources, statusContent(),
             [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { showMenuWindow(); },
+            [this](const char* token) { keepActivationToken(token); },
             [this](std::string_view problem) { logError(problem); });
     }
 }

@@ -22,6 +22,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace platform::freedesktop {
@@ -84,6 +85,10 @@ public:
     /// Shows the status item and its menu as a window.
     void showMenuWindow();
 
+    /// Keeps what the desktop handed out for the window that the user's next pick opens, so that it comes to the
+    /// front with the keyboard.
+    void keepActivationToken(std::string token) { _activationToken = std::move(token); }
+
     /// The text beside the icon.
     std::string statusText() const;
 
@@ -99,6 +104,7 @@ private:
     Logger _logger{"Marvelode Timer", "Desktop"};
     EventLoop _loop;
     Resources _resources;
+    std::string _activationToken;
     SettingsFile _settings;
     WindowHelper _windows;
     SoundPlayer _sounds;

@@ -23,6 +23,7 @@ constexpr const char* description = R"xml(<node><interface name="org.kde.StatusN
   <property name="XAyatanaLabelGuide" type="s" access="read"/>
   <method name="Activate"><arg type="i" direction="in"/><arg type="i" direction="in"/></method>
   <method name="ContextMenu"><arg type="i" direction="in"/><arg type="i" direction="in"/></method>
+  <method name="ProvideXdgActivationToken"><arg type="s" direction="in"/></method>
   <signal name="NewIcon"/>
   <signal name="NewToolTip"/>
   <signal name="XAyatanaNewLabel"><arg type="s"/><arg type="s"/></signal>
@@ -46,13 +47,21 @@ GVariant* bytesOf(const Picture& picture) {
 
 StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
                                        std::function<void(bool)> trayChanged, std::function<void()> activated,
+                                       std::function<void(const char*)> activationTokenCame,
                                        std::function<void(std::string_view)> logError)
     : _resources{resources}
     , _content{std::move(content)}
     , _words{inWords(_content.text)}
     , _interface{bus, "/StatusNotifierItem", description,
-                 [activated = std::move(activated)](std::string_view, GVariant*) {
-                     activated();
+                 [activated = std::move(activated), activationTokenCame = std::move(activationTokenCame)](
+                     std::string_view method, GVariant* arguments) {
+                     if (method == "ProvideXdgActivationToken") {
+                         const char* token = nullptr;
+                         g_variant_get(arguments, "(&s)", &token);
+                         activationTokenCame(token);
+                     } else {
+                         activated();
+                     }
                      return owned(g_variant_new("()"));
                  },
                  [this](std::string_view name) { return property(name); }}

@@ -21,9 +21,11 @@ public:
 
     /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
     /// `trayChanged` learns whether there is a panel, at first and whenever that changes. `activated` is called
-    /// when the user clicks the item in a panel that then shows no menu.
+    /// when the user clicks the item in a panel that then shows no menu. `activationTokenCame` is given what lets
+    /// the window come to the front that the user's next pick opens.
     StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
                        std::function<void(bool isPresent)> trayChanged, std::function<void()> activated,
+                       std::function<void(const char*)> activationTokenCame,
                        std::function<void(std::string_view)> logError);
 
     /// Shows `content` from now on.

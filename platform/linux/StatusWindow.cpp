@@ -22,10 +22,12 @@ modifier::Frame trailing(double width) { return {.width = width, .height = {}, .
 } // namespace
 
 StatusWindow::StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
-                           std::function<void(std::string_view)> logError)
+                           std::function<void(std::string_view)> logError,
+                           std::function<std::string()> takeActivationToken)
     : _helperProgram{std::move(helperProgram)}
     , _pick{std::move(pick)}
-    , _logError{std::move(logError)} {}
+    , _logError{std::move(logError)}
+    , _takeActivationToken{std::move(takeActivationToken)} {}
 
 StatusWindow::~StatusWindow() { close(); }
 
@@ -52,7 +54,8 @@ void StatusWindow::start(bool isUnasked) {
         };
         _idle = g_idle_add_full(G_PRIORITY_DEFAULT, handle, this, nullptr);
     };
-    _process = std::make_unique<WindowProcess>(_helperProgram, _logError, handleSoon);
+    _process = std::make_unique<WindowProcess>(_helperProgram, _logError, handleSoon,
+                                               isUnasked ? std::string{} : _takeActivationToken());
     send(isUnasked);
 }
 

@@ -21,9 +21,11 @@ namespace platform::freedesktop {
 class StatusWindow {
 public:
     /// Shows the window with the program at `helperProgram`, when it is asked to. `pick` is given each entry that
-    /// the user picks in it.
-    StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
-                 std::function<void(std::string_view)> logError);
+    /// the user picks in it; `takeActivationToken` gives what lets the window come to the front, or nothing.
+    StatusWindow(
+        std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
+        std::function<void(std::string_view)> logError,
+        std::function<std::string()> takeActivationToken = [] { return std::string{}; });
     ~StatusWindow();
     StatusWindow(const StatusWindow&) = delete;
     StatusWindow& operator=(const StatusWindow&) = delete;
@@ -56,6 +58,7 @@ private:
     std::filesystem::path _helperProgram;
     std::function<void(NSMenuItem&)> _pick;
     std::function<void(std::string_view)> _logError;
+    std::function<std::string()> _takeActivationToken;
     std::optional<NSImage> _picture;
     std::string _words;
     std::shared_ptr<NSMenu> _menu;

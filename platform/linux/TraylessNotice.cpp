@@ -11,12 +11,15 @@ constexpr unsigned secondsOfPatience = 3;
 
 TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, std::function<void()> appear,
                                std::function<void()> disappear, std::function<void()> open,
-                               std::function<void(std::string_view)> pick)
+                               std::function<void(std::string_view)> pick,
+                               std::function<void(const char*)> activationTokenCame)
     : _appear{std::move(appear)}
     , _disappear{std::move(disappear)}
-    , _notification{sessionBus, [open = std::move(open), pick = std::move(pick)](std::string_view key) {
+    , _notification{sessionBus,
+                    [open = std::move(open), pick = std::move(pick)](std::string_view key) {
                         key == "default" ? open() : pick(key);
-                    }} {}
+                    },
+                    std::move(activationTokenCame)} {}
 
 TraylessNotice::~TraylessNotice() {
     if (_patience != 0) {

@@ -14,9 +14,12 @@ namespace platform::freedesktop {
 class TraylessNotice {
 public:
     /// Calls `appear` when the timer's own window should stand in for the status item, `disappear` when it need not
-    /// any longer, `open` when the user asks for that window, and `pick` with the title of a menu entry.
-    TraylessNotice(GDBusConnection* sessionBus, std::function<void()> appear, std::function<void()> disappear,
-                   std::function<void()> open, std::function<void(std::string_view entry)> pick);
+    /// any longer, `open` when the user asks for that window, and `pick` with the title of a menu entry; before the
+    /// last two, `activationTokenCame` with what lets a window come to the front.
+    TraylessNotice(
+        GDBusConnection* sessionBus, std::function<void()> appear, std::function<void()> disappear,
+        std::function<void()> open, std::function<void(std::string_view entry)> pick,
+        std::function<void(const char*)> activationTokenCame = [](const char*) {});
     ~TraylessNotice();
     TraylessNotice(const TraylessNotice&) = delete;
     TraylessNotice& operator=(const TraylessNotice&) = delete;

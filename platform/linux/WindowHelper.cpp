@@ -81,7 +81,8 @@ public:
         , isPanel{isPanel}
         , _helper{helper} {
         if (_helper._sessions.empty()) {
-            _helper._process = std::make_unique<WindowProcess>(_helper._helperProgram, _helper._logError);
+            _helper._process = std::make_unique<WindowProcess>(
+                _helper._helperProgram, _helper._logError, [] {}, _helper._takeActivationToken());
         }
         _helper._sessions.push_back(this);
     }
@@ -125,10 +126,12 @@ private:
 };
 
 WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,
-                           std::function<void(std::string_view)> logError)
+                           std::function<void(std::string_view)> logError,
+                           std::function<std::string()> takeActivationToken)
     : _helperProgram{std::move(helperProgram)}
     , _iterate{std::move(iterate)}
-    , _logError{std::move(logError)} {}
+    , _logError{std::move(logError)}
+    , _takeActivationToken{std::move(takeActivationToken)} {}
 
 WindowHelper::~WindowHelper() = default;
 

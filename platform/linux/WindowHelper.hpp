@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,9 +22,12 @@ class WindowProcess;
 class WindowHelper {
 public:
     /// Shows windows with the program at `helperProgram`. `iterate` runs the main context once and may block until
-    /// something happened; `logError` is told why windows could not be shown. Both are kept.
-    WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,
-                 std::function<void(std::string_view)> logError);
+    /// something happened; `logError` is told why windows could not be shown; `takeActivationToken` gives what lets
+    /// a window come to the front, or nothing. All are kept.
+    WindowHelper(
+        std::filesystem::path helperProgram, std::function<void()> iterate,
+        std::function<void(std::string_view)> logError,
+        std::function<std::string()> takeActivationToken = [] { return std::string{}; });
     ~WindowHelper();
     WindowHelper(const WindowHelper&) = delete;
     WindowHelper& operator=(const WindowHelper&) = delete;
@@ -48,6 +52,7 @@ private:
     std::filesystem::path _helperProgram;
     std::function<void()> _iterate;
     std::function<void(std::string_view)> _logError;
+    std::function<std::string()> _takeActivationToken;
     std::unique_ptr<WindowProcess> _process; ///< Exists exactly while there are sessions.
     std::vector<Session*> _sessions;         ///< One for each window, the topmost last.
     std::uint32_t _lastWindow = 0;

@@ -23,10 +23,23 @@ constexpr timeval patience{0, 500'000};
 
 std::string messageOf(int error) { return std::generic_category().message(error); }
 
+using Environment = std::unique_ptr<gchar*, decltype(&g_strfreev)>;
+
+/// This program's environment with another activation token: its own was used up when it started.
+Environment environmentWith(const std::string& activationToken) {
+    gchar** environment = g_get_environ();
+    for (const char* variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) { // GTK 3 reads the older one
+        environment = activationToken.empty()
+                          ? g_environ_unsetenv(environment, variable)
+                          : g_environ_setenv(environment, variable, activationToken.c_str(), TRUE);
+    }
+    return {environment, g_strfreev};
+}
+
 } // namespace
 
 WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError,
-                             std::function<void()> somethingHappened)
+                             std::function<void()> somethingHappened, const std::string& activationToken)
     : _logError{std::move(logError)}
     , _somethingHappened{std::move(somethingHappened)} {
     std::array<int, 2> ends{};
@@ -35,18 +48,19 @@ WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<vo
         return;
     }
     _socket = ends[0];
-    start(path, ends[1]);
+    start(path, activationToken, ends[1]);
     close(ends[1]);
 }
 
-void WindowProcess::start(const std::filesystem::path& path, int childSocket) {
+void WindowProcess::start(const std::filesystem::path& path, const std::string& activationToken, int childSocket) {
     std::string program = path.string();
     std::array<gchar*, 2> arguments{program.data(), nullptr};
+    const Environment environment = environmentWith(activationToken);
     constexpr int inherited = -1;
     GError* error = nullptr;
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
-    if (!g_spawn_async_with_fds(nullptr, arguments.data(), nullptr, flags, nullptr, nullptr, &_process, childSocket,
-                                inherited, inherited, &error)) {
+    if (!g_spawn_async_with_fds(nullptr, arguments.data(), environment.get(), flags, nullptr, nullptr, &_process,
+                                childSocket, inherited, inherited, &error)) {
         const std::unique_ptr<GError, decltype(&g_error_free)> owned{error, g_error_free};
         _logError("no window can be shown: "s + error->message);
         close(std::exchange(_socket, -1));

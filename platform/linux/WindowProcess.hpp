@@ -18,10 +18,11 @@ class WindowProcess {
 public:
     /// Starts the program at `path`, and reads what it says whenever the calling thread's main context is iterated.
     /// If it cannot start, or goes away before it is told to, `logError` learns why. `somethingHappened` is called
-    /// whenever there is an event to take or the program has gone; it must leave this object alone.
+    /// whenever there is an event to take or the program has gone; it must leave this object alone. The desktop
+    /// gives the first window the keyboard for `activationToken`, which it handed out; it may be empty.
     WindowProcess(
         const std::filesystem::path& path, std::function<void(std::string_view)> logError,
-        std::function<void()> somethingHappened = [] {});
+        std::function<void()> somethingHappened = [] {}, const std::string& activationToken = {});
 
     /// Lets the program close all its windows and end; kills it if that takes more than half a second.
     ~WindowProcess();
@@ -41,7 +42,7 @@ public:
     void giveUp(std::string_view reason);
 
 private:
-    void start(const std::filesystem::path& path, int childSocket);
+    void start(const std::filesystem::path& path, const std::string& activationToken, int childSocket);
     void receive();
     void end();
 

@@ -50,6 +50,7 @@ platform::freedesktop::ControlledProgram controlled(platform::freedesktop::Sessi
                      {"Quit", "quit", "Quit"}},
         .pick = [&desktop](std::string_view entry) { return desktop.pick(entry); },
         .showMenu = [&desktop] { desktop.showMenuWindow(); },
+        .activationTokenCame = [&desktop](const char* token) { desktop.keepActivationToken(token); },
         .isReminding = [] { return app->state == App::State::Reminding; },
         .text = [&desktop] { return desktop.statusText(); },
         .remainingSeconds = [] { return static_cast<std::int64_t>(app->countdown()); },

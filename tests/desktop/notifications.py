@@ -43,5 +43,12 @@ class NotificationArea:
     def choose(self, message, action):
         """Clicks on one of the message's actions; “default” is the message itself."""
         assert action in message.actions, f"“{action}” is none of {message.actions}"
-        self._bus.call(NAME, PATH, MOCK, "EmitSignal", "(sssav)", NAME, "ActionInvoked", "us",
-                       [GLib.Variant("u", message.number), GLib.Variant("s", action)])
+        self._emit("ActionInvoked", message, action)
+
+    def hand_out(self, message, token):
+        """Gives the program what lets a window come to the front, as is done before an action."""
+        self._emit("ActivationToken", message, token)
+
+    def _emit(self, signal, message, text):
+        self._bus.call(NAME, PATH, MOCK, "EmitSignal", "(sssav)", NAME, signal, "us",
+                       [GLib.Variant("u", message.number), GLib.Variant("s", text)])

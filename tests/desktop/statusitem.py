@@ -70,3 +70,7 @@ class StatusItem:
         wait_until(lambda: self.entry(label).is_enabled, f"the entry “{label}” to be enabled")
         entry = self.entry(label)
         self._menu("Event", "(isvu)", entry.number, "clicked", GLib.Variant("s", ""), 0)
+
+    def provide_activation_token(self, token):
+        """Hands over what a window may show to come to the front, as a panel does before a pick."""
+        self._bus.call(self._name, self._path, ITEM, "ProvideXdgActivationToken", "(s)", token)

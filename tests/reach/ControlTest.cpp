@@ -58,6 +58,7 @@ protected:
     std::vector<std::string> picked;
     bool isBusy = false;
     int menus = 0;
+    std::vector<std::string> tokens;
     bool isReminding = false;
     std::int64_t seconds = 540;
     bool isMuted = false;
@@ -73,6 +74,7 @@ protected:
                                   return !isBusy;
                               },
                           .showMenu = [this] { ++menus; },
+                          .activationTokenCame = [this](const char* token) { tokens.emplace_back(token); },
                           .isReminding = [this] { return isReminding; },
                           .text = [] { return std::string{"9m"}; },
                           .remainingSeconds = [this] { return seconds; },
@@ -118,6 +120,18 @@ TEST_F(ControlTest, TheMenuIsShownHoweverItIsAskedFor) {
     EXPECT_TRUE(ask("org.freedesktop.Application", "Open", g_variant_new("(asa{sv})", nullptr, nullptr)));
     EXPECT_EQ(menus, 3);
     EXPECT_THAT(picked, IsEmpty());
+}
+
+TEST_F(ControlTest, TheDesktopLetsItsWindowsComeToTheFront) {
+    EXPECT_TRUE(
+        ask("org.freedesktop.Application", "Activate", g_variant_new_parsed("({'activation-token': <'first'>},)")));
+    EXPECT_TRUE(ask("org.freedesktop.Application", "Open",
+                    g_variant_new_parsed("(@as [], {'activation-token': <'second'>})")));
+    EXPECT_TRUE(ask("org.freedesktop.Application", "ActivateAction",
+                    g_variant_new_parsed("('quit', @av [], {'activation-token': <'third'>})")));
+    EXPECT_TRUE(
+        ask("org.freedesktop.Application", "Activate", g_variant_new_parsed("({'activation-token': <4>},)")));
+    EXPECT_THAT(tokens, ElementsAre("first", "second", "third"));
 }
 
 TEST_F(ControlTest, ThePropertiesAreReadAfresh) {

@@ -55,13 +55,7 @@ int main(int argc, char** argv) {
                    argv[0]);
         return EXIT_FAILURE;
     }
-    for (const char* variable : {
-             "DESKTOP_STARTUP_ID", // that the resident program was started by is long over
-             "XDG_ACTIVATION_TOKEN",
-             "GTK_MODULES", // nothing here needs one, and each delays the window
-         }) {
-        g_unsetenv(variable);
-    }
+    g_unsetenv("GTK_MODULES");              // nothing here needs one, and each delays the window
     g_setenv("GIO_USE_VFS", "local", TRUE); // all files are local, so there is no need to ask a daemon
     g_set_prgname(applicationId);
     g_set_application_name("Marvelode Timer");
