@@ -36,6 +36,9 @@ public:
     /// Adds a button; the first one is the default button, which the Return key presses.
     void addButton(std::string title) { _buttons.push_back(std::move(title)); }
 
+    /// Whether any button was added.
+    bool hasOwnButtons() const { return !_buttons.empty(); }
+
     /// The titles of the buttons in order; a single "OK" if none was added.
     std::vector<std::string> buttons() const {
         return _buttons.empty() ? std::vector<std::string>{"OK"} : _buttons;

@@ -42,8 +42,10 @@ int runAlert(platform::NSAlert& model) {
     [alert setIcon:model.icon ? [NSImage imageNamed:toCocoa(*model.icon)] : nil];
     [alert setMessageText:toCocoa(model.messageText)];
     [alert setInformativeText:toCocoa(model.informativeText)];
-    for (const std::string& title : model.buttons()) {
-        [alert addButtonWithTitle:toCocoa(title)];
+    if (model.hasOwnButtons()) { // or else AppKit adds its own, in the user's language
+        for (const std::string& title : model.buttons()) {
+            [alert addButtonWithTitle:toCocoa(title)];
+        }
     }
     platform::NSSuppressionButton* const suppression = model.suppressionButton();
     NSButton* const button = suppression ? showSuppressionButton(alert, *suppression) : nil;
