@@ -218,7 +218,7 @@ TEST_F(Timers, ATimerNeverFiresInsideItsOwnAction) {
             }
             --depth;
         });
-        endAfter(280ms);
+        endAfter(600ms); // a real alert takes its time to come up
     });
     EXPECT_EQ(deepest, 1);
     EXPECT_GE(firings, 2);
