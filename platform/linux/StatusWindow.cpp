@@ -12,6 +12,7 @@ constexpr const char* title = "Marvelode Timer";
 constexpr const char* hide = "Hide this window"; // the one control that is no entry of the menu, and the last
 constexpr double pictureHeight = 50;
 constexpr double gap = 12;
+constexpr double margin = 6; // beyond the one that every panel has
 constexpr double labelWidth = 150;
 constexpr double switchWidth = 52;
 constexpr double buttonWidth = 210;
@@ -122,7 +123,7 @@ View StatusWindow::view() {
         _controls.push_back(item.get());
     }
     rows.push_back(Button(hide, 0, [] {}).frame(leading(buttonWidth)).padding(Edges::Top, gap));
-    return VStack(Alignment::Leading, std::move(rows)).fixedSize();
+    return VStack(std::move(rows)).fixedSize().padding(Edges::All, margin);
 }
 
 void StatusWindow::handleEvents() {

@@ -28,6 +28,8 @@ class Host:
     menu_button = 1       # the button of the mouse that opens the item's menu
     takes_keys = True     # whether its menus can be used with the keyboard
     environment = {}
+    screen = (0, 0, 1280, 800)  # where the desktop is that it belongs to
+    client_environment = {}     # of the programs there
 
     def __init__(self, desktop, dark=False):
         self.desktop, self.dark = desktop, dark
@@ -188,9 +190,10 @@ class Waybar(WidePictures):
     def start(self):
         self._compositor = Sway(self.desktop)
         self._compositor.start()
-        x, y, width, _ = self._compositor.area
+        self.screen, self.client_environment = self._compositor.area, self._compositor.environment
+        x, y, width, _ = self.screen
         self.area = (x, y, width, 30)
-        self._programs = [self.desktop.start("waybar", **self._compositor.environment)]
+        self._programs = [self.desktop.start("waybar", **self.client_environment)]
         self.await_watcher()
 
     def stop(self):

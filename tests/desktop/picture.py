@@ -67,6 +67,12 @@ class Picture:
             rows += [wide] * factor
         return Picture(self.width * factor, self.height * factor, b"".join(rows))
 
+    def beside(self, other):
+        """Both, this one on the left; they are of one height."""
+        rows = (each.pixels[y * each.width * 4:][:each.width * 4] for y in range(self.height)
+                for each in (self, other))
+        return Picture(self.width + other.width, self.height, b"".join(rows))
+
     def count(self, matches):
         """How many pixels `matches(red, green, blue, alpha)` holds for."""
         return sum(1 for at in range(0, len(self.pixels), 4) if matches(*self.pixels[at:at + 4]))
