@@ -35,7 +35,7 @@ private:
     std::function<void(std::string_view)> _logError;
     std::optional<CancelledAtEnd> _panel; // cancels what is under way when the panel goes
     unsigned _watch;
-    std::array<unsigned, 2> _hostSubscriptions;
+    std::array<unsigned, 2> _hostSubscriptions{};
 };
 
 } // namespace platform::freedesktop

@@ -6,6 +6,9 @@
 
 #include <cstdlib>
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): the library frees what it is given
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): its names for parameters are not ours
+
 namespace {
 
 constexpr int monitorCount = 2;
@@ -59,3 +62,6 @@ int XRRGetOutputProperty(Display* display, RROutput, Atom property, long offset,
         bytesAfter, value);
 }
 }
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)

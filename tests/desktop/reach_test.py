@@ -116,7 +116,7 @@ class NoTray(unittest.TestCase):
             other = Other(desktop)
             timer = Timer(desktop)
             small = timer.window()
-            self.assertTrue(is_seen(desktop, small))
+            wait_until(lambda: is_seen(desktop, small), "the small window to be seen")
             desktop.type("hello")
             wait_until(lambda: other.text() == "hello", "what was typed to arrive")
             self.assertTrue(other.has_keyboard())
