@@ -1,5 +1,5 @@
-// Preloaded into a program on Wayland, hides from it that the compositor has layers. Many have none, but those do not
-// run on virtual screens.
+// Preloaded into a program on Wayland, hides from it that the compositor has layers. Many have none, but those do
+// not run on virtual screens.
 
 extern "C" {
 
