@@ -94,9 +94,7 @@ TEST(ADay, OfCountingDown) {
 
 TEST(ADay, WithTheLidClosedWhileTheReminderIsUp) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.sleepAndWake(8h);
     EXPECT_TRUE(desktop.alertIsUp()); // still there, while a new interval runs

@@ -84,6 +84,12 @@ void Desktop::hadAFirstRun() {
                 {"ShowCountdown", true}};
 }
 
+void Desktop::workUntilTheBreak() {
+    hadAFirstRun();
+    launch();
+    wait(10min);
+}
+
 AppState Desktop::state() const { return marvelode::app->state; }
 
 double Desktop::deadline() const { return marvelode::app->systemTimerDeadline.timeIntervalSince1970(); }

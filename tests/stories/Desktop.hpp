@@ -29,6 +29,9 @@ public:
     /// Leaves the settings as a first run of version 1.1.0 leaves them.
     void hadAFirstRun();
 
+    /// Starts the program as a user who has run it before, and waits until the first break is due.
+    void workUntilTheBreak();
+
     // Of the running program
 
     AppState state() const;

@@ -25,9 +25,7 @@ TEST(Snooze, KeepsTheDeadline) {
 
 TEST(Snooze, CanBeRepeatedForAsLongAsOneLikes) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     for (int snoozes = 1; snoozes <= 90; ++snoozes) {
         desktop.click("Snooze");
         EXPECT_FALSE(desktop.alertIsUp());
@@ -42,9 +40,7 @@ TEST(Snooze, CanBeRepeatedForAsLongAsOneLikes) {
 
 TEST(Snooze, CountsUpInRed) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     desktop.click("Snooze");
     desktop.wait(30s);
     EXPECT_EQ(desktop.title(), "+30");
@@ -55,9 +51,7 @@ TEST(Snooze, CountsUpInRed) {
 
 TEST(Snooze, EndsWhenTheUserRestartsFromTheMenu) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     desktop.click("Snooze");
     desktop.heard();
     desktop.wait(20s);
@@ -72,9 +66,7 @@ TEST(Snooze, EndsWhenTheUserRestartsFromTheMenu) {
 
 TEST(ThePopup, IsAnsweredWithRestartByTheReturnKey) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.pressReturn();
     EXPECT_EQ(desktop.state(), AppState::Timing);
@@ -83,9 +75,7 @@ TEST(ThePopup, IsAnsweredWithRestartByTheReturnKey) {
 
 TEST(ThePopup, LeavesTheMenuWithoutAnythingToPick) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     EXPECT_EQ(desktop.menu(), (Lines{"- About Marvelode Timer", "---", "- Restart timer (r)", "- Mute",
                                      "- x Popup reminders", "- Settings (s)", "---", "- Quit (q)"}));
@@ -96,9 +86,7 @@ TEST(ThePopup, LeavesTheMenuWithoutAnythingToPick) {
 
 TEST(ThePopup, LetsTheTextCountOnWhereTheDesktopDoes) {
     Desktop desktop{platform::RepeatingTimersDuringModal::Fire};
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.wait(42s);
     EXPECT_EQ(desktop.title(), "+42");
@@ -107,9 +95,7 @@ TEST(ThePopup, LetsTheTextCountOnWhereTheDesktopDoes) {
 
 TEST(ThePopup, HoldsTheTextWhereTheDesktopDoes) {
     Desktop desktop;
-    desktop.hadAFirstRun();
-    desktop.launch();
-    desktop.wait(10min);
+    desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.wait(42s);
     EXPECT_EQ(desktop.title(), "0");
