@@ -1,6 +1,7 @@
 #include "platform/UserDefaults.hpp"
 
 #include "platform/Desktop.hpp"
+#include "platform/Overloaded.hpp"
 
 #include <cctype>
 #include <charconv>
@@ -64,13 +65,6 @@ std::string decimal(double number) {
     } while (std::strtod(text, nullptr) != number && digits <= std::numeric_limits<double>::max_digits10);
     return text;
 }
-
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 } // namespace
 

@@ -1,18 +1,13 @@
 #include "platform/simulated/ViewReader.hpp"
 
+#include "platform/Overloaded.hpp"
+
 #include <functional>
 
 namespace platform::simulated {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 std::string joined(const Lines& pieces, std::string_view separator) {
     std::string whole;
