@@ -31,7 +31,7 @@ bool NSMenu::validates(const NSMenuItem& item) const {
     if (item.isSeparatorItem() || NSApplication::shared().isModal()) {
         return false;
     }
-    return autoenablesItems ? item.action != nullptr : item.isEnabled;
+    return autoenablesItems ? item.action != nullptr : item.isEnabled.value_or(true);
 }
 
 void NSMenu::performActionForItem(NSMenuItem& item) const {

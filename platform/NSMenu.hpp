@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +36,10 @@ public:
     const std::string title;
     const Action action;
     const std::string keyEquivalent;
-    bool isEnabled = true; ///< Heeded only in a menu that does not enable its entries by itself.
+
+    /// Whether the entry was marked enabled or not; absent if nobody marked it, which counts as enabled. Heeded
+    /// only in a menu that does not enable its entries by itself.
+    std::optional<bool> isEnabled;
 
     bool isSeparatorItem() const { return _isSeparator; }
 

@@ -17,6 +17,9 @@ public:
 
     /// Calls `action` at every notification of that name from now on, until `observer` is removed.
     void addObserver(Observer observer, std::function<void()> action, Name name) {
+        if (const auto hook = std::exchange(_firstObserverHook, nullptr)) {
+            hook();
+        }
         _registrations.push_back({observer, std::move(action), name});
     }
 
@@ -24,6 +27,9 @@ public:
     void removeObserver(Observer observer) {
         std::erase_if(_registrations, [&](const Registration& each) { return each.observer == observer; });
     }
+
+    /// For desktops: runs `hook` once, as soon as anybody asks for anything; in place of an earlier hook.
+    void onFirstObserver(std::function<void()> hook) { _firstObserverHook = std::move(hook); }
 
     /// For desktops: tells everybody who asked, before it returns.
     void post(Name name) {
@@ -42,6 +48,7 @@ private:
         Name name;
     };
     std::vector<Registration> _registrations;
+    std::function<void()> _firstObserverHook;
 };
 
 /// The desktop around the program.

@@ -17,6 +17,10 @@
     platform::Desktop* _desktop;
 }
 - (instancetype)initWithDesktop:(platform::Desktop&)desktop;
+
+/// From now on, posts it to the program when the machine woke up.
+- (void)watchForWake;
+
 @end
 
 @implementation ApplicationDelegate
@@ -35,13 +39,16 @@
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
     (void)notification;
+    if (_desktop->application.delegate) {
+        _desktop->application.delegate->applicationDidFinishLaunching();
+    }
+}
+
+- (void)watchForWake {
     [[[NSWorkspace sharedWorkspace] notificationCenter] addObserver:self
                                                            selector:@selector(didWakeFromSleep:)
                                                                name:NSWorkspaceDidWakeNotification
                                                              object:nil];
-    if (_desktop->application.delegate) {
-        _desktop->application.delegate->applicationDidFinishLaunching();
-    }
 }
 
 - (void)didWakeFromSleep:(NSNotification*)notification {
@@ -83,12 +90,13 @@ os_log_type_t typeOf(platform::Logger::Level level) {
 
 CocoaDesktop::CocoaDesktop()
     : _applicationDelegate{[[ApplicationDelegate alloc] initWithDesktop:*this]} {
-    [[NSApplication sharedApplication] setDelegate:_applicationDelegate.get()];
+    workspaceNotifications.onFirstObserver([this] { [_applicationDelegate.get() watchForWake]; });
 }
 
 CocoaDesktop::~CocoaDesktop() { [NSApp setDelegate:nil]; }
 
 int CocoaDesktop::run(int argc, const char* const* argv) {
+    [[NSApplication sharedApplication] setDelegate:_applicationDelegate.get()];
     return NSApplicationMain(argc, const_cast<const char**>(argv));
 }
 

@@ -24,7 +24,8 @@
 /// The control that the keyboard belongs to at first; nil if the tree has none that takes it.
 - (NSView*)firstFocusable;
 
-/// Takes all controls away; from now on the root view is not touched.
+/// Takes all controls away, which do nothing any more, whoever still holds them; the root view is not touched
+/// again.
 - (void)forgetRootView;
 
 @end

@@ -271,6 +271,12 @@ private:
     for (const auto& [field, node] : _textFields) {
         [field setDelegate:nil];
     }
+    for (NSView* each in [self subviews]) {
+        if ([each isKindOfClass:[NSControl class]]) {
+            [static_cast<NSControl*>(each) setTarget:nil];
+            [static_cast<NSControl*>(each) setAction:nullptr];
+        }
+    }
     _firstFocusable = nil;
     _textFields.clear();
     _actions.clear();

@@ -14,7 +14,12 @@ NSMenuItem* itemFor(const platform::NSMenuItem& model, id target) {
                                                          action:model.action ? @selector(performItem:) : nullptr
                                                   keyEquivalent:toCocoa(model.keyEquivalent)] autorelease];
     [item setTarget:target];
-    [item setEnabled:model.isEnabled];
+    if (model.isEnabled) {
+        [item setEnabled:*model.isEnabled];
+    }
+    if (model.hasState()) {
+        [item setState:static_cast<NSInteger>(model.state())];
+    }
     return item;
 }
 
@@ -33,7 +38,6 @@ NSMenuItem* itemFor(const platform::NSMenuItem& model, id target) {
         for (const auto& each : _model->items()) {
             [_menu addItem:itemFor(*each, self)];
         }
-        [self update];
     }
     return self;
 }

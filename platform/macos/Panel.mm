@@ -28,6 +28,14 @@
 @end
 
 namespace cocoa {
+namespace {
+
+/// What the program added to the style that its panels begin with; AppKit's begin with a style of their own.
+NSWindowStyleMask addedTo(platform::NSPanel::StyleMask mask) {
+    return static_cast<NSWindowStyleMask>(mask & ~platform::NSPanel{}.styleMask);
+}
+
+} // namespace
 
 Panel::Panel(platform::NSPanel& model, const platform::View& content)
     : _model{model}
@@ -36,12 +44,11 @@ Panel::Panel(platform::NSPanel& model, const platform::View& content)
     , _delegate{[[PanelDelegate alloc] initWithModel:model]} {
     using ButtonType = platform::NSPanel::ButtonType;
     NSPanel* const panel = _panel.get();
-    [panel setReleasedWhenClosed:NO];
-    [panel setContentSize:[_contentView.get() frame].size];
+    const NSSize contentSize = [_contentView.get() frame].size;
     [panel setContentView:_contentView.get()];
     [panel setDelegate:_delegate.get()];
     [panel setTitle:toCocoa(model.title)];
-    [panel setStyleMask:[panel styleMask] | static_cast<NSWindowStyleMask>(model.styleMask)];
+    [panel setStyleMask:[panel styleMask] | addedTo(model.styleMask)];
     for (const auto& [type, button] : {std::pair{ButtonType::Close, NSWindowCloseButton},
                                        std::pair{ButtonType::Miniaturize, NSWindowMiniaturizeButton},
                                        std::pair{ButtonType::Zoom, NSWindowZoomButton}}) {
@@ -53,6 +60,7 @@ Panel::Panel(platform::NSPanel& model, const platform::View& content)
     [_contentView.get() setHidden:YES];
     [panel setTitleVisibility:static_cast<NSWindowTitleVisibility>(model.titleVisibility)];
     [panel setTitlebarAppearsTransparent:model.titlebarAppearsTransparent];
+    [panel setContentSize:contentSize]; // last, since how the panel is framed decides what is left for its content
 }
 
 Panel::~Panel() {

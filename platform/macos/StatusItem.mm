@@ -48,7 +48,9 @@ NSAttributedString* attributed(const platform::NSAttributedString& title) {
 
 StatusItem::StatusItem(std::shared_ptr<platform::NSStatusItem> model)
     : _model{std::move(model)}
-    , _item{[[[NSStatusBar systemStatusBar] statusItemWithLength:_model->length] retain]} {}
+    , _item{[[[NSStatusBar systemStatusBar] statusItemWithLength:_model->length] retain]} {
+    [[_item.get() button] setImagePosition:NSImageLeft]; // and the text beside it
+}
 
 StatusItem::~StatusItem() { [[NSStatusBar systemStatusBar] removeStatusItem:_item.get()]; }
 

@@ -41,9 +41,12 @@ TEST_F(TheStatusMenu, HasItsEntries) {
 
 TEST_F(TheStatusMenu, MarksItsEntriesButLeavesThemToBeEnabledByThemselves) {
     show();
-    EXPECT_FALSE(entry("About Marvelode Timer").isEnabled);
-    EXPECT_FALSE(entry("Restart timer").isEnabled);
-    EXPECT_TRUE(entry("Settings").isEnabled);
+    EXPECT_EQ(entry("About Marvelode Timer").isEnabled, false);
+    EXPECT_EQ(entry("Restart timer").isEnabled, false);
+    EXPECT_EQ(entry("Settings").isEnabled, true);
+    for (const char* title : {"Mute", "Popup reminders", "Quit"}) {
+        EXPECT_EQ(entry(title).isEnabled, std::nullopt) << title;
+    }
     EXPECT_TRUE(menu->main->autoenablesItems);
     for (const char* title :
          {"About Marvelode Timer", "Restart timer", "Mute", "Popup reminders", "Settings", "Quit"}) {

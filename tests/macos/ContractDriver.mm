@@ -40,16 +40,15 @@ std::string silence() {
 
 class MacDriver : public Driver {
 public:
-    MacDriver() {
-        NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
-        [defaults removePersistentDomainForName:[[NSProcessInfo processInfo] processName]];
-        install("Chime.wav", silence());
-    }
+    MacDriver() { install("Chime.wav", silence()); }
 
     void install(std::string_view fileName, std::string_view bytes) override {
         // not by way of NSBundle: GNUstep's remembers what it saw in a folder, and must not look too early
-        const auto folder = std::filesystem::canonical("/proc/self/exe").parent_path() / "Resources";
-        std::ofstream{folder / fileName, std::ios::binary} << bytes;
+        auto folder = std::filesystem::canonical(testing::internal::GetArgvs().front()).parent_path();
+        if (folder.filename() == "MacOS") { // a Mac's bundle has a folder for each
+            folder = folder.parent_path();
+        }
+        std::ofstream{folder / "Resources" / fileName, std::ios::binary} << bytes;
     }
 
     ResourceName playableSound() override { return {"Chime", "wav"}; }

@@ -49,10 +49,11 @@ public:
     /// Forgets what was recorded so far.
     void clear() { _lines.clear(); }
 
-    /// Adds a line: the receiver's class, the selector, and the arguments in their places.
+    /// Adds a line: the receiver's class as the documentation calls it, the selector, and the arguments in their
+    /// places.
     void add(id receiver, SEL selector, const std::vector<std::string>& arguments);
 
-    /// The lines of messages to objects of exactly those classes, in order.
+    /// The lines of messages to objects of those classes, in order.
     std::vector<std::string> messagesTo(const std::vector<std::string>& classNames) const;
 
     /// All lines, "Class message", in order.

@@ -4,6 +4,22 @@
 #include <sstream>
 
 namespace macos_tests {
+namespace {
+
+/// The name of the nearest class that is not a secret of AppKit's or of the shims'.
+std::string documentedName(Class kind) {
+    for (const char* each :
+         {"NSStatusItem", "NSStatusBarButton", "NSButton", "NSMenuItem", "NSNotificationCenter"}) {
+        for (Class ancestor = kind; ancestor; ancestor = class_getSuperclass(ancestor)) {
+            if (ancestor == objc_getClass(each)) {
+                return each;
+            }
+        }
+    }
+    return class_getName(kind);
+}
+
+} // namespace
 
 std::string inWords(id object) {
     if (!object) {
@@ -16,12 +32,14 @@ std::string inWords(id object) {
         return inWords([object string]);
     }
     if ([object isKindOfClass:[NSNumber class]]) {
-        return [[object stringValue] UTF8String];
+        const char type = [object objCType][0];
+        const bool isBoolean = type == 'c' || type == 'C' || type == 'B';
+        return (isBoolean ? "boolean " : type == 'd' ? "double " : "integer ") + inWords([object doubleValue]);
     }
     if ([object isKindOfClass:[NSURL class]]) {
         return inWords([[object path] lastPathComponent]);
     }
-    return class_getName([object class]);
+    return documentedName([object class]);
 }
 
 std::string inWords(SEL selector) { return selector ? sel_getName(selector) : "NULL"; }
@@ -46,7 +64,7 @@ Recorder& Recorder::shared() {
 }
 
 void Recorder::add(id receiver, SEL selector, const std::vector<std::string>& arguments) {
-    std::string line = class_getName(object_getClass(receiver));
+    std::string line = documentedName(object_getClass(receiver));
     line += ' ';
     std::size_t next = 0;
     for (const char character : std::string{sel_getName(selector)}) {

@@ -16,7 +16,7 @@ namespace macos_tests {
 
 using std::chrono::milliseconds;
 
-/// Runs programs, one after the other.
+/// Runs programs, one after the other. The settings are empty at first.
 class Session {
 public:
     using Program = std::function<int(int argc, const char* const* argv)>;
@@ -76,6 +76,9 @@ NSButton* alertCheckBox();
 /// Does what a click on a button comes down to; nil fails the test. (`performClick:` of GNUstep runs the run loop
 /// in its default mode for a while, so that timers fire that must not.)
 void press(NSButton* button);
+
+/// The file names of the sounds that were started, in order.
+std::vector<std::string>& playedSounds();
 
 /// Closes the window in front as its own close button would.
 void closeFrontWindow();

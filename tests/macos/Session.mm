@@ -7,17 +7,27 @@
 #include <objc/runtime.h>
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 using macos_tests::Session;
 
 namespace {
 
+bool isFirstProgram = true;
 bool isTerminating = false;
 int modalSessions = 0; ///< How many alerts and panels have been run so far.
 NSStatusItem* statusItem = nil;
 
+IMP runAlert;
 IMP runModalForWindow;
 IMP statusItemWithLength;
+IMP initSound;
+
+NSInteger countedRunAlert(id self, SEL selector) {
+    ++modalSessions;
+    return reinterpret_cast<NSInteger (*)(id, SEL)>(runAlert)(self, selector);
+}
 
 NSInteger countedRunModalForWindow(id self, SEL selector, NSWindow* window) {
     ++modalSessions;
@@ -33,25 +43,52 @@ NSStatusItem* rememberedStatusItemWithLength(id self, SEL selector, CGFloat leng
 /// Instead of ending the process, has the session end the program.
 void terminate(id, SEL, id) { isTerminating = true; }
 
+std::map<id, std::string> soundFiles;
+std::map<Method, IMP> playMethods; ///< What was there before `notedPlay`.
+
+BOOL notedPlay(id self, SEL selector) {
+    macos_tests::playedSounds().push_back(soundFiles[self]);
+    const IMP original = playMethods.at(class_getInstanceMethod(object_getClass(self), selector));
+    return reinterpret_cast<BOOL (*)(id, SEL)>(original)(self, selector);
+}
+
+/// Notes the sound's file, and listens to it, whatever class it turns out to be of.
+id notedInitSound(id self, SEL selector, NSURL* url, BOOL byReference) {
+    const id sound = reinterpret_cast<id (*)(id, SEL, NSURL*, BOOL)>(initSound)(self, selector, url, byReference);
+    if (sound) {
+        soundFiles[sound] = cocoa::fromCocoa([[url path] lastPathComponent]);
+        Method const play = class_getInstanceMethod(object_getClass(sound), @selector(play));
+        if (playMethods.count(play) == 0) {
+            playMethods[play] = method_setImplementation(play, reinterpret_cast<IMP>(notedPlay));
+        }
+    }
+    return sound;
+}
+
+void listenToSounds() {
+    const SEL selector = @selector(initWithContentsOfURL:byReference:);
+    if (!initSound) {
+        initSound = method_setImplementation(class_getInstanceMethod([NSSound class], selector),
+                                             reinterpret_cast<IMP>(notedInitSound));
+    }
+}
+
 IMP replace(Class kind, SEL selector, IMP implementation) {
     return method_setImplementation(class_getInstanceMethod(kind, selector), implementation);
 }
 
 } // namespace
 
-/// The run loop in its plainest form, called in place of the function without the prefix: that one takes the
-/// display down when it returns, so that no second program could run in this process.
-extern "C" int __wrap_NSApplicationMain(int, const char**) {
-    [NSApp finishLaunching];
-    [[NSNotificationCenter defaultCenter] postNotificationName:NSApplicationDidFinishLaunchingNotification
-                                                        object:NSApp];
-    while (!isTerminating) {
-        @autoreleasepool {
-            [NSApp sendEvent:[NSApp nextEventMatchingMask:NSEventMaskAny
-                                                untilDate:[NSDate distantFuture]
-                                                   inMode:NSDefaultRunLoopMode
-                                                  dequeue:YES]];
-        }
+/// Stands in for AppKit's function of that name, which a linker prefers less than one of the program's own.
+/// AppKit's ends the process, or takes the display down, so that no second program could run in this process.
+extern "C" int NSApplicationMain(int, const char**) {
+    if (std::exchange(isFirstProgram, false)) {
+        [NSApp run];
+    } else { // an application is launched once
+        NSNotification* const launch =
+            [NSNotification notificationWithName:NSApplicationDidFinishLaunchingNotification object:NSApp];
+        [[NSApp delegate] applicationDidFinishLaunching:launch];
+        [NSApp run];
     }
     return 0;
 }
@@ -68,6 +105,7 @@ extern "C" int __wrap_NSApplicationMain(int, const char**) {
 
 + (void)initialize {
     replace([NSApplication class], @selector(terminate:), reinterpret_cast<IMP>(terminate));
+    runAlert = replace([NSAlert class], @selector(runModal), reinterpret_cast<IMP>(countedRunAlert));
     runModalForWindow = replace([NSApplication class], @selector(runModalForWindow:),
                                 reinterpret_cast<IMP>(countedRunModalForWindow));
     statusItemWithLength = replace([NSStatusBar class], @selector(statusItemWithLength:),
@@ -121,7 +159,14 @@ void postEvent() {
 
 } // namespace
 
-Session::Session() { [SessionClock class]; }
+Session::Session() {
+    [SessionClock class];
+    NSString* const name = [[NSProcessInfo processInfo] processName];
+    NSString* const identifier = [@"org.marvelode.Timer." stringByAppendingString:name]; // what a Mac goes by
+    for (NSString* domain in @[ name, identifier ]) {
+        [[NSUserDefaults standardUserDefaults] removePersistentDomainForName:domain];
+    }
+}
 
 Session::~Session() = default;
 
@@ -146,6 +191,7 @@ int Session::run(const std::vector<std::string>& arguments, milliseconds limit, 
         _isRunning = true;
         _end = Clock::now() + limit;
         cocoa::CocoaDesktop desktop;
+        listenToSounds(); // not earlier: GNUstep looks for resources as soon as it hears of sounds
         startClock();
         const int status = program(static_cast<int>(arguments.size() + 1), argv.data());
         _isRunning = false;
@@ -189,9 +235,7 @@ void Session::tick(NSTimer* clock) {
         isTerminating = true;
     }
     if (isTerminating) {
-        if ([NSApp modalWindow]) {
-            [NSApp stop:nil]; // one modal session at a time
-        }
+        [NSApp stop:nil]; // one modal session at a time, and at last the run loop
         postEvent();
         return;
     }
@@ -242,6 +286,11 @@ void press(NSButton* button) {
         [button sendAction:[button action] to:[button target]];
         postEvent();
     }
+}
+
+std::vector<std::string>& playedSounds() {
+    static std::vector<std::string> played;
+    return played;
 }
 
 void closeFrontWindow() { [frontWindow() close]; }

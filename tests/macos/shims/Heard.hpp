@@ -1,6 +1,6 @@
 #pragma once
 
-// What the program wrote to the unified log and what it let be heard, as the shims keep it for tests.
+// What the program asked of functions that are no methods, as the shims keep it for tests: the unified log, beeps.
 
 #import <os/log.h>
 
@@ -18,8 +18,8 @@ struct LogEntry {
 /// All entries of this process, in order.
 std::vector<LogEntry>& logEntries();
 
-/// The file names of the MPEG-4 sounds that were started, in order.
-std::vector<std::string>& playedSounds();
+/// How many logs were asked for.
+int createdLogs();
 
 /// How often the program beeped.
 int beeps();

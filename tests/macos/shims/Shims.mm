@@ -5,6 +5,7 @@
 
 #include <objc/runtime.h>
 
+#include <array>
 #include <cstring>
 #include <map>
 
@@ -68,14 +69,28 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 
 // Windows
 
+namespace {
+
+/// The buttons in the title bars, which nobody sees here: close, miniaturise, zoom. Kept, since few windows ask.
+std::map<NSWindow*, std::array<NSButton*, 3>> standardButtons;
+
+} // namespace
+
 @interface NSWindow (ShimMethods)
 @end
 
 @implementation NSWindow (ShimMethods)
 
 - (NSButton*)standardWindowButton:(NSWindowButton)button {
-    (void)button;
-    return nil;
+    const std::size_t index = static_cast<std::size_t>(button);
+    if (!([self styleMask] & NSTitledWindowMask) || index > NSWindowZoomButton) {
+        return nil;
+    }
+    auto& buttons = standardButtons[self];
+    for (NSButton*& each : buttons) {
+        each = each ? each : [[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 14, 16)];
+    }
+    return buttons.at(index);
 }
 
 - (void)setPreventsApplicationTerminationWhenModal:(BOOL)prevents {
@@ -143,16 +158,8 @@ NSInteger runWindowWithSuppressionButton(id self, SEL selector, NSWindow* window
 // Sounds
 
 /// An MPEG-4 sound, silent here.
-@interface MpegSound : NSSound {
-    NSString* _path;
-}
-- (instancetype)initWithPath:(NSString*)path;
+@interface MpegSound : NSSound
 @end
-
-std::vector<std::string>& playedSounds() {
-    static std::vector<std::string> played;
-    return played;
-}
 
 namespace {
 
@@ -171,20 +178,7 @@ void countedBeep() {
 
 @implementation MpegSound
 
-- (instancetype)initWithPath:(NSString*)path {
-    if ((self = [super init])) {
-        _path = [path copy];
-    }
-    return self;
-}
-
-- (void)dealloc {
-    [_path release];
-    [super dealloc];
-}
-
 - (BOOL)play {
-    playedSounds().push_back([[_path lastPathComponent] UTF8String]);
     return YES;
 }
 
@@ -199,7 +193,7 @@ void countedBeep() {
     NSData* const bytes = [NSData dataWithContentsOfURL:url];
     if ([bytes length] > 8 && std::memcmp(static_cast<const char*>([bytes bytes]) + 4, "ftyp", 4) == 0) {
         [self release];
-        return [[MpegSound alloc] initWithPath:[url path]];
+        return [[MpegSound alloc] init];
     }
     return [self initWithContentsOfFile:[url path] byReference:byReference];
 }
@@ -239,7 +233,6 @@ void countedBeep() {
         _item = item;
         [self setBordered:NO];
         [self setTitle:@""];
-        [self setImagePosition:NSImageLeft];
     }
     return self;
 }
@@ -332,12 +325,21 @@ struct os_log_s {
     std::string category;
 };
 
+namespace {
+
+int createdLogCount = 0;
+
+} // namespace
+
 std::vector<LogEntry>& logEntries() {
     static std::vector<LogEntry> entries;
     return entries;
 }
 
+int createdLogs() { return createdLogCount; }
+
 os_log_t os_log_create(const char* subsystem, const char* category) {
+    ++createdLogCount;
     static std::map<std::pair<std::string, std::string>, os_log_s> logs; // one for each name, as Apple's are
     return &logs.try_emplace({subsystem, category}, os_log_s{subsystem, category}).first->second;
 }
