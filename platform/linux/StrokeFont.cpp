@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace platform::freedesktop {
@@ -96,7 +97,12 @@ int rounded(double number) { return static_cast<int>(std::lround(number)); }
 
 constexpr double boldness = 0.16;   // of the height
 constexpr double digitWidth = 0.56; // of the height
-constexpr double leastCounter = 1;  // of the thickness
+
+/// Sharp strokes may stand close together, those with a blurred edge may not.
+int narrowestCounter(double thickness) {
+    const bool isSharp = thickness == std::floor(thickness);
+    return std::max(1, rounded(isSharp ? thickness / 2 : thickness));
+}
 
 /// How many cells of the grid the letter is wide: its outer edges fall between pixels, and so does its middle
 /// stroke if it is symmetric.
@@ -209,17 +215,21 @@ int StrokeText::widthOf(std::string_view text, const Shape& shape) {
 }
 
 StrokeText::Shape StrokeText::fitting(std::string_view text, int roomWidth, int roomHeight) {
+    std::string widest{text};
+    std::replace_if(
+        widest.begin(), widest.end(), [](char each) { return each >= '0' && each <= '9'; }, '4');
     Shape shape{roomHeight, std::max(1.0, rounded(roomHeight * boldness * 2) / 2.0), 1};
-    for (; shape.thickness >= 1; shape.thickness -= 0.5) {
-        const int widest = rounded(roomHeight * digitWidth - 2 * shape.thickness);
-        const int narrowest = std::max(1, rounded(shape.thickness * leastCounter));
-        for (shape.counter = widest; shape.counter >= narrowest; --shape.counter) {
-            if (widthOf(text, shape) <= roomWidth) {
-                return shape;
-            }
+    for (; shape.thickness > 1; shape.thickness -= 0.5) {
+        shape.counter = narrowestCounter(shape.thickness);
+        if (widthOf(widest, shape) <= roomWidth) {
+            break;
         }
     }
-    return {roomHeight, 1, 1};
+    shape.counter = std::max(1, rounded(roomHeight * digitWidth - 2 * shape.thickness));
+    while (shape.counter > narrowestCounter(shape.thickness) && widthOf(text, shape) > roomWidth) {
+        --shape.counter;
+    }
+    return shape;
 }
 
 void StrokeText::addTo(DistanceField& field, int scale, int left, int top, double reach) const {

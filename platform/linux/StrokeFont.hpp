@@ -30,8 +30,8 @@ private:
 class StrokeText {
 public:
     /// The text within a room of that many cells of the grid: as high as it, and as bold and as wide as it allows.
-    /// Where room is short the letters first grow narrow, then thin, and are squeezed only then. Characters other
-    /// than "0123456789hm+->" are left out.
+    /// Where room is short the letters first grow narrow, then thin, and are squeezed only then; what differs in
+    /// its digits alone is equally bold. Characters other than "0123456789hm+->" are left out.
     StrokeText(std::string_view text, int roomWidth, int roomHeight);
 
     int width() const { return _width; }
