@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <utility>
 
@@ -54,7 +55,8 @@ public:
         if (_watch) {
             g_source_remove(_watch);
             kill(_process, SIGKILL);
-            waitpid(_process, nullptr, 0);
+            while (waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
+            }
         }
         if (_errors >= 0) {
             close(_errors);

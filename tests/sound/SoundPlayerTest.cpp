@@ -9,13 +9,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -109,7 +112,7 @@ TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
 }
 
 TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
-    SoundPlayer player{helper(R"(echo started > "$pipe"; exec sleep 1000)"), log()};
+    SoundPlayer player{helper(R"(echo started > "$pipe"; exec sleep 60)"), log()};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     EXPECT_EQ(lineFromHelper(), "started");
     EXPECT_TRUE(player.play("/Sonar.m4a"));
@@ -181,7 +184,7 @@ TEST_F(SoundPlayerTest, OddLettersInAFailureAreMadeReadable) {
 }
 
 TEST_F(SoundPlayerTest, HangingHelperIsEndedAndLogged) {
-    SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 1000)"), log(), 100ms};
+    SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log(), 100ms};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     const std::string process = lineFromHelper();
     runUntilLogged();
@@ -215,13 +218,48 @@ TEST_F(SoundPlayerTest, LogMayPlayTheNextSound) {
 TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
     std::string process;
     {
-        SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 1000)"), log()};
+        SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log()};
         player.play(_sound);
         process = lineFromHelper();
         EXPECT_FALSE(isGone(process));
     }
     EXPECT_TRUE(isGone(process));
     EXPECT_THAT(_logged, IsEmpty());
+}
+
+/// Signals that interrupt whatever this process waits for, again and again.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        sigaction(SIGALRM, &action, &_before);
+        constexpr timeval often{0, 20};
+        const itimerval timer{often, often};
+        setitimer(ITIMER_REAL, &timer, nullptr);
+    }
+    ~Interruptions() {
+        const itimerval never{};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        sigaction(SIGALRM, &_before, nullptr);
+    }
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+
+private:
+    struct sigaction _before {};
+};
+
+TEST_F(SoundPlayerTest, LeavesNoZombieWhenItIsInterrupted) {
+    std::vector<std::string> processes;
+    std::optional<SoundPlayer> player{std::in_place, helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log()};
+    for (int count = 0; count < 20; ++count) {
+        player->play(_folder.path / std::to_string(count));
+        processes.push_back(lineFromHelper());
+    }
+    const Interruptions interruptions;
+    player.reset();
+    EXPECT_TRUE(std::all_of(processes.begin(), processes.end(), isGone));
 }
 
 TEST_F(SoundPlayerTest, LeavesNoDescriptorOpen) {

@@ -1,7 +1,11 @@
 #pragma once
 
-// A folder for the files of one test. It goes, with all that is in it, when the test ends.
+// A folder for the files of one test. It goes, with all that is in it, when the test ends, even if that is killed.
 
+#include <glib.h>
+#include <unistd.h>
+
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -13,17 +17,19 @@
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        std::string name = std::filesystem::temp_directory_path() / "marvelode-sound-XXXXXX";
+        std::string name = std::filesystem::temp_directory_path() / "marvelode-test-XXXXXX";
         if (!mkdtemp(name.data())) {
             throw std::filesystem::filesystem_error{"no temporary folder",
                                                     std::error_code{errno, std::generic_category()}};
         }
         path = name;
+        startCleaner(name);
     }
 
     ~TemporaryFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(path, ignored);
+        close(_lifeline);
     }
 
     TemporaryFolder(const TemporaryFolder&) = delete;
@@ -38,4 +44,20 @@ public:
     }
 
     std::filesystem::path path;
+
+private:
+    /// Starts a process, nobody's child, that removes the folder as soon as this process holds its line no more.
+    void startCleaner(std::string& name) {
+        std::string shell = "/bin/sh";
+        std::string option = "-c";
+        std::string commands = R"(read -r line; rm -rf -- "$0")";
+        std::array<char*, 5> arguments{shell.data(), option.data(), commands.data(), name.data(), nullptr};
+        const auto flags = static_cast<GSpawnFlags>(G_SPAWN_CLOEXEC_PIPES | G_SPAWN_STDOUT_TO_DEV_NULL |
+                                                    G_SPAWN_STDERR_TO_DEV_NULL);
+        const auto standAlone = [](gpointer) { setsid(); };
+        g_spawn_async_with_pipes(nullptr, arguments.data(), nullptr, flags, standAlone, nullptr, nullptr,
+                                 &_lifeline, nullptr, nullptr, nullptr);
+    }
+
+    int _lifeline = -1;
 };
