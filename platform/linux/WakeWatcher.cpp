@@ -4,8 +4,9 @@
 
 namespace platform::freedesktop {
 
-WakeWatcher::WakeWatcher(std::function<void()> didWake)
-    : _didWake{std::move(didWake)} {
+WakeWatcher::WakeWatcher(std::function<void()> didWake, std::chrono::seconds patience)
+    : _didWake{std::move(didWake)}
+    , _patience{patience} {
     connect();
 }
 
@@ -16,18 +17,31 @@ WakeWatcher::~WakeWatcher() {
     }
 }
 
-/// Waits for the bus: GLib's other way of connecting starts threads that stay for good.
 void WakeWatcher::connect() {
-    if (GDBusConnection* systemBus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)) {
-        listen(systemBus);
-    } else {
+    const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
+    if (!address) {
         connectLater();
+        return;
     }
+    const auto connected = [](GObject*, GAsyncResult* result, gpointer self) {
+        ErrorSlot error;
+        GDBusConnection* const systemBus = g_dbus_connection_new_for_address_finish(result, &error);
+        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
+            return;
+        }
+        if (systemBus) {
+            static_cast<WakeWatcher*>(self)->listen(systemBus);
+        } else {
+            static_cast<WakeWatcher*>(self)->connectLater();
+        }
+    };
+    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    g_dbus_connection_new_for_address(address.get(), flags, nullptr, _cancelled.get(), connected, this);
 }
 
 void WakeWatcher::listen(GDBusConnection* systemBus) {
     _systemBus.reset(systemBus);
-    g_dbus_connection_set_exit_on_close(systemBus, FALSE);
     const auto closed = +[](GDBusConnection*, gboolean, GError*, WakeWatcher* self) {
         self->letGo();
         self->connectLater();
@@ -50,13 +64,12 @@ void WakeWatcher::listen(GDBusConnection* systemBus) {
 }
 
 void WakeWatcher::connectLater() {
-    constexpr unsigned seconds = 60;
     const auto retry = [](gpointer self) -> gboolean {
         static_cast<WakeWatcher*>(self)->_retry = 0;
         static_cast<WakeWatcher*>(self)->connect();
         return G_SOURCE_REMOVE;
     };
-    _retry = g_timeout_add_seconds(seconds, retry, this);
+    _retry = g_timeout_add_seconds(static_cast<unsigned>(_patience.count()), retry, this);
 }
 
 void WakeWatcher::letGo() {

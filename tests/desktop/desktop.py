@@ -201,7 +201,8 @@ class Desktop:
         settings = self.folder / "system-bus.conf"
         settings.write_text(SYSTEM_BUS.format(path=path))
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={path}"
-        self._start_service("dbus-daemon", f"--config-file={settings}", "--nofork", "--nopidfile")
+        self._system_bus_process = self._start_service("dbus-daemon", f"--config-file={settings}", "--nofork",
+                                                       "--nopidfile")
         self._system_bus = self._connect(f"unix:path={path}")
         self.start_logind()
 
@@ -320,6 +321,13 @@ class Desktop:
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
 
+    def hold_button(self, x, y):
+        """Presses the mouse's button there and keeps it down."""
+        self._xdotool("mousemove", str(x), str(y), "mousedown", "1")
+
+    def release_button(self):
+        self._xdotool("mouseup", "1")
+
     def point_at(self, x, y):
         """Moves the mouse there; it is not drawn."""
         self._xdotool("mousemove", str(x), str(y))
@@ -374,6 +382,10 @@ class Desktop:
         self._display_keeper.close()
         self._start_display()
         self._start_window_manager()
+
+    def stop_system_bus(self):
+        self._system_bus_process.kill()
+        self._system_bus_process.wait()
 
     def stop_session_bus(self):
         self.session_bus_process.kill()

@@ -6,6 +6,7 @@ Run as program_test.py is. Disks are mounted where nobody else sees them, and go
 
 import os
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -151,6 +152,29 @@ class Sleep(unittest.TestCase):
             wait_until(lambda: timer.get("RemainingSeconds") < 1198, "some time to pass")
             desktop.wake()
             wait_until(lambda: timer.get("RemainingSeconds") >= 1198, "a new interval")
+            timer.quit(self)
+
+
+class SystemBus(unittest.TestCase):
+    def test_its_end_goes_unnoticed(self):
+        with Desktop() as desktop:
+            timer = Timer(desktop, "-TimerInterval", "5", settings=QUIET)
+            timer.await_in_panel()
+            desktop.stop_system_bus()
+            timer.await_description("Break in 3 seconds")
+            timer.window().find("push button", "Snooze").press()
+            timer.await_no_window()
+            timer.quit(self)
+
+    def test_one_that_never_answers_delays_nothing(self):
+        with Desktop() as desktop, socket.socket(socket.AF_UNIX) as silent:
+            path = desktop.folder / "silent"
+            silent.bind(str(path))
+            silent.listen()
+            timer = Timer(desktop, "-TimerInterval", "2", settings=QUIET, DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={path}")
+            timer.await_in_panel()
+            timer.window().find("push button", "Snooze").press()
+            timer.await_no_window()
             timer.quit(self)
 
 
@@ -349,9 +373,9 @@ class Disk(unittest.TestCase):
 class Sound(unittest.TestCase):
     def test_without_a_server_the_popup_comes_all_the_same(self):
         with Desktop() as desktop:
-            server, socket = self.start_server(desktop)
+            server, address = self.start_server(desktop)
             timer = Timer(desktop, "-TimerInterval", "3", settings=AFTER_FIRST_RUN | {"AlertSound": "'Bowl'"},
-                          PULSE_SERVER=f"unix:{socket}")
+                          PULSE_SERVER=f"unix:{address}")
             popup = timer.window()
             wait_until(lambda: len(timer.program.helpers()) == 2, "the sound beside the popup")
             server.send(signal.SIGKILL)

@@ -210,6 +210,9 @@ public:
         _deeds.push_back({std::move(deed), 0});
         const auto due = [](gpointer data) -> gboolean {
             auto& [driver, planned] = *static_cast<Due*>(data);
+            if (driver._isWaiting) {
+                return G_SOURCE_CONTINUE; // one deed after the other
+            }
             const auto action = std::move(planned->action);
             driver._deeds.erase(planned);
             action();
@@ -246,6 +249,9 @@ public:
     }
 
     void wakeMachine() override {
+        _isWaiting = true;
+        awaitListenerForSleep(); // the program waits for nobody while it connects
+        _isWaiting = false;
         for (const bool isGoingToSleep : {true, false}) {
             g_dbus_connection_emit_signal(_system.get(), nullptr, "/org/freedesktop/login1",
                                           "org.freedesktop.login1.Manager", "PrepareForSleep",
@@ -309,6 +315,7 @@ private:
     User _user{_folder.path / "user", [this] { windowOpened(); }};
     std::string _program; // its name on the bus
     std::list<Deed> _deeds;
+    bool _isWaiting = false;
     std::vector<std::function<void()>> _onceShown;
 };
 

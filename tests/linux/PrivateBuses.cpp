@@ -8,10 +8,13 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 using platform::freedesktop::ErrorSlot;
 using platform::freedesktop::ObjectHandle;
+using platform::freedesktop::TextHandle;
 using platform::freedesktop::VariantHandle;
 
 namespace {
@@ -22,7 +25,7 @@ public:
     explicit Daemon(const char* variable) {
         std::array<const char*, 6> command{"dbus-daemon", "--session",         "--nofork",
                                            "--nopidfile", "--print-address=1", nullptr};
-        const auto endWithTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGKILL); };
+        const auto endWithTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGTERM); };
         int output = -1;
         ErrorSlot error;
         if (!g_spawn_async_with_pipes(nullptr, const_cast<char**>(command.data()), nullptr,
@@ -39,7 +42,7 @@ public:
         g_setenv(variable, _address.c_str(), TRUE);
     }
     ~Daemon() {
-        kill(_process, SIGKILL);
+        kill(_process, SIGTERM); // upon which it removes its socket
         waitpid(_process, nullptr, 0);
     }
     Daemon(const Daemon&) = delete;
@@ -53,7 +56,7 @@ private:
 };
 
 struct Buses {
-    Daemon system{"DBUS_SYSTEM_BUS_ADDRESS"};
+    std::optional<Daemon> system{"DBUS_SYSTEM_BUS_ADDRESS"};
     Daemon session{"DBUS_SESSION_BUS_ADDRESS"};
 
     static Buses& running() {
@@ -103,7 +106,11 @@ private:
 
 ObjectHandle<GDBusConnection> connectToSession() { return connectTo(Buses::running().session.address()); }
 
-ObjectHandle<GDBusConnection> connectToSystem() { return connectTo(Buses::running().system.address()); }
+ObjectHandle<GDBusConnection> connectToSystem() { return connectTo(Buses::running().system->address()); }
+
+void stopSystemBus() { Buses::running().system.reset(); }
+
+void startSystemBus() { Buses::running().system.emplace("DBUS_SYSTEM_BUS_ADDRESS"); }
 
 void takeName(GDBusConnection* bus, const char* name) {
     constexpr unsigned doNotQueue = 4;
@@ -117,6 +124,19 @@ void takeName(GDBusConnection* bus, const char* name) {
     unsigned result = 0;
     g_variant_get(answer.get(), "(u)", &result);
     ASSERT_EQ(result, isOwner) << name;
+}
+
+void awaitListenerForSleep() {
+    const ObjectHandle<GDBusConnection> bus = connectToSystem();
+    const auto isListening = [&] {
+        g_main_context_wakeup(nullptr);
+        const VariantHandle rules{g_dbus_connection_call_sync(
+            bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Debug.Stats",
+            "GetAllMatchRules", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr)};
+        const TextHandle text{rules ? g_variant_print(rules.get(), FALSE) : nullptr};
+        return text && std::string_view{text.get()}.find("PrepareForSleep") != std::string_view::npos;
+    };
+    EXPECT_TRUE(runLoopUntil(isListening)) << "nobody listens";
 }
 
 bool runLoopUntil(const std::function<bool()>& isDone) {

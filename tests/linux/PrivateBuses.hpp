@@ -15,8 +15,15 @@ platform::freedesktop::ObjectHandle<GDBusConnection> connectToSession();
 /// A new connection to the bus that the process takes for the system bus.
 platform::freedesktop::ObjectHandle<GDBusConnection> connectToSystem();
 
+/// Lets the system bus die, and another take its place.
+void stopSystemBus();
+void startSystemBus();
+
 /// Takes that name on the bus for the connection's lifetime.
 void takeName(GDBusConnection* bus, const char* name);
+
+/// Runs the main loop until somebody on the system bus listens for the login manager's word of sleep.
+void awaitListenerForSleep();
 
 /// Runs the main loop until `isDone` or for a few seconds; whether it is done.
 bool runLoopUntil(const std::function<bool()>& isDone);
