@@ -1,8 +1,7 @@
 #include "platform/linux/Control.hpp"
 
-#include "platform/Fatal.hpp"
-
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace platform::freedesktop {
@@ -12,31 +11,55 @@ constexpr const char* busName = "org.marvelode.Timer";
 constexpr const char* objectPath = "/org/marvelode/Timer";
 constexpr const char* applicationInterface = "org.freedesktop.Application";
 
-constexpr const char* interfaces = R"(
-<node>
-  <interface name="org.marvelode.Timer">
-    <method name="Restart"/>
-    <method name="ToggleMute"/>
-    <method name="TogglePopups"/>
-    <method name="ShowSettings"/>
-    <method name="ShowAbout"/>
-    <method name="ShowMenu"/>
-    <method name="Quit"/>
-    <property name="State" type="s" access="read"/>
-    <property name="Text" type="s" access="read"/>
-    <property name="RemainingSeconds" type="x" access="read"/>
-    <property name="Muted" type="b" access="read"/>
-    <property name="Popups" type="b" access="read"/>
-    <annotation name="org.freedesktop.DBus.Property.EmitsChangedSignal" value="false"/>
-  </interface>
-  <interface name="org.freedesktop.Application">
-    <method name="Activate"><arg type="a{sv}" direction="in"/></method>
-    <method name="Open"><arg type="as" direction="in"/><arg type="a{sv}" direction="in"/></method>
-    <method name="ActivateAction">
-      <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
-    </method>
-  </interface>
-</node>)";
+constexpr const char* timerDescription = R"xml(<node><interface name="org.marvelode.Timer">
+  <method name="Restart"/>
+  <method name="ToggleMute"/>
+  <method name="TogglePopups"/>
+  <method name="ShowSettings"/>
+  <method name="ShowAbout"/>
+  <method name="ShowMenu"/>
+  <method name="Quit"/>
+  <property name="State" type="s" access="read"/>
+  <property name="Text" type="s" access="read"/>
+  <property name="RemainingSeconds" type="x" access="read"/>
+  <property name="Muted" type="b" access="read"/>
+  <property name="Popups" type="b" access="read"/>
+  <annotation name="org.freedesktop.DBus.Property.EmitsChangedSignal" value="false"/>
+</interface></node>)xml";
+
+constexpr const char* applicationDescription = R"xml(<node><interface name="org.freedesktop.Application">
+  <method name="Activate"><arg type="a{sv}" direction="in"/></method>
+  <method name="Open"><arg type="as" direction="in"/><arg type="a{sv}" direction="in"/></method>
+  <method name="ActivateAction">
+    <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
+  </method>
+</interface></node>)xml";
+
+/// A call that is answered once: with success as soon as there is any, or else, when nobody can bring that about
+/// any more, with an error.
+class PendingCall {
+public:
+    explicit PendingCall(GDBusMethodInvocation* call)
+        : _call{call} {}
+    ~PendingCall() {
+        if (_call) {
+            g_dbus_method_invocation_return_dbus_error(
+                _call, "org.marvelode.Timer.Error.Busy",
+                "Marvelode Timer cannot do this now: one of its windows waits for an answer, or it is ending.");
+        }
+    }
+    PendingCall(const PendingCall&) = delete;
+    PendingCall& operator=(const PendingCall&) = delete;
+
+    void succeed() {
+        if (_call) {
+            g_dbus_method_invocation_return_value(std::exchange(_call, nullptr), nullptr);
+        }
+    }
+
+private:
+    GDBusMethodInvocation* _call;
+};
 
 /// What the desktop handed to this process when it started it, in the words of `org.freedesktop.Application`.
 GVariant* platformData() {
@@ -73,48 +96,40 @@ bool Control::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
 
 Control::Control(GDBusConnection* sessionBus, ControlledProgram program)
     : _program{std::move(program)}
-    , _sessionBus{sessionBus} {
-    static constexpr GDBusInterfaceVTable table{&Control::call, &Control::property, nullptr, {}};
-    GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(interfaces, nullptr);
-    if (!node) {
-        fatal();
-    }
-    const auto publish = [&](GDBusInterfaceInfo* interface) {
-        return g_dbus_connection_register_object(sessionBus, objectPath, interface, &table, this, nullptr, nullptr);
-    };
-    _timerObject = publish(node->interfaces[0]);
-    _applicationObject = publish(node->interfaces[1]);
-    g_dbus_node_info_unref(node);
-}
+    , _timer{sessionBus, objectPath, timerDescription,
+             [this](std::string_view method, GVariant*, GDBusMethodInvocation* call) {
+                 if (method == "ShowMenu") {
+                     showMenu(call);
+                 } else {
+                     pick(find(&ControlledProgram::Command::method, method), call);
+                 }
+             },
+             [this](std::string_view name) { return owned(property(name)); }}
+    , _application{sessionBus, objectPath, applicationDescription,
+                   [this](std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
+                       activate(method, arguments, call);
+                   },
+                   nullptr} {}
 
-Control::~Control() {
-    g_dbus_connection_unregister_object(_sessionBus, _timerObject);
-    g_dbus_connection_unregister_object(_sessionBus, _applicationObject);
-}
-
-void Control::call(GDBusConnection*, const char*, const char*, const char* interface, const char* method,
-                   GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
-    using Command = ControlledProgram::Command;
-    auto& control = *static_cast<Control*>(self);
-    const std::string_view name = method;
-    if (std::string_view{interface} == applicationInterface) {
-        const std::size_t last = g_variant_n_children(parameters) - 1;
-        const VariantHandle platformData{g_variant_get_child_value(parameters, last)};
-        const char* token = nullptr;
-        if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token)) {
-            control._program.activationTokenCame(token);
-        }
+void Control::activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
+    const std::size_t last = g_variant_n_children(arguments) - 1;
+    const VariantHandle platformData{g_variant_get_child_value(arguments, last)};
+    const char* token = nullptr;
+    if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token)) {
+        _program.activationTokenCame(token);
     }
-    if (name == "ShowMenu" || name == "Activate" || name == "Open") {
-        control._program.showMenu();
-        g_dbus_method_invocation_return_value(invocation, nullptr);
-    } else if (name == "ActivateAction") {
+    if (method == "ActivateAction") {
         const char* action = nullptr;
-        g_variant_get(parameters, "(&s@av@a{sv})", &action, nullptr, nullptr);
-        control.run(control.find(&Command::action, action), invocation);
+        g_variant_get_child(arguments, 0, "&s", &action);
+        pick(find(&ControlledProgram::Command::action, action), call);
     } else {
-        control.run(control.find(&Command::method, name), invocation);
+        showMenu(call);
     }
+}
+
+void Control::showMenu(GDBusMethodInvocation* call) {
+    _program.showMenu();
+    g_dbus_method_invocation_return_value(call, nullptr);
 }
 
 const ControlledProgram::Command* Control::find(Name name, std::string_view value) const {
@@ -123,32 +138,26 @@ const ControlledProgram::Command* Control::find(Name name, std::string_view valu
     return found == _program.commands.end() ? nullptr : &*found;
 }
 
-void Control::run(const ControlledProgram::Command* command, GDBusMethodInvocation* invocation) {
-    if (!command) {
-        g_dbus_method_invocation_return_error(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
-                                              "Marvelode Timer has no such action.");
-    } else if (!_program.pick(command->entry)) {
-        g_dbus_method_invocation_return_dbus_error(invocation, "org.marvelode.Timer.Error.Busy",
-                                                   "A window of Marvelode Timer waits for an answer.");
+void Control::pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call) {
+    if (command) {
+        _program.pick(command->entry, [pending = std::make_shared<PendingCall>(call)] { pending->succeed(); });
     } else {
-        g_dbus_method_invocation_return_value(invocation, nullptr);
+        g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                              "Marvelode Timer has no such action.");
     }
 }
 
-GVariant* Control::property(GDBusConnection*, const char*, const char*, const char*, const char* name, GError**,
-                            gpointer self) {
-    const ControlledProgram& program = static_cast<Control*>(self)->_program;
-    const std::string_view property = name;
-    if (property == "State") {
-        return g_variant_new_string(program.isReminding() ? "Reminding" : "Timing");
+GVariant* Control::property(std::string_view name) const {
+    if (name == "State") {
+        return g_variant_new_string(_program.isReminding() ? "Reminding" : "Timing");
     }
-    if (property == "Text") {
-        return g_variant_new_string(program.text().c_str());
+    if (name == "Text") {
+        return g_variant_new_string(_program.text().c_str());
     }
-    if (property == "RemainingSeconds") {
-        return g_variant_new_int64(program.remainingSeconds());
+    if (name == "RemainingSeconds") {
+        return g_variant_new_int64(_program.remainingSeconds());
     }
-    return g_variant_new_boolean(property == "Muted" ? program.isMuted() : program.showsPopups());
+    return g_variant_new_boolean(name == "Muted" ? _program.isMuted() : _program.showsPopups());
 }
 
 } // namespace platform::freedesktop

@@ -3,7 +3,7 @@
 // The program's own name on the session bus. It keeps a second timer from starting beside the first, and lets
 // scripts and the desktop do what the menu does.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/ExportedInterface.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -23,7 +23,9 @@ struct ControlledProgram {
     };
 
     std::vector<Command> commands;
-    std::function<bool(std::string_view entry)> pick; ///< Has the entry picked soon; false if it cannot be now.
+    /// Has the entry picked soon, and lets `picked` know when that is done or its window comes up. If the entry
+    /// cannot be picked by then, `picked` is never called.
+    std::function<void(std::string_view entry, std::function<void()> picked)> pick;
     std::function<void()> showMenu;
     std::function<void(const char*)> activationTokenCame; ///< What lets the next window come to the front.
     std::function<bool()> isReminding;
@@ -44,24 +46,18 @@ public:
 
     /// Answers calls on the bus from now on, through `program`.
     Control(GDBusConnection* sessionBus, ControlledProgram program);
-    ~Control();
-    Control(const Control&) = delete;
-    Control& operator=(const Control&) = delete;
 
 private:
-    static void call(GDBusConnection*, const char* sender, const char* path, const char* interface,
-                     const char* method, GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self);
-    static GVariant* property(GDBusConnection*, const char* sender, const char* path, const char* interface,
-                              const char* name, GError**, gpointer self);
-
     using Name = std::string ControlledProgram::Command::*;
     const ControlledProgram::Command* find(Name name, std::string_view value) const;
-    void run(const ControlledProgram::Command* command, GDBusMethodInvocation* invocation);
+    void activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call);
+    void showMenu(GDBusMethodInvocation* call);
+    void pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call);
+    GVariant* property(std::string_view name) const;
 
     ControlledProgram _program;
-    GDBusConnection* _sessionBus;
-    unsigned _timerObject = 0;
-    unsigned _applicationObject = 0;
+    ExportedInterface _timer;
+    ExportedInterface _application;
 };
 
 } // namespace platform::freedesktop

@@ -89,9 +89,8 @@ int EventLoop::millisecondsToWait() const {
 
 void EventLoop::handle() {
     _timers.fireDue(monotonicNow(), _mode());
-    if (std::exchange(_isUnsettled, false)) {
-        _settle();
-    }
+    _isUnsettled = false;
+    _settle(); // in any case: something may have changed with the time alone
     if (!_posted.empty()) {
         const std::function<void()> work = std::move(_posted.front());
         _posted.pop_front(); // first: the work may run an alert, and with it this loop

@@ -17,7 +17,7 @@ namespace platform::freedesktop {
 
 class EventLoop {
 public:
-    /// `mode` is asked before timers fire; `settle` is what `settleSoon()` asks for.
+    /// `mode` is asked before timers fire; `settle` is called after each event.
     EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle);
     ~EventLoop();
     EventLoop(const EventLoop&) = delete;
@@ -39,7 +39,7 @@ public:
     /// is no longer pending.
     std::optional<double> shareLeft() const;
 
-    /// Has `settle` called once, after the event at hand, however often this is asked for.
+    /// Has `settle` called soon and once, however often this is asked for; for events that are not this loop's.
     void settleSoon() { _isUnsettled = true; }
 
     /// Runs `work` as an event of its own, unless the loop is gone by then.

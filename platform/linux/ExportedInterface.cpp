@@ -5,25 +5,37 @@
 #include <utility>
 
 namespace platform::freedesktop {
+namespace {
+
+ExportedInterface::Call answeringAtOnce(ExportedInterface::Method method) {
+    return [method = std::move(method)](std::string_view name, GVariant* arguments, GDBusMethodInvocation* call) {
+        if (const VariantHandle answer = method(name, arguments)) {
+            g_dbus_method_invocation_return_value(call, answer.get());
+        } else {
+            g_dbus_method_invocation_return_error_literal(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                                          "No such thing");
+        }
+    };
+}
+
+} // namespace
 
 ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Method method,
+                                     Property property)
+    : ExportedInterface{bus, std::move(path), description, answeringAtOnce(std::move(method)),
+                        std::move(property)} {}
+
+ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Call call,
                                      Property property)
     : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
     , _path{std::move(path)}
     , _description{g_dbus_node_info_new_for_xml(description, nullptr)}
-    , _method{std::move(method)}
+    , _call{std::move(call)}
     , _property{std::move(property)} {
     static const GDBusInterfaceVTable functions{
         [](GDBusConnection*, const char*, const char*, const char*, const char* name, GVariant* arguments,
-           GDBusMethodInvocation* invocation, gpointer self) {
-            const VariantHandle answer = static_cast<ExportedInterface*>(self)->_method(name, arguments);
-            if (answer) {
-                g_dbus_method_invocation_return_value(invocation, answer.get());
-            } else {
-                g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
-                                                              "No such thing");
-            }
-        },
+           GDBusMethodInvocation* call,
+           gpointer self) { static_cast<ExportedInterface*>(self)->_call(name, arguments, call); },
         [](GDBusConnection*, const char*, const char*, const char*, const char* name, GError** error,
            gpointer self) -> GVariant* {
             VariantHandle value = static_cast<ExportedInterface*>(self)->_property(name);

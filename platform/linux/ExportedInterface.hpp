@@ -14,10 +14,14 @@ class ExportedInterface {
 public:
     /// Answers a method with the tuple of its results, or with nothing if the arguments make no sense.
     using Method = std::function<VariantHandle(std::string_view name, GVariant* arguments)>;
+    /// The same for answers that may take their time: it is given the call to answer, which it owns.
+    using Call = std::function<void(std::string_view name, GVariant* arguments, GDBusMethodInvocation* call)>;
     /// Gives a property's value, or nothing if the object does not have it at present.
     using Property = std::function<VariantHandle(std::string_view name)>;
 
     /// `description` is a D-Bus introspection document with exactly one interface, well-formed.
+    ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Call call,
+                      Property property);
     ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Method method,
                       Property property);
     ~ExportedInterface();
@@ -33,7 +37,7 @@ private:
     ObjectHandle<GDBusConnection> _bus;
     std::string _path;
     Description _description;
-    Method _method;
+    Call _call;
     Property _property;
     unsigned _registration;
 };

@@ -35,7 +35,7 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
                [this](std::string_view problem) { logError(problem); },
                [this] { return std::exchange(_activationToken, {}); }}
     , _sounds{places.helpers / "marvelode-timer-sound", [this](std::string_view problem) { logError(problem); }}
-    , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item); },
+    , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item.title); },
                     [this](std::string_view problem) { logError(problem); },
                     [this] { return std::exchange(_activationToken, {}); }}
     , _traylessNotice{sessionBus,
@@ -153,18 +153,16 @@ void SessionDesktop::log(const Logger& logger, Logger::Level level, std::string_
     writeToJournal(logger, level, message);
 }
 
-bool SessionDesktop::pick(std::string_view entry) {
-    const std::shared_ptr<NSMenu> menu = _statusItem ? _statusItem->menu() : nullptr;
-    const std::shared_ptr<NSMenuItem> item = menu ? menu->itemWithTitle(entry) : nullptr;
-    if (!item || !menu->validates(*item)) {
-        return false;
-    }
-    pick(*item);
-    return true;
-}
-
-void SessionDesktop::pick(NSMenuItem& item) {
-    _loop.post([menu = _statusItem->menu(), &item] { menu->performActionForItem(item); });
+void SessionDesktop::pick(std::string_view entry, std::function<void()> picked) {
+    _loop.post([this, entry = std::string{entry}, picked = std::move(picked)] {
+        const std::shared_ptr<NSMenu> menu = _statusItem ? _statusItem->menu() : nullptr;
+        const std::shared_ptr<NSMenuItem> item = menu ? menu->itemWithTitle(entry) : nullptr;
+        if (item && menu->validates(*item)) {
+            _loop.post(picked); // runs first if the entry opens a window
+            menu->performActionForItem(*item);
+            picked();
+        }
+    });
 }
 
 void SessionDesktop::showMenuWindow() { _statusWindow.open(); }
@@ -200,7 +198,8 @@ StatusContent SessionDesktop::statusContent() const {
     const NSAttributedString& title = button.attributedTitle();
     // What is due is due: then the bar is full, in the text's own colour.
     return {title.string, title.foregroundColor, button.image() ? button.image()->name : std::string{},
-            title.foregroundColor ? 1.0 : _loop.shareLeft()};
+            title.foregroundColor ? 1.0 : _loop.shareLeft(),
+            _secondsLeft ? inWords(_secondsLeft()) : "Marvelode Timer"};
 }
 
 std::optional<DefaultsValue> SessionDesktop::defaultsValue(std::string_view key) {

@@ -79,8 +79,10 @@ public:
     bool isLogEnabled(const Logger& logger, Logger::Level level) override;
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
-    /// Has the menu's entry of that title picked as an event of its own; false if it cannot be picked now.
-    bool pick(std::string_view entry);
+    /// Has the menu's entry of that title picked as an event of its own. `picked` is called when it was, or when it
+    /// has opened a window and waits for that to close; never if the entry cannot be picked by then.
+    void pick(
+        std::string_view entry, std::function<void()> picked = [] {});
 
     /// Shows the status item and its menu as a window.
     void showMenuWindow();
@@ -89,13 +91,17 @@ public:
     /// front with the keyboard.
     void keepActivationToken(std::string token) { _activationToken = std::move(token); }
 
+    /// Lets tooltips and screen readers say how long it is until the break: `secondsLeft` is asked after each
+    /// event, and gives a negative number once the break is due. Without it they say the program's name and no
+    /// more.
+    void tellTimeLeft(std::function<TimeInterval()> secondsLeft) { _secondsLeft = std::move(secondsLeft); }
+
     /// The text beside the icon.
     std::string statusText() const;
 
 private:
     void settle();
     StatusContent statusContent() const;
-    void pick(NSMenuItem& item);
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
     void logError(std::string_view problem);
 
@@ -108,6 +114,7 @@ private:
     SettingsFile _settings;
     WindowHelper _windows;
     SoundPlayer _sounds;
+    std::function<TimeInterval()> _secondsLeft;
     std::shared_ptr<NSStatusItem> _statusItem;
     std::optional<MenuExport> _menu;
     StatusWindow _statusWindow;

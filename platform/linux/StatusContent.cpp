@@ -1,36 +1,35 @@
 #include "platform/linux/StatusContent.hpp"
 
+#include <cmath>
+#include <cstdint>
+
 namespace platform::freedesktop {
 namespace {
 
-bool takePrefix(std::string_view& text, char prefix) {
-    if (!text.starts_with(prefix)) {
-        return false;
-    }
-    text.remove_prefix(1);
-    return true;
+std::string counted(double number, const char* unit) {
+    const auto whole = static_cast<std::int64_t>(number);
+    return std::to_string(whole) + " " + unit + (whole == 1 ? "" : "s");
 }
 
 } // namespace
 
-std::string inWords(std::string_view text) {
-    if (text.empty()) {
-        return {};
-    }
-    if (text == "0" || text == "+0") {
+std::string inWords(TimeInterval secondsLeft) {
+    constexpr TimeInterval minute = 60;
+    constexpr TimeInterval hour = 3600;
+    constexpr TimeInterval lastSeconds = 10;
+    const bool isDue = secondsLeft < 0;
+    const TimeInterval span = std::abs(secondsLeft);
+    if (span < 1) {
         return "Break now";
     }
-    const bool isDue = takePrefix(text, '+');
-    if (text.empty()) {
-        text = "1m"; // a bare sign stands for exactly a minute
+    const std::string beginning = isDue ? "Break due for " : "Break in ";
+    if (span > hour) {
+        return beginning + "more than " + counted(span / hour, "hour");
     }
-    const bool isMore = takePrefix(text, '>');
-    const std::size_t digits = text.find_first_not_of("0123456789");
-    const std::string number{text.substr(0, digits)};
-    const std::string_view unitLetter = digits == std::string_view::npos ? "" : text.substr(digits);
-    const std::string unit = unitLetter == "h" ? "hour" : unitLetter == "m" ? "minute" : "second";
-    return std::string{isDue ? "Break due for " : "Break in "} + (isMore ? "more than " : "") + number + " " +
-           unit + (number == "1" ? "" : "s");
+    if (span < minute && (isDue || span <= lastSeconds)) {
+        return beginning + counted(span, "second");
+    }
+    return beginning + counted(span / minute + (isDue ? 0 : 1), "minute"); // the minute that has begun is counted
 }
 
 } // namespace platform::freedesktop

@@ -2,11 +2,11 @@
 
 // What the status item has to say at one moment, however a panel may show it.
 
+#include "platform/Date.hpp"
 #include "platform/NSImage.hpp"
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace platform::freedesktop {
 
@@ -15,11 +15,13 @@ struct StatusContent {
     std::optional<NSColor> colour;   ///< The text's colour; the panel's own when absent.
     std::string image;               ///< The picture's resource name with its extension; empty for none.
     std::optional<double> shareLeft; ///< How much of the time until the break is left, from 1 down to 0.
+    std::string words;               ///< What tooltips and screen readers say: a sentence that is true, or a name.
 
     bool operator==(const StatusContent&) const = default;
 };
 
-/// The text in words, for tooltips and screen readers: "Break in 9 minutes" for "9m".
-std::string inWords(std::string_view text);
+/// The time until the break in words, as exact as the text beside the picture is: "Break in 9 minutes". Once the
+/// break is due, `secondsLeft` is negative.
+std::string inWords(TimeInterval secondsLeft);
 
 } // namespace platform::freedesktop

@@ -51,7 +51,6 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
                                        std::function<void(std::string_view)> logError)
     : _resources{resources}
     , _content{std::move(content)}
-    , _words{inWords(_content.text)}
     , _interface{bus, "/StatusNotifierItem", description,
                  [activated = std::move(activated), activationTokenCame = std::move(activationTokenCame)](
                      std::string_view method, GVariant* arguments) {
@@ -71,20 +70,15 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);
     const bool isTextOld = _content.text != content.text;
-    if (!isPictureOld && !isTextOld) {
-        return;
-    }
+    const bool areWordsOld = _content.words != content.words;
     if (!isPictureOld) {
         content.shareLeft = _content.shareLeft; // what the panel shows, and is compared with next time
     }
     _content = std::move(content);
-    if (isTextOld) {
-        _words = inWords(_content.text.empty() ? "10" : _content.text); // it goes away at ten seconds only
-    }
     if (isPictureOld) {
         _interface.emit("NewIcon");
     }
-    if (isTextOld && !(isPictureOld && _host->readsAllAtOnce)) {
+    if (areWordsOld && !(isPictureOld && _host->readsAllAtOnce)) {
         _interface.emit("NewToolTip");
     }
     if (isTextOld && _host->hasLabel()) {
@@ -130,10 +124,10 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
         return pictures();
     }
     if (name == "IconAccessibleDesc") {
-        return text(_words.c_str());
+        return text(_content.words.c_str());
     }
     if (name == "ToolTip") {
-        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, _words.c_str()));
+        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, _content.words.c_str()));
     }
     if (name == "ItemIsMenu") {
         return owned(g_variant_new_boolean(TRUE));

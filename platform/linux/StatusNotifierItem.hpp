@@ -39,7 +39,6 @@ private:
 
     const Resources& _resources;
     StatusContent _content;
-    std::string _words;                               // the content's text, for tooltips and screen readers
     const TrayHost* _host = &TrayHost::ofProcess({}); // one of a fixed table
     ExportedInterface _interface;
     Tray _tray;

@@ -69,12 +69,8 @@ void StatusWindow::close() {
 
 void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
     _menu = std::move(menu);
-    std::string words = inWords(content.text);
-    const bool isWordy = !words.empty(); // there are none at exactly ten seconds: the last ones stay
-    const bool isChanged = (isWordy && words != _words) || entries() != _shown;
-    if (isWordy) {
-        _words = std::move(words);
-    }
+    const bool isChanged = content.words != _words || entries() != _shown;
+    _words = content.words;
     if (_process && isChanged) {
         send(true);
     }

@@ -12,7 +12,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -48,7 +50,8 @@ platform::freedesktop::ControlledProgram controlled(platform::freedesktop::Sessi
                      {"ShowSettings", "show-settings", "Settings"},
                      {"ShowAbout", "show-about", "About Marvelode Timer"},
                      {"Quit", "quit", "Quit"}},
-        .pick = [&desktop](std::string_view entry) { return desktop.pick(entry); },
+        .pick = [&desktop](std::string_view entry,
+                           std::function<void()> picked) { desktop.pick(entry, std::move(picked)); },
         .showMenu = [&desktop] { desktop.showMenuWindow(); },
         .activationTokenCame = [&desktop](const char* token) { desktop.keepActivationToken(token); },
         .isReminding = [] { return app->state == App::State::Reminding; },
@@ -82,6 +85,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     SessionDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
+    desktop.tellTimeLeft([] { return marvelode::app->countdown(); });
     const Control control{sessionBus.get(), controlled(desktop)};
     if (!Control::claimName(sessionBus.get())) {
         if (!Control::showMenuOfOwner(sessionBus.get(), error)) {

@@ -16,6 +16,25 @@ class Bus:
                                             None, Gio.DBusCallFlags.NONE, int(seconds * 1000), None)
         return result.unpack()
 
+    def call_at_once(self, name, path, interface, *methods):
+        """Calls methods without arguments one behind the other, before any of them is answered; the errors in order,
+        None for success."""
+        errors, loop = {}, GLib.MainLoop()
+
+        def answered(connection, result, index):
+            try:
+                connection.call_finish(result)
+                errors[index] = None
+            except GLib.Error as error:
+                errors[index] = error
+            if len(errors) == len(methods):
+                loop.quit()
+        for index, method in enumerate(methods):
+            self._connection.call(name, path, interface, method, None, None, Gio.DBusCallFlags.NONE, 10_000, None,
+                                  answered, index)
+        loop.run()
+        return [errors[index] for index in range(len(methods))]
+
     def get(self, name, path, interface, property_name):
         """The value of a property."""
         return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, property_name)[0]

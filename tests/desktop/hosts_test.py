@@ -198,6 +198,23 @@ class Words(unittest.TestCase):
             say("Break due for 2 seconds")
             timer.quit(self)
 
+    def test_they_are_true_also_while_the_countdown_is_off(self):
+        with Desktop() as desktop:
+            timer = Timer(desktop, settings=QUIET | {"ShowCountdown": "false", "TimerInterval": "62.0"})
+            timer.await_description("Break in 2 minutes")
+            timer.await_description("Break in 1 minute")
+            self.assertEqual(timer.get("Text"), "")
+
+            # Switched on, and off again while it runs.
+            timer.store(QUIET | {"TimerInterval": "3.0"})
+            timer.item().pick("Restart timer")
+            wait_until(lambda: timer.get("Text") == "2", "the countdown")
+            timer.store(QUIET | {"ShowCountdown": "false"})
+            timer.await_description("Break due for 1 second")
+            timer.await_description("Break due for 2 seconds")
+            self.assertNotIn("+", timer.get("Text"))
+            timer.quit(self)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -5,8 +5,10 @@ Run as program_test.py is; what is preloaded for two monitors is named as TWO_MO
 """
 
 import os
+import re
 import time
 import unittest
+from pathlib import Path
 
 from gi.repository import GLib
 
@@ -17,6 +19,7 @@ from statusitem import WATCHER
 from timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
 from waiting import wait_until
 
+MANUAL = Path(__file__).resolve().parents[2] / "packaging/linux/marvelode-timer.1"
 MENU = ["About Marvelode Timer", "Restart timer", "Mute", "Popup reminders", "Settings", "Quit"]
 KEYLESS_SECONDS = 0.5
 COLOUR = (32, 96, 64)
@@ -357,6 +360,70 @@ class Scripts(unittest.TestCase):
 
     def activate_quit(self, desktop):
         self.activate_action(desktop, "quit")
+
+    def test_calls_sent_in_one_go_are_answered_as_they_turn_out(self):
+        with Desktop() as desktop:
+            timer = Timer(desktop, "-TimerInterval", "1200", settings=AFTER_FIRST_RUN)
+            timer.await_in_panel()
+            wait_until(lambda: timer.get("RemainingSeconds") < 1198, "some time to pass")
+
+            # The window that the first one opens keeps the second from being done, and nobody waits for its closing.
+            opened, restarted = desktop.bus.call_at_once(NAME, PATH, NAME, "ShowSettings", "Restart")
+            self.assertIsNone(opened)
+            self.assertIn("org.marvelode.Timer.Error.Busy", str(restarted))
+            settings = self.dialog(desktop, timer, "Interval in minutes")
+            self.assertLess(timer.get("RemainingSeconds"), 1198)
+            settings.find("push button", "OK").press()
+            timer.await_no_window()
+
+            # What was answered has been done.
+            self.assertEqual(desktop.bus.call_at_once(NAME, PATH, NAME, "ToggleMute", "Restart"), [None, None])
+            self.assertEqual(timer.settings()["Mute"], "true")
+            self.assertGreaterEqual(timer.get("RemainingSeconds"), 1198)
+
+            ended, restarted = desktop.bus.call_at_once(NAME, PATH, NAME, "Quit", "Restart")
+            self.assertIsNone(ended)
+            self.assertIsNotNone(restarted)
+            timer.expect_end(self)
+
+    def test_the_examples_in_the_manual_work(self):
+        page = MANUAL.read_text()
+        examples = [line.split() for line in re.findall(r"^\.Dl (.*)$", page, re.MULTILINE)]
+        with Desktop() as desktop:
+            settings = re.search(r"^\.Bd.*?\n(.*?)^\.Ed", page, re.MULTILINE | re.DOTALL)[1]
+            file = desktop.config / "marvelode-timer/settings"
+            file.parent.mkdir()
+            file.write_text(settings)
+            timer = Timer(desktop)
+            timer.await_description("Break in 25 minutes")
+            for program, *arguments in examples:
+                if program == "marvelode-timer":
+                    continue
+                if "Quit" in arguments:
+                    quit_command = [program, *arguments]
+                    continue
+                answer = desktop.start(program, *arguments)
+                self.assertEqual(answer.status(), 0, answer.output())
+                if "get-property" in arguments:
+                    self.assertRegex(answer.output(), r'^s "Timing"\ns "25m"\nx 14\d\d\n$')
+                if "ToggleMute" in arguments:
+                    self.assertTrue(timer.get("Muted"))
+                if "TogglePopups" in arguments:
+                    self.assertFalse(timer.get("Popups"))
+                if "ShowSettings" in arguments:
+                    timer.window().find("push button", "OK").press()
+                    timer.await_no_window()
+            self.assertEqual(timer.settings(), dict(line.split("=") for line in settings.splitlines()[1:])
+                             | {"Mute": "true", "PopupAlerts": "false"})
+            self.assertEqual(desktop.start(*quit_command).status(), 0)
+            timer.expect_end(self)
+            self.assertNotEqual(desktop.start(*quit_command).status(), 0)
+            self.assertFalse(desktop.bus.has_owner(NAME))
+            for program, *arguments in examples:
+                if program == "marvelode-timer":
+                    timer = Timer(desktop, *arguments)
+                    timer.await_description("Break in")
+                    timer.quit(self)
 
     def test_the_menu_can_be_asked_for(self):
         with Desktop() as desktop:

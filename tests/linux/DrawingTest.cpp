@@ -4,6 +4,7 @@
 #include "platform/linux/Png.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/StatusContent.hpp"
+#include "platform/linux/StrokeFont.hpp"
 #include "platform/linux/TextPicture.hpp"
 
 #include <gtest/gtest.h>
@@ -198,28 +199,50 @@ TEST(TextPicture, HasABarAsLongAsTheTimeLeft) {
     }
 }
 
+TEST(TextPicture, IsEquallyBoldWhateverTheDigits) {
+    for (const int size : sizes) {
+        const int room = (size > 24 ? size / 2 : size) - 2;
+        const int height = room * 2 / 3;
+        for (int minutes = 10; minutes <= 61; ++minutes) {
+            const std::string text = std::to_string(minutes) + "m";
+            EXPECT_EQ(StrokeText(text, room, height).thickness(), StrokeText("20m", room, height).thickness())
+                << text << " in " << size << " pixels";
+        }
+    }
+    EXPECT_GE(StrokeText("25m", 20, 14).thickness(), 2) << "in the usual panel it is bold";
+}
+
 TEST(TextPicture, LeavesOutWhatItCannotDraw) {
     EXPECT_EQ(drawTextPicture(22, "9 m?", std::nullopt, 1).pixels,
               drawTextPicture(22, "9m", std::nullopt, 1).pixels);
 }
 
 TEST(Words, SayWhatTheTextMeans) {
-    const std::vector<std::pair<const char*, const char*>> table{
-        {"", ""},
-        {"0", "Break now"},
-        {"1", "Break in 1 second"},
-        {"9", "Break in 9 seconds"},
-        {"1m", "Break in 1 minute"},
-        {"11m", "Break in 11 minutes"},
-        {">1h", "Break in more than 1 hour"},
-        {"+0", "Break now"},
-        {"+5", "Break due for 5 seconds"},
-        {"+", "Break due for 1 minute"},
-        {"+2m", "Break due for 2 minutes"},
-        {"+>3h", "Break due for more than 3 hours"},
+    const std::vector<std::pair<double, const char*>> table{
+        {7322, "Break in more than 2 hours"},
+        {3601, "Break in more than 1 hour"},
+        {3600, "Break in 61 minutes"},
+        {600, "Break in 11 minutes"},
+        {60, "Break in 2 minutes"},
+        {59.9, "Break in 1 minute"},
+        {10.1, "Break in 1 minute"},
+        {10, "Break in 10 seconds"}, // where the text is empty
+        {9.9, "Break in 9 seconds"},
+        {1, "Break in 1 second"},
+        {0.9, "Break now"},
+        {0, "Break now"},
+        {-0.9, "Break now"},
+        {-1, "Break due for 1 second"},
+        {-59.9, "Break due for 59 seconds"},
+        {-60, "Break due for 1 minute"}, // where the text is a lone plus sign
+        {-119.9, "Break due for 1 minute"},
+        {-120, "Break due for 2 minutes"},
+        {-3600, "Break due for 60 minutes"},
+        {-3601, "Break due for more than 1 hour"},
+        {-86400, "Break due for more than 24 hours"},
     };
-    for (const auto& [text, words] : table) {
-        EXPECT_EQ(inWords(text), words);
+    for (const auto& [secondsLeft, words] : table) {
+        EXPECT_EQ(inWords(secondsLeft), words) << secondsLeft;
     }
 }
 

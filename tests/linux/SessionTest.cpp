@@ -4,11 +4,13 @@
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/MenuExport.hpp"
 #include "platform/linux/SessionDesktop.hpp"
+#include "platform/linux/StatusNotifierItem.hpp"
 #include "platform/linux/Tray.hpp"
 #include "platform/linux/WakeWatcher.hpp"
 #include "tests/linux/PrivateBuses.hpp"
 #include "tests/sound/TemporaryFolder.hpp"
 
+#include <gio/gunixsocketaddress.h>
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -30,31 +32,34 @@ std::string printed(const VariantHandle& value) {
     return value ? TextHandle{g_variant_print(value.get(), FALSE)}.get() : "nothing";
 }
 
-/// Collects the signals of one interface in text form.
+/// Collects the signals of one interface that somebody sends, in text form.
 class Signals {
 public:
-    Signals(GDBusConnection* bus, const char* interface)
-        : _bus{bus} {
+    Signals(GDBusConnection* bus, GDBusConnection* sender, const char* interface)
+        : _bus{bus}
+        , _sender{g_dbus_connection_get_unique_name(sender)} {
         const auto received = [](GDBusConnection*, const char*, const char*, const char*, const char* name,
                                  GVariant* arguments, gpointer self) {
             static_cast<Signals*>(self)->_seen.push_back(std::string{name} + printed(owned(arguments)));
         };
-        _subscription = g_dbus_connection_signal_subscribe(bus, nullptr, interface, nullptr, nullptr, nullptr,
-                                                           G_DBUS_SIGNAL_FLAGS_NONE, received, this, nullptr);
-        call(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr); // subscribed by now
+        _subscription =
+            g_dbus_connection_signal_subscribe(bus, _sender.c_str(), interface, nullptr, nullptr, nullptr,
+                                               G_DBUS_SIGNAL_FLAGS_NONE, received, this, nullptr);
+        take(); // what was sent before
     }
     ~Signals() { g_dbus_connection_signal_unsubscribe(_bus, _subscription); }
     Signals(const Signals&) = delete;
     Signals& operator=(const Signals&) = delete;
 
-    /// Those since the last time.
+    /// Those since the last time, or since this object was made.
     std::vector<std::string> take() {
-        runLoopFor(30ms);
+        call(_bus, _sender, "/", "org.freedesktop.DBus.Peer", "Ping", nullptr); // whose answer comes behind them
         return std::exchange(_seen, {});
     }
 
 private:
     GDBusConnection* _bus;
+    std::string _sender;
     unsigned _subscription;
     std::vector<std::string> _seen;
 };
@@ -144,7 +149,7 @@ TEST_F(Menu, TakesNothingButClicksForAPick) {
 }
 
 TEST_F(Menu, AnnouncesOnlyWhatHasChanged) {
-    Signals signals{panel.get(), menuInterface};
+    Signals signals{panel.get(), program.get(), menuInterface};
     exported.show(menu);
     EXPECT_TRUE(signals.take().empty());
     menu->items()[3]->setState(NSMenuItem::StateValue::On);
@@ -234,6 +239,51 @@ TEST_F(Panels, ArePresentOnlyWhileTheirWatcherHasOne) {
     EXPECT_TRUE(runLoopUntil([&] { return presences.back(); }));
 }
 
+class Item : public testing::Test {
+protected:
+    VariantHandle property(const char* name) {
+        const VariantHandle answer =
+            call(panel.get(), g_dbus_connection_get_unique_name(program.get()), "/StatusNotifierItem",
+                 "org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", interface, name));
+        const VariantHandle box{g_variant_get_child_value(answer.get(), 0)};
+        return VariantHandle{g_variant_get_variant(box.get())};
+    }
+
+    static constexpr const char* interface = "org.kde.StatusNotifierItem";
+    const Resources resources{RESOURCES};
+    StatusContent content{"9m", {}, "Marvelode.png", {}, "Break in 9 minutes"};
+    ObjectHandle<GDBusConnection> program = connectToSession();
+    ObjectHandle<GDBusConnection> panel = connectToSession();
+    StatusNotifierItem item{program.get(),          resources, content, [](bool) {}, [] {}, [](const char*) {},
+                            [](std::string_view) {}};
+    Signals signals{panel.get(), program.get(), interface};
+};
+
+TEST_F(Item, GoesOnSayingWhatIsTrueBesideATextThatStays) {
+    content.words = "Break in 8 minutes";
+    item.show(content);
+    item.show(content);
+    EXPECT_EQ(signals.take(), std::vector<std::string>{"NewToolTip()"});
+    EXPECT_EQ(printed(property("ToolTip")), "('', [], 'Marvelode Timer', 'Break in 8 minutes')");
+    EXPECT_EQ(printed(property("IconAccessibleDesc")), "'Break in 8 minutes'");
+}
+
+TEST_F(Item, HasWordsWhereItHasNoText) {
+    content.text = "";
+    content.words = "Break in 10 seconds";
+    item.show(content);
+    EXPECT_EQ(signals.take(), (std::vector<std::string>{"NewIcon()", "NewToolTip()"}));
+    EXPECT_EQ(printed(property("IconAccessibleDesc")), "'Break in 10 seconds'");
+}
+
+TEST_F(Item, AnnouncesOnlyWhatHasChanged) {
+    item.show(content);
+    EXPECT_EQ(signals.take(), std::vector<std::string>{});
+    content.colour = NSColor::red;
+    item.show(content);
+    EXPECT_EQ(signals.take(), std::vector<std::string>{"NewIcon()"});
+}
+
 /// The login manager, as far as sleep is concerned.
 class LoginManager {
 public:
@@ -252,8 +302,25 @@ private:
 class Waking : public testing::Test {
 protected:
     void watch() {
-        watcher.emplace([this] { ++wakes; });
-        runLoopFor(20ms);
+        watcher.emplace([this] { ++wakes; }, 1s);
+        awaitListenerForSleep();
+    }
+
+    /// Begins to watch while the system bus is said to be at another address.
+    void watchAt(const std::string& address) {
+        constexpr const char* variable = "DBUS_SYSTEM_BUS_ADDRESS";
+        const std::string before = g_getenv(variable);
+        g_setenv(variable, address.c_str(), TRUE);
+        watcher.emplace([this] { ++wakes; }, 1s);
+        runLoopFor(50ms);
+        g_setenv(variable, before.c_str(), TRUE);
+    }
+
+    void expectToHear() {
+        const LoginManager manager;
+        awaitListenerForSleep();
+        manager.tell(false);
+        EXPECT_TRUE(runLoopUntil([&] { return wakes == 1; }));
     }
 
     ObjectHandle<GDBusConnection> bus = connectToSystem();
@@ -290,12 +357,38 @@ TEST_F(Waking, IsNotToldByAnybodyElse) {
     EXPECT_EQ(wakes, 0);
 }
 
-TEST_F(Waking, CanDoWithoutASystemBus) {
-    const std::string address = g_getenv("DBUS_SYSTEM_BUS_ADDRESS");
-    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", TRUE);
+TEST_F(Waking, IsHeardOfOnceThereIsASystemBus) {
+    watchAt("unix:path=/nonexistent");
+    expectToHear();
+}
+
+TEST_F(Waking, IsHeardOfAgainWhenTheSystemBusIsBack) {
     watch();
+    stopSystemBus();
+    runLoopFor(50ms);
+    startSystemBus();
+    expectToHear();
+}
+
+TEST_F(Waking, IsNotWaitedForOnASystemBusThatNeverAnswers) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path / "silent";
+    const ObjectHandle<GSocketAddress> address{g_unix_socket_address_new(path.c_str())};
+    const ObjectHandle<GSocket> silent{
+        g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, nullptr)};
+    ASSERT_TRUE(g_socket_bind(silent.get(), address.get(), TRUE, nullptr));
+    ASSERT_TRUE(g_socket_listen(silent.get(), nullptr));
+    watchAt("unix:path=" + path);
+    g_socket_close(silent.get(), nullptr); // from here on it is as good as missing
+    expectToHear();
+}
+
+TEST_F(Waking, MayBeForgottenBeforeTheSystemBusAnswers) {
+    watchAt("unix:path=/nonexistent");
     watcher.reset();
-    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), TRUE);
+    watcher.emplace([this] { ++wakes; });
+    watcher.reset();
+    runLoopFor(50ms);
     EXPECT_EQ(wakes, 0);
 }
 

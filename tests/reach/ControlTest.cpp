@@ -6,10 +6,13 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <functional>
 #include <future>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace platform::freedesktop {
@@ -56,6 +59,8 @@ protected:
     }
 
     std::vector<std::string> picked;
+    std::function<void()> pending;
+    bool answersAtOnce = true;
     bool isBusy = false;
     int menus = 0;
     std::vector<std::string> tokens;
@@ -69,9 +74,15 @@ protected:
         std::in_place, bus.get(),
         ControlledProgram{.commands = {{"Restart", "restart", "Restart timer"}, {"Quit", "quit", "Quit now"}},
                           .pick =
-                              [this](std::string_view entry) {
+                              [this](std::string_view entry, std::function<void()> done) {
                                   picked.emplace_back(entry);
-                                  return !isBusy;
+                                  pending = std::move(done);
+                                  if (answersAtOnce) {
+                                      pending();
+                                  }
+                                  if (isBusy) {
+                                      pending = nullptr;
+                                  }
                               },
                           .showMenu = [this] { ++menus; },
                           .activationTokenCame = [this](const char* token) { tokens.emplace_back(token); },
@@ -104,8 +115,28 @@ TEST_F(ControlTest, WhatIsNoActionIsRefused) {
     EXPECT_THAT(picked, IsEmpty());
 }
 
+TEST_F(ControlTest, SuccessIsNotToldBeforeTheEntryWasPicked) {
+    answersAtOnce = false;
+    bool isAnswered = false;
+    const auto answered = [](GObject* from, GAsyncResult* result, gpointer data) {
+        ErrorSlot error;
+        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(from), result, &error)};
+        EXPECT_TRUE(answer) << error.message();
+        *static_cast<bool*>(data) = true;
+    };
+    g_dbus_connection_call(script.get(), busName, objectPath, "org.marvelode.Timer", "Restart", nullptr, nullptr,
+                           G_DBUS_CALL_FLAGS_NONE, -1, nullptr, answered, &isAnswered);
+    EXPECT_TRUE(runLoopUntil([&] { return pending != nullptr; }));
+    runLoopFor(std::chrono::milliseconds{50});
+    EXPECT_FALSE(isAnswered);
+    pending();
+    pending(); // once more, as happens to an entry that opens a window
+    EXPECT_TRUE(runLoopUntil([&] { return isAnswered; }));
+}
+
 TEST_F(ControlTest, WhatTheMenuCannotDoNowFailsAsBusy) {
     isBusy = true;
+    answersAtOnce = false;
     std::string error;
     EXPECT_FALSE(run("Restart", &error));
     EXPECT_THAT(error, HasSubstr("org.marvelode.Timer.Error.Busy"));

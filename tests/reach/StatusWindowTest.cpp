@@ -59,7 +59,7 @@ protected:
         menu->addItem(NSMenuItem::separator());
         menu->addItem(std::make_shared<NSMenuItem>("Nothing", nullptr, ""));
         item("Mute").setState(NSMenuItem::StateValue::Off);
-        show("9m");
+        show("Break in 9 minutes");
     }
     void TearDown() override {
         window.reset();
@@ -67,7 +67,7 @@ protected:
     }
 
     NSMenuItem& item(const char* title) { return *menu->itemWithTitle(title); }
-    void show(const char* text) { window->show({text, {}, {}, {}}, menu); }
+    void show(const char* words) { window->show({{}, {}, {}, {}, words}, menu); }
     void order(const std::string& what) { orders << what << std::endl; }
 
     /// What the window is asked to show next.
@@ -155,7 +155,7 @@ TEST_F(StatusWindowTest, AppearsOnce) {
     window->appear();
     window->appear();
     nextRequest();
-    show("8m");
+    show("Break in 8 minutes");
     EXPECT_EQ(wordsOf(nextRequest()), "Break in 8 minutes");
     EXPECT_EQ(starts(), 1U);
 }
@@ -168,30 +168,21 @@ TEST_F(StatusWindowTest, OpensInFrontEachTimeItIsAskedFor) {
     EXPECT_EQ(starts(), 2U);
 }
 
-TEST_F(StatusWindowTest, FollowsTextAndMenuAndIsSentOnlyWhatIsNew) {
+TEST_F(StatusWindowTest, FollowsWordsAndMenuAndIsSentOnlyWhatIsNew) {
     window->open();
     nextRequest();
-    show("9m");
-    show("+2m");
+    show("Break in 9 minutes");
+    show("Break due for 2 minutes");
     EXPECT_EQ(wordsOf(nextRequest()), "Break due for 2 minutes");
     item("Mute").setState(NSMenuItem::StateValue::On);
-    show("+2m");
+    show("Break due for 2 minutes");
     EXPECT_EQ(valuesOf(nextRequest().content).at(2), ControlValue{true});
     menu->autoenablesItems = false;
     item("Quit").isEnabled = false;
-    show("+2m");
-    show("+3m");
+    show("Break due for 2 minutes");
+    show("Break due for 3 minutes");
     nextRequest();
     EXPECT_EQ(wordsOf(nextRequest()), "Break due for 3 minutes");
-}
-
-TEST_F(StatusWindowTest, KeepsTheLastWordsWhileThereIsNoText) {
-    window->open();
-    nextRequest();
-    show("");
-    item("Mute").setState(NSMenuItem::StateValue::On);
-    show("");
-    EXPECT_EQ(wordsOf(nextRequest()), "Break in 9 minutes");
 }
 
 TEST_F(StatusWindowTest, PicksTheEntryThatWasPressed) {
@@ -202,7 +193,7 @@ TEST_F(StatusWindowTest, PicksTheEntryThatWasPressed) {
     press(3);
     ASSERT_TRUE(runLoopUntil([&] { return picked.size() == 3; }));
     EXPECT_THAT(picked, ElementsAre("Restart timer", "Mute", "Quit"));
-    show("9m");
+    show("Break in 9 minutes");
     EXPECT_EQ(valuesOf(nextRequest().content).at(2), ControlValue{false}) << "the window shows a tick that is none";
 }
 
