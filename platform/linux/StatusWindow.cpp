@@ -69,9 +69,9 @@ void StatusWindow::close() {
 
 void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
     _menu = std::move(menu);
-    const bool isChanged = content.words != _words || entries() != _shown;
+    const bool isOutdated = _process && (content.words != _words || entries() != _shown);
     _words = content.words;
-    if (_process && isChanged) {
+    if (isOutdated) {
         send(true);
     }
 }

@@ -4,6 +4,7 @@
 #include "platform/linux/WindowProcess.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <utility>
 
 namespace platform::freedesktop {
@@ -81,8 +82,10 @@ public:
         , isPanel{isPanel}
         , _helper{helper} {
         if (_helper._sessions.empty()) {
+            // nobody has asked for an alert: a token that is there was handed out for something else
             _helper._process = std::make_unique<WindowProcess>(
-                _helper._helperProgram, _helper._logError, [] {}, _helper._takeActivationToken());
+                _helper._helperProgram, _helper._logError, [] {},
+                isPanel ? _helper._takeActivationToken() : std::string{});
         }
         _helper._sessions.push_back(this);
     }
@@ -102,10 +105,16 @@ public:
     /// Waits until the user did something with this window; nothing once the session is over or the program dead.
     std::optional<Event> nextEvent() {
         while (!isOver) {
+            if (!_kept.empty()) {
+                const Event event = _kept.front();
+                _kept.pop_front();
+                return event;
+            }
             if (const auto event = _helper._process->nextEvent()) {
                 if (event->window == window) {
                     return event;
-                } // the windows below take no input, and those above are gone
+                }
+                keepBelow(*event);
             } else if (_helper._process->isAlive()) {
                 _helper._iterate();
             } else {
@@ -122,7 +131,18 @@ public:
     bool isOver = false;
 
 private:
+    /// Windows below take no input, but the last change made in one may come as this window opens. It is kept until
+    /// its own window has its turn. A press then is dropped: it was meant for what the window below had shown.
+    void keepBelow(const Event& event) {
+        for (Session* session : _helper._sessions) {
+            if (session->window == event.window && event.kind == Event::Kind::Changed) {
+                session->_kept.push_back(event);
+            }
+        }
+    }
+
     WindowHelper& _helper;
+    std::deque<Event> _kept;
 };
 
 WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,

@@ -23,7 +23,7 @@ class WindowHelper {
 public:
     /// Shows windows with the program at `helperProgram`. `iterate` runs the main context once and may block until
     /// something happened; `logError` is told why windows could not be shown; `takeActivationToken` gives what lets
-    /// a window come to the front, or nothing. All are kept.
+    /// a panel that the user asked for come to the front, or nothing. All are kept.
     WindowHelper(
         std::filesystem::path helperProgram, std::function<void()> iterate,
         std::function<void(std::string_view)> logError,

@@ -23,6 +23,10 @@ constexpr timeval patience{0, 500'000};
 
 std::string messageOf(int error) { return std::generic_category().message(error); }
 
+/// How long the first window may take. It takes a tenth of a second, and a few on a machine that is busy to the
+/// utmost; and half a snooze is not too long to wait for a reminder that comes again.
+constexpr unsigned secondsToShow = 30;
+
 using Environment = std::unique_ptr<gchar*, decltype(&g_strfreev)>;
 
 /// This program's environment with another activation token: its own was used up when it started.
@@ -71,6 +75,12 @@ void WindowProcess::start(const std::filesystem::path& path, const std::string& 
         return G_SOURCE_CONTINUE; // `end()` removes the source
     };
     _source = g_unix_fd_add(_socket, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), onReadable, this);
+    const auto onDeadline = [](gpointer self) -> gboolean {
+        static_cast<WindowProcess*>(self)->giveUp("the window program has shown no window for half a minute");
+        static_cast<WindowProcess*>(self)->_somethingHappened();
+        return G_SOURCE_CONTINUE; // `end()` has removed the source
+    };
+    _deadline = g_timeout_add_seconds(secondsToShow, onDeadline, this);
 }
 
 WindowProcess::~WindowProcess() {
@@ -85,7 +95,14 @@ WindowProcess::~WindowProcess() {
     end();
 }
 
+void WindowProcess::stopWaiting() {
+    if (_deadline != 0) {
+        g_source_remove(std::exchange(_deadline, 0));
+    }
+}
+
 void WindowProcess::end() {
+    stopWaiting();
     g_source_remove(std::exchange(_source, 0));
     close(std::exchange(_socket, -1));
     kill(_process, SIGKILL); // of no effect on a program that has ended
@@ -133,6 +150,10 @@ void WindowProcess::receive() {
     }
     const auto length = static_cast<std::size_t>(size);
     const auto event = length <= packet.size() ? decodeEvent({packet.data(), length}) : std::nullopt;
+    if (event && event->kind == Event::Kind::Shown) {
+        stopWaiting();
+        return;
+    }
     if (event) {
         _events.push_back(*event);
     } else {

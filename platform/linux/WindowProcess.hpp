@@ -1,7 +1,8 @@
 #pragma once
 
 // One run of the program that shows windows, and the socket that leads to it. It is started by the constructor and
-// has certainly ended, leaving no zombie, when the destructor returns.
+// has certainly ended, leaving no zombie, when the destructor returns. If its first window is not on the screen
+// after half a minute, it is given up: nobody must wait for an answer to what cannot be seen.
 
 #include "platform/linux/window/Protocol.hpp"
 
@@ -32,7 +33,8 @@ public:
     /// Whether the program runs and speaks the protocol. Once false, it stays so.
     bool isAlive() const { return _socket >= 0; }
 
-    /// The oldest event that nobody took yet; the last ones may still come from a program that is dead by now.
+    /// The oldest event that nobody took yet, none of which is `Shown`; the last ones may still come from a program
+    /// that is dead by now.
     std::optional<Event> nextEvent();
 
     /// Does nothing if the program is dead.
@@ -44,6 +46,7 @@ public:
 private:
     void start(const std::filesystem::path& path, const std::string& activationToken, int childSocket);
     void receive();
+    void stopWaiting();
     void end();
 
     std::function<void(std::string_view)> _logError;
@@ -51,6 +54,7 @@ private:
     int _socket = -1; ///< Open exactly while the program is alive.
     int _process = 0;
     unsigned _source = 0;
+    unsigned _deadline = 0; ///< A source until the first window is on the screen.
     std::deque<Event> _events;
 };
 

@@ -1,5 +1,8 @@
 // Stands in for the program that shows windows, so that no display is needed: hands every request on to the test
-// that plays the user, and every event of that user back.
+// that plays the user, and every event of that user back. It says that a window is shown as soon as that is asked
+// for.
+
+#include "platform/linux/window/Protocol.hpp"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -10,17 +13,37 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
+#include <variant>
 
 namespace {
 
-constexpr std::size_t longestMessage = 64 * 1024;
+using namespace platform::freedesktop;
 
-/// Hands one message on; false if there will be no more of them.
-bool relay(int from, int to) {
+bool hand(std::string_view message, int to) {
+    return send(to, message.data(), message.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(message.size());
+}
+
+/// Hands one message on and tells `handed`; false if there will be no more of them.
+bool relay(int from, int to, void (*handed)(std::string_view)) {
     static std::array<char, longestMessage> message;
     const ssize_t size = recv(from, message.data(), message.size(), 0);
-    return size > 0 && send(to, message.data(), static_cast<std::size_t>(size), MSG_NOSIGNAL) == size;
+    const std::string_view received{message.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
+    if (received.empty() || !hand(received, to)) {
+        return false;
+    }
+    handed(received);
+    return true;
+}
+
+void sayThatItIsShown(std::string_view message) {
+    const auto request = decodeRequest(message, [](const Event&) {});
+    const auto* alert = request ? std::get_if<AlertRequest>(&*request) : nullptr;
+    const auto* panel = request ? std::get_if<PanelRequest>(&*request) : nullptr;
+    if (alert || panel) {
+        hand(encode(Event{Event::Kind::Shown, alert ? alert->window : panel->window, 0, {}}), STDIN_FILENO);
+    }
 }
 
 } // namespace
@@ -40,8 +63,8 @@ int main() {
     std::array<pollfd, 2> ends{{{STDIN_FILENO, POLLIN, 0}, {test, POLLIN, 0}}};
     for (;;) {
         poll(ends.data(), ends.size(), -1);
-        if ((ends[0].revents != 0 && !relay(STDIN_FILENO, test)) ||
-            (ends[1].revents != 0 && !relay(test, STDIN_FILENO))) {
+        if ((ends[0].revents != 0 && !relay(STDIN_FILENO, test, sayThatItIsShown)) ||
+            (ends[1].revents != 0 && !relay(test, STDIN_FILENO, [](std::string_view) {}))) {
             return EXIT_SUCCESS;
         }
     }

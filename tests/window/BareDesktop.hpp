@@ -20,10 +20,12 @@ public:
     /// Shows windows with the program at `helperProgram`, and takes pictures from the folder `resources`.
     explicit BareDesktop(std::filesystem::path helperProgram, std::filesystem::path resources = {})
         : windows{std::move(helperProgram), [] { g_main_context_iteration(nullptr, TRUE); },
-                  [this](std::string_view message) { errors.emplace_back(message); }}
+                  [this](std::string_view message) { errors.emplace_back(message); },
+                  [this] { return std::exchange(activationToken, {}); }}
         , _resources{std::move(resources)} {}
 
     std::vector<std::string> errors; ///< What was logged.
+    std::string activationToken;     ///< For the next panel; empty for none.
     WindowHelper windows;
 
     int runAlert(NSAlert& alert) override { return windows.runAlert(alert); }

@@ -259,7 +259,8 @@ TEST(EventOnTheWire, KeepsEverything) {
     for (const Event& event :
          {Event{Event::Kind::Changed, 1, 2, std::int64_t{-5}}, Event{Event::Kind::Changed, 1, 0, true},
           Event{Event::Kind::Pressed, 4'000'000'000, 3, std::nullopt},
-          Event{Event::Kind::Submitted, 1, 0, std::nullopt}, Event{Event::Kind::Closed, 1, 0, std::nullopt}}) {
+          Event{Event::Kind::Submitted, 1, 0, std::nullopt}, Event{Event::Kind::Closed, 1, 0, std::nullopt},
+          Event{Event::Kind::Shown, 1, 0, std::nullopt}}) {
         EXPECT_EQ(decodeEvent(encode(event)), event);
     }
 }

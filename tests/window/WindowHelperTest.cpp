@@ -2,10 +2,12 @@
 // that program does, each window comes to a defined end, and nothing of it stays behind.
 
 #include "tests/window/BareDesktop.hpp"
+#include "tests/window/ShortSeconds.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -13,6 +15,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace platform::freedesktop {
@@ -120,6 +123,28 @@ private:
     std::function<void()> _deed;
 };
 
+/// Calls something from the main loop as soon as a condition holds there.
+class Once {
+public:
+    Once(std::function<bool()> condition, std::function<void()> deed)
+        : _condition{std::move(condition)}
+        , _deed{std::move(deed)} {
+        const auto call = [](gpointer data) -> gboolean {
+            const auto* self = static_cast<Once*>(data);
+            const bool isTime = self->_condition();
+            if (isTime) {
+                self->_deed();
+            }
+            return isTime ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
+        };
+        g_timeout_add(1, call, this);
+    }
+
+private:
+    std::function<bool()> _condition;
+    std::function<void()> _deed;
+};
+
 using AnAlert = WindowHelperTest;
 using APanel = WindowHelperTest;
 
@@ -164,6 +189,15 @@ TEST_F(AnAlert, KeepsTheTickMadeBeforeTheProgramDied) {
     EXPECT_TRUE(isTicked());
 }
 
+TEST_F(AnAlert, LeavesTheTokenToThePanelThatTheUserAskedFor) {
+    play("echo \"[$XDG_ACTIVATION_TOKEN]\" >>tokens; next; say \"('closed', $(wc -l <tokens), 0, nothing)\"; next");
+    desktop->activationToken = "of-the-click";
+    alert.runModal();
+    runPanel(form());
+    runPanel(form());
+    EXPECT_EQ(linesOf("tokens"), (std::vector<std::string>{"[]", "[of-the-click]", "[]"}));
+}
+
 TEST_F(AnAlert, IsStoppedWhenTheProgramCannotStart) {
     desktop.emplace(folder / "missing");
     EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
@@ -183,6 +217,29 @@ TEST_F(AnAlert, IsStoppedWhenTheProgramIsNotDoneClosing) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
+}
+
+TEST_F(AnAlert, IsStoppedWhenTheProgramStopsBeforeItShowsAnything) {
+    const ShortSeconds seconds{20ms};
+    play("next; kill -STOP $$");
+    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
+    EXPECT_EQ(desktop->errors,
+              std::vector<std::string>{"the window program has shown no window for half a minute"});
+}
+
+TEST_F(AnAlert, WaitsAsLongAsItTakesOnceItIsShown) {
+    const ShortSeconds seconds{20ms};
+    play("next; say \"('shown', 1, 0, nothing)\"; sleep 1; say \"('pressed', 1, 0, nothing)\"; next");
+    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
+    EXPECT_TRUE(desktop->errors.empty());
+}
+
+TEST_F(AnAlert, StaysIfItWasShownWhileThisProgramStoodStill) {
+    const ShortSeconds seconds{20ms};
+    play("next; say \"('shown', 1, 0, nothing)\"; sleep 1; say \"('pressed', 1, 0, nothing)\"; next");
+    const Later standStill{10ms, [] { std::this_thread::sleep_for(900ms); }};
+    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
+    EXPECT_TRUE(desktop->errors.empty());
 }
 
 TEST_F(AnAlert, ReturnsWhenEverythingCloses) {
@@ -313,12 +370,38 @@ TEST_F(AnAlertOnAPanel, IsShownByTheSameProgramAndLeavesThePanelOpen) {
 
 TEST_F(AnAlertOnAPanel, KeepsThePanelFromTakingInput) {
     play("next; say \"('pressed', 1, 0, nothing)\"\n"
-         "next; say \"('pressed', 1, 0, nothing)\"; say \"('changed', 1, 1, just <true>)\"\n"
-         "say \"('pressed', 2, 0, nothing)\"; next; next; say \"('closed', 1, 0, nothing)\"; next");
+         "next; say \"('pressed', 1, 0, nothing)\"; say \"('closed', 1, 0, nothing)\"\n"
+         "say \"('pressed', 2, 0, nothing)\"; next; next; say \"('changed', 1, 1, just <true>)\"\n"
+         "next; say \"('closed', 1, 0, nothing)\"; next");
     run();
     EXPECT_EQ(answer, NSAlert::FirstButtonReturn);
-    EXPECT_FALSE(*isOn);
+    const auto requests = linesOf("requests");
+    EXPECT_EQ(std::count_if(requests.begin(), requests.end(),
+                            [](const std::string& request) { return request.starts_with("('alert'"); }),
+              1);
+    EXPECT_TRUE(*isOn);
     EXPECT_TRUE(desktop->errors.empty());
+}
+
+TEST_F(AnAlertOnAPanel, LosesNoChangeThatWasMadeAsItOpened) {
+    play("next; say \"('pressed', 1, 0, nothing)\"\n"
+         "next; say \"('changed', 1, 1, just <true>)\"; say \"('pressed', 2, 0, nothing)\"\n"
+         "next; next; next; say \"('closed', 1, 0, nothing)\"; next");
+    run();
+    EXPECT_EQ(answer, NSAlert::FirstButtonReturn);
+    EXPECT_TRUE(*isOn);
+    const auto requests = linesOf("requests");
+    ASSERT_GE(requests.size(), 5U);
+    EXPECT_EQ(requests[4], "('values', <(uint32 1, [<false>, <true>])>)");
+    EXPECT_TRUE(desktop->errors.empty());
+}
+
+TEST_F(AnAlertOnAPanel, LosesNoChangeEvenIfTheProgramDies) {
+    play("next; say \"('pressed', 1, 0, nothing)\"\n"
+         "next; say \"('changed', 1, 1, just <true>)\"; kill -KILL $$");
+    run();
+    EXPECT_EQ(answer, NSAlert::Stopped);
+    EXPECT_TRUE(*isOn);
 }
 
 TEST_F(AnAlertOnAPanel, GoesAwayWithThePanelWhenTheProgramDies) {
@@ -332,7 +415,7 @@ TEST_F(AnAlertOnAPanel, GoesAwayWithThePanelWhenTheProgramDies) {
 
 TEST_F(AnAlertOnAPanel, GoesAwayWithThePanelWhenEverythingCloses) {
     play("next; say \"('pressed', 1, 0, nothing)\"; next; next");
-    const Later terminate{50ms, [&] { desktop->terminate(); }};
+    const Once terminate{[&] { return linesOf("requests").size() == 2; }, [&] { desktop->terminate(); }};
     run();
     EXPECT_EQ(answer, NSAlert::Stopped);
     EXPECT_EQ(host.closings, 0);
@@ -340,7 +423,7 @@ TEST_F(AnAlertOnAPanel, GoesAwayWithThePanelWhenEverythingCloses) {
 
 TEST_F(AnAlertOnAPanel, StaysWhenOnlyThePanelIsStopped) {
     play("next; say \"('pressed', 1, 0, nothing)\"; next; sleep 0.2; say \"('pressed', 2, 0, nothing)\"; next");
-    const Later stop{50ms, [&] { desktop->stopModal(); }};
+    const Once stop{[&] { return linesOf("requests").size() == 2; }, [&] { desktop->stopModal(); }};
     run();
     EXPECT_EQ(answer, NSAlert::FirstButtonReturn);
     EXPECT_EQ(host.closings, 0);

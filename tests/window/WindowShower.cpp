@@ -7,6 +7,8 @@
 
 #include <glib-unix.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -143,7 +145,7 @@ void popup() {
     std::cout << "answered " << answer << (isTicked ? " ticked" : "") << std::endl;
 }
 
-/// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass.
+/// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass, SIGUSR2 enables or disables "Quit".
 class Status {
 public:
     Status(const std::filesystem::path& helper, bool isUnasked)
@@ -153,6 +155,7 @@ public:
             _menu->addItem(std::make_shared<NSMenuItem>(
                 title, [](NSMenuItem&) {}, ""));
         }
+        _menu->autoenablesItems = false;
         _menu->itemWithTitle("Mute")->setState(NSMenuItem::StateValue::Off);
         show();
         isUnasked ? _window.appear() : _window.open();
@@ -161,9 +164,15 @@ public:
             static_cast<Status*>(self)->show();
             return G_SOURCE_CONTINUE;
         };
-        _signal = g_unix_signal_add(SIGUSR1, minutePasses, this);
+        const auto quitChanges = [](gpointer self) -> gboolean {
+            auto& quit = *static_cast<Status*>(self)->_menu->itemWithTitle("Quit");
+            quit.isEnabled = !quit.isEnabled.value_or(true);
+            static_cast<Status*>(self)->show();
+            return G_SOURCE_CONTINUE;
+        };
+        _signals = {g_unix_signal_add(SIGUSR1, minutePasses, this), g_unix_signal_add(SIGUSR2, quitChanges, this)};
     }
-    ~Status() { g_source_remove(_signal); }
+    ~Status() { std::for_each(_signals.begin(), _signals.end(), g_source_remove); }
     Status(const Status&) = delete;
     Status& operator=(const Status&) = delete;
 
@@ -183,13 +192,13 @@ private:
         _isOver = item.title == "Quit";
         show();
     }
-    void show() { _window.show({std::to_string(_minutes) + "m", {}, {}, {}}, _menu); }
+    void show() { _window.show({{}, {}, {}, {}, "Break in " + std::to_string(_minutes) + " minutes"}, _menu); }
 
     int _minutes = 9;
     bool _isOver = false;
     std::shared_ptr<NSMenu> _menu = std::make_shared<NSMenu>();
     freedesktop::StatusWindow _window;
-    unsigned _signal = 0;
+    std::array<unsigned, 2> _signals{};
 };
 
 } // namespace
@@ -200,6 +209,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     freedesktop::BareDesktop desktop{argv[1], argv[2]};
+    desktop.activationToken = "of-the-click";
     const Settings settings;
     for (int index = 3; index < argc; ++index) {
         const std::string_view window{argv[index]};

@@ -1,38 +1,18 @@
 #!/usr/bin/python3
-"""The windows on a Wayland compositor that has layers, in front of a film that fills the screen and prints what is
-typed into it.
+"""The windows on a Wayland compositor that has layers: reminders stand above everything, the others are windows like
+any other program's."""
 
-    layer_windows.py SHOWER WINDOW_PROGRAM RESOURCES [TEST...]
-"""
+from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
+from desktop import Desktop
+from sway import Sway
+from waiting import wait_until
 
-import sys
 import time
-import unittest
-from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "desktop"))
-
-from desktop import Desktop  # noqa: E402 (found through the line above)
-from shown import KEYLESS_SECONDS, ShownWindows  # noqa: E402
-from sway import Sway  # noqa: E402
-from waiting import wait_until  # noqa: E402
-
-FILM = """
-import gi
-gi.require_version("Gtk", "3.0")
-from gi.repository import Gtk
-window = Gtk.Window(title="Film")
-window.connect("key-press-event", lambda _, event: print(event.string, end="", flush=True))
-window.fullscreen()
-window.show()
-Gtk.main()
-"""
 SHADOW = 26  # around a window, no part of it
 
 
-class LayerWindows(ShownWindows):
-    command = sys.argv[1:4]
-
+class LayerWindows(OnEveryDesktop, ShownWindows):
     @classmethod
     def setUpClass(cls):
         cls.desktop = cls.enterClassContext(Desktop(panel=False))
@@ -42,9 +22,6 @@ class LayerWindows(ShownWindows):
 
     def setUp(self):
         self.point_at(5, self.height - 5)
-        self.film = self.start("/usr/bin/python3", "-c", FILM)
-        wait_until(lambda: any(each.name == "Film" and each.has("active") for each in self.desktop.windows()), "film")
-        self.await_rest()
 
     def point_at(self, x, y):
         left, top, _, _ = self.compositor.area
@@ -74,25 +51,47 @@ class LayerWindows(ShownWindows):
         return ((self.width - window_width) // 2 + x + width // 2,
                 (self.height - window_height) // 2 + y + height // 2)
 
-    def expect_in_film(self, text):
-        wait_until(lambda: self.film.output() == text, f"“{text}” in the film")
+    def expect_in_the_middle(self, window, key):
+        """Lets the window be shown above the other one, and closes it."""
+        before = self.await_rest()
+        self.show(window)
+        left, top, right, bottom = self.rectangle(before)
+        _, _, width, height = self.window.extents
+        self.assertAlmostEqual((left + right) / 2, self.width / 2, delta=3)
+        self.assertAlmostEqual((top + bottom) / 2, self.height / 2, delta=3)
+        self.assertGreaterEqual(right - left, width - 2 * SHADOW)
+        self.assertGreaterEqual(bottom - top, height - 2 * SHADOW)
+        self.press_keys(key)
+        wait_until(lambda: not self.windows(), "the window to go")
+        self.assertIsNone(before.difference(self.await_rest()))
 
-    def test_every_window_is_in_the_middle_above_a_full_screen_window(self):
-        for window, keys in {"popup": "Return", "settings": "Escape", "about": "Escape", "status": "Escape"}.items():
-            with self.subTest(window):
-                before = self.await_rest()
-                self.show(window)
-                left, top, right, bottom = self.rectangle(before)
-                _, _, width, height = self.window.extents
-                self.assertAlmostEqual((left + right) / 2, self.width / 2, delta=3)
-                self.assertAlmostEqual((top + bottom) / 2, self.height / 2, delta=3)
-                self.assertGreaterEqual(right - left, width - 2 * SHADOW)
-                self.assertGreaterEqual(bottom - top, height - 2 * SHADOW)
-                self.press_keys(keys)
-                wait_until(lambda: not self.windows(), "the window to go")
-                self.assertIsNone(before.difference(self.await_rest()))
+    # The popup
+
+    def test_popup_is_in_the_middle_above_a_full_screen_window(self):
+        self.start_other("fullscreen")
+        self.expect_in_the_middle("popup", "Return")
+
+    def test_popup_leaves_the_keyboard_for_half_a_second(self):
+        self.start_other("fullscreen")
+        for _ in range(10):
+            typed = self.other.output()
+            begin = time.monotonic()
+            self.shower = self.start(*SHOW, "popup")
+            wait_until(self.windows, "the popup")
+            self.desktop.press_key("x")
+            was_quick = time.monotonic() - begin < KEYLESS_SECONDS
+            if was_quick:
+                self.expect_typed(typed + "x")
+                self.window_is_up()
+                self.press_keys("Return")
+                self.expect_lines("answered 1000")
+                self.expect_typed(typed + "x")
+                return
+            self.end(self.shower)
+        self.fail("the machine was never quick enough for this test")
 
     def test_popup_answers_by_keys_and_gives_the_keyboard_back(self):
+        self.start_other("fullscreen")
         self.desktop.type("before ")
         self.show("popup", "popup")
         self.press_keys("Return")
@@ -102,23 +101,33 @@ class LayerWindows(ShownWindows):
         self.expect_lines("answered 1000", "answered -1000 ticked")
         self.assertEqual(self.shower.status(), 0)
         self.desktop.type("after")
-        self.expect_in_film("before after")
+        self.expect_typed("before after")
 
-    def test_popup_takes_no_key_of_somebody_who_is_typing(self):
-        for _ in range(10):
-            begin = time.monotonic()
-            self.shower = self.start(*self.command, "popup")
-            wait_until(lambda: any(each.has("active") for each in self.windows()), "the popup")
-            self.press_keys("Return")
-            was_quick = time.monotonic() - begin < KEYLESS_SECONDS
-            if was_quick:
-                self.window_is_up()
-                self.assertEqual(self.lines(), [])
-                self.press_keys("Return")
-                self.expect_lines("answered 1000")
-                return
-            self.end(self.shower)
-        self.fail("the machine was never quick enough for this test")
+    # The other windows
+
+    def test_other_windows_are_in_the_middle_above_a_window(self):
+        self.start_other("maximize")
+        for window in "settings", "about", "status":
+            with self.subTest(window):
+                self.expect_in_the_middle(window, "Escape")
+
+    def test_settings_share_the_keyboard_as_any_window_does(self):
+        self.start_other("maximize")
+        self.show("settings")
+        field = self.middle_of(self.find("text", "Interval in minutes"))
+        self.click(*field)
+        self.press_keys("ctrl+a")
+        self.desktop.type("25")
+        self.click(5, self.height - 5)
+        self.expect_lines("minutes = 25")
+        self.desktop.type("other")
+        self.expect_typed("other")
+        self.click(*field)
+        self.window_is_up()
+        self.press_keys("Escape")
+        self.expect_lines("minutes = 25", "window closes")
+        self.desktop.type("!")
+        self.expect_typed("other!")
 
     def test_settings_wait_below_the_alert(self):
         self.show("settings")
@@ -139,46 +148,14 @@ class LayerWindows(ShownWindows):
         self.click(*sleep)
         self.expect_lines("minutes = 0", "submitted", "save", "alert answered 1000", "restart = 0")
 
-    def test_settings_offer_the_sounds_to_the_keyboard(self):
-        self.show("settings")
-        self.press_keys("alt+s", "space")
-        menu = self.find("menu", None)
-        wait_until(lambda: menu.has("showing"), "the picker's menu")
-        self.press_keys("Down", "Down", "Return")
-        self.expect_lines("sound = 2", "plays")
-        self.press_keys("Return")
-        self.expect_lines("sound = 2", "plays", "save", "window closes")
-
-    def test_settings_give_the_keyboard_back_when_the_pointer_leaves_them(self):
-        self.show("settings")
-        field = self.middle_of(self.find("text", "Interval in minutes"))
-        self.click(*field)
-        self.press_keys("ctrl+a")
-        self.desktop.type("25")
-        self.point_at(5, self.height - 5)
-        self.expect_lines("minutes = 25")
-        wait_until(lambda: not self.window.has("active"), "the keyboard to be elsewhere")
-        self.desktop.type("film")
-        self.expect_in_film("film")
-        self.click(*field)
-        self.window_is_up()
-        self.press_keys("Escape")
-        self.expect_lines("minutes = 25", "window closes")
-
-    def test_small_window_that_nobody_asked_for_has_the_keyboard_when_it_is_clicked(self):
-        before = self.await_rest()
-        self.shower = self.start(*self.command, "unasked")
-        self.rectangle(before)
-        self.desktop.type("film")
-        self.expect_in_film("film")
-        self.window = self.windows()[0]
-        self.click(*self.middle_of(self.find("toggle button", "Mute")))
-        self.expect_lines("picks Mute")
+    def test_small_window_that_nobody_asked_for_takes_no_key_of_somebody_who_is_typing(self):
+        self.start_other("maximize")
+        self.type_through("unasked")
+        self.assertEqual(self.lines(), [])
         self.window_is_up()
         self.press_keys("alt+m")
-        self.expect_lines("picks Mute", "picks Mute")
-        self.assertEqual(self.film.output(), "film")
+        self.expect_lines("picks Mute")
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
+    main()

@@ -1,18 +1,12 @@
 #include "platform/linux/window/Content.hpp"
 
+#include "platform/Overloaded.hpp"
 #include "platform/linux/window/Pictures.hpp"
 
 #include <cmath>
 
 namespace platform::freedesktop {
 namespace {
-
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 constexpr int usualSpacing = 8;
 constexpr double usualPadding = 16;
@@ -81,6 +75,41 @@ void setFont(GtkWidget* label, Font font) {
     pango_attr_list_unref(attributes);
 }
 
+std::string plain(const node::Text& text) {
+    std::string whole;
+    for (const node::TextRun& run : text.runs) {
+        whole += run.string;
+    }
+    return whole;
+}
+
+/// Whether two views are drawn alike, but for their texts and values and whether they take input.
+bool isAlike(const View& one, const View& other) {
+    const auto isSameKind = [](const Modifier& left, const Modifier& right) {
+        return left.index() == right.index();
+    };
+    return std::equal(one.modifiers.begin(), one.modifiers.end(), other.modifiers.begin(), other.modifiers.end(),
+                      isSameKind) &&
+           std::visit(
+               Overloaded{
+                   [](const node::Text&, const node::Text&) { return true; },
+                   [](const node::Image& left, const node::Image& right) { return left.image == right.image; },
+                   [](const node::TextField& left, const node::TextField& right) {
+                       return left.placeholder == right.placeholder;
+                   },
+                   [](const node::Toggle& left, const node::Toggle& right) { return left.title == right.title; },
+                   [](const node::Picker& left, const node::Picker& right) {
+                       return left.title == right.title && left.items == right.items;
+                   },
+                   [](const node::Button& left, const node::Button& right) { return left.label == right.label; },
+                   [](const node::Stack& left, const node::Stack& right) {
+                       return left.axis == right.axis && left.children.size() == right.children.size();
+                   },
+                   [](const auto&, const auto&) { return false; },
+               },
+               one.node, other.node);
+}
+
 /// Whether a control has no text of its own, so that the text before it is its name.
 bool isNameless(const Node& node) {
     return std::visit(Overloaded{
@@ -94,7 +123,10 @@ bool isNameless(const Node& node) {
 
 } // namespace
 
-Content::Content(const View& view) { _root = build(view, Font::Body).outer; }
+Content::Content(const View& view)
+    : _view{view} {
+    _root = build(view, Font::Body).outer;
+}
 
 void Content::Field::show() {
     shown = node->text();
@@ -121,6 +153,37 @@ void Content::refresh() {
     }
 }
 
+bool Content::follow(const View& fresh) {
+    auto widget = _widgets.cbegin();
+    return follow(_view, fresh, widget);
+}
+
+bool Content::follow(const View& before, const View& fresh, std::vector<GtkWidget*>::const_iterator& widget) {
+    if (!isAlike(before, fresh)) {
+        return false;
+    }
+    if (const auto* stack = std::get_if<node::Stack>(&fresh.node)) {
+        const auto* child = std::get<node::Stack>(before.node).children.data();
+        for (const View& freshChild : stack->children) {
+            if (!follow(*child++, freshChild, widget)) {
+                return false;
+            }
+        }
+    }
+    GtkWidget* inner = *widget++;
+    if (const auto* text = std::get_if<node::Text>(&fresh.node);
+        text && plain(*text) != gtk_label_get_text(GTK_LABEL(inner))) {
+        if (gtk_label_get_mnemonic_widget(GTK_LABEL(inner))) {
+            return false; // names a control
+        }
+        gtk_label_set_markup(GTK_LABEL(inner), markupOf(*text).c_str());
+    }
+    if (const auto* disabled = fresh.last<modifier::Disabled>()) {
+        gtk_widget_set_sensitive(inner, !disabled->isDisabled);
+    }
+    return true;
+}
+
 Content::Widgets Content::build(const View& view, Font font) {
     if (const auto* style = view.last<modifier::FontStyle>()) {
         font = style->font;
@@ -132,6 +195,7 @@ Content::Widgets Content::build(const View& view, Font font) {
                                       [&](const auto& control) { return build(control); },
                                   },
                                   view.node);
+    _widgets.push_back(inner);
     GtkWidget* outer = inner;
     for (const Modifier& modifier : view.modifiers) {
         outer = modified(outer, inner, modifier);
@@ -271,7 +335,7 @@ GtkWidget* Content::modified(GtkWidget* widget, GtkWidget* inner, const Modifier
         Overloaded{
             [&](const modifier::Frame& frame) { widget = framed(widget, frame); },
             [&](const modifier::Padding& padding) { widget = padded(widget, padding); },
-            [&](const modifier::Disabled& disabled) { gtk_widget_set_sensitive(widget, !disabled.isDisabled); },
+            [&](const modifier::Disabled& disabled) { gtk_widget_set_sensitive(inner, !disabled.isDisabled); },
             [&](const modifier::FixedSize&) {
                 gtk_widget_set_halign(widget, GTK_ALIGN_CENTER);
                 gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);

@@ -34,6 +34,10 @@ public:
     /// Shows what the controls are bound to, except where the user is typing.
     void refresh();
 
+    /// Shows the texts of `fresh`, and takes input where it does, with the widgets that are there. Gives false, and
+    /// is of no use any more, if they cannot be those of `fresh`.
+    bool follow(const View& fresh);
+
 private:
     /// A view's widgets: the one that takes the view's place, and inside it the one that is the view itself.
     struct Widgets {
@@ -51,6 +55,8 @@ private:
         bool isEdited() const { return text() != shown; }
         void show();
     };
+
+    bool follow(const View& before, const View& fresh, std::vector<GtkWidget*>::const_iterator& widget);
 
     Widgets build(const View& view, Font font);
     GtkWidget* build(const node::Text& text, Font font);
@@ -71,7 +77,9 @@ private:
         void operator()(gpointer object) const { g_object_unref(object); }
     };
 
+    const View& _view;
     GtkWidget* _root = nullptr;
+    std::vector<GtkWidget*> _widgets; ///< What each view is itself, in the order of the tree, children first.
     GtkWidget* _defaultButton = nullptr;
     std::vector<std::unique_ptr<Field>> _fields;
     std::vector<std::function<void()>> _refreshers;

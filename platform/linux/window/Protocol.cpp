@@ -1,5 +1,7 @@
 #include "platform/linux/window/Protocol.hpp"
 
+#include "platform/Overloaded.hpp"
+
 #include <glib.h>
 
 #include <algorithm>
@@ -9,13 +11,6 @@
 namespace platform::freedesktop {
 namespace {
 
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
-
 struct Release {
     void operator()(GVariant* variant) const { g_variant_unref(variant); }
     void operator()(gchar* text) const { g_free(text); }
@@ -24,7 +19,7 @@ struct Release {
 using Variant = std::unique_ptr<GVariant, Release>;
 using Characters = std::unique_ptr<gchar, Release>;
 
-constexpr std::array eventKinds{"changed", "pressed", "submitted", "closed"};
+constexpr std::array eventKinds{"shown", "changed", "pressed", "submitted", "closed"};
 
 // Encoding: these functions give floating references, which the enclosing variant takes over.
 

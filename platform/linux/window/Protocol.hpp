@@ -8,12 +8,13 @@
 //
 //     ('alert', <(window, picture, style, icon, message, information, buttons, check box)>)
 //     ('panel', <(window, title, whether its background moves it, whether it comes unasked, content)>)
-//                                            a panel that is shown already gets this content instead of its own
+//                                            a panel that is shown already shows this content from now on
 //     ('values', <(window, [value, ...])>)   what the panel's controls are to show, after each change by the user
 //     ('close', <window>)                    the end of the stream closes all that are left
 //
-// The window program tells what the user does and waits for what follows from it; it closes nothing by itself:
+// The window program tells what becomes of it and waits for what follows from that; it closes nothing by itself:
 //
+//     ('shown', window, 0, nothing)                the window is on the screen
 //     ('changed', window, control, just <value>)   a control has another value
 //     ('pressed', window, control, nothing)        a button was pressed
 //     ('submitted', window, control, nothing)      Return was pressed in a text field, after it told its change
@@ -45,9 +46,9 @@ inline constexpr std::size_t longestMessage = 65'536;
 /// What a control shows: whether it is on, or its number or the index of its selected item.
 using ControlValue = std::variant<bool, std::int64_t>;
 
-/// Something that the user did.
+/// Something that the user did, or that became of a window.
 struct Event {
-    enum class Kind { Changed, Pressed, Submitted, Closed };
+    enum class Kind { Shown, Changed, Pressed, Submitted, Closed };
 
     Kind kind = Kind::Closed;
     std::uint32_t window = 0;

@@ -15,7 +15,7 @@
 namespace platform::freedesktop {
 namespace {
 
-constexpr gint64 keylessMicroseconds = 500'000;
+constexpr guint keylessMilliseconds = 500;
 
 /// Round corners and shadows need a compositor; without one, a thin line sets the window off.
 constexpr const char* appearance = R"(
@@ -72,24 +72,6 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     return controls;
 }
 
-/// Puts the window above all others, full-screen ones included, if the compositor has layers for that.
-void raiseToLayer(GtkWindow* window) {
-    if (gtk_layer_is_supported()) {
-        gtk_layer_init_for_window(window);
-        gtk_layer_set_namespace(window, "marvelode-timer");
-        gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_OVERLAY);
-        gtk_window_set_decorated(window, TRUE); // with shadow and corners, as anywhere else
-    }
-}
-
-/// Lets a window have the keyboard if it is in a layer, where a click alone does not move it.
-void setHasKeyboard(GtkWindow* window, bool hasKeyboard) {
-    if (gtk_layer_is_layer_window(window)) {
-        gtk_layer_set_keyboard_mode(window, hasKeyboard ? GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE
-                                                        : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
-    }
-}
-
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
 
 } // namespace
@@ -106,9 +88,9 @@ void setUpAppearance() {
     gtk_window_set_default_icon_name(applicationId);
 }
 
-TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<void()> wantsToClose)
+TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<void()> shown,
+                   std::function<void()> wantsToClose)
     : _window{GTK_WINDOW(gtk_window_new(GTK_WINDOW_TOPLEVEL))}
-    , _below{below}
     , _wantsToClose{std::move(wantsToClose)} {
     gtk_window_set_title(_window, title.c_str());
     gtk_window_set_type_hint(_window, GDK_WINDOW_TYPE_HINT_DIALOG);
@@ -123,28 +105,24 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
     GtkWidget* titleBar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
     gtk_widget_set_no_show_all(titleBar, TRUE);
     gtk_window_set_titlebar(_window, titleBar);
-    raiseToLayer(_window);
-    setHasKeyboard(_window, true);
-    if (_below) {
-        setHasKeyboard(_below, false);
-    }
 
     connect(_window, "delete-event", [this](GdkEvent*) -> gboolean {
         _wantsToClose();
         return GDK_EVENT_STOP;
     });
-    connect(_window, "map-event", [this](GdkEvent*) -> gboolean {
-        _shownAt = g_get_monotonic_time();
+    connect(_window, "map-event", [this, shown = std::move(shown)](GdkEvent*) -> gboolean {
+        ignoreKeysFromNow();
+        shown();
         return GDK_EVENT_PROPAGATE;
     });
     connect(_window, "key-press-event", [this](GdkEventKey* event) { return keyPressed(*event); });
 }
 
 TopLevel::~TopLevel() {
-    gtk_widget_destroy(GTK_WIDGET(_window));
-    if (_below) {
-        setHasKeyboard(_below, true);
+    if (_takesKeyboard != 0) {
+        g_source_remove(_takesKeyboard);
     }
+    gtk_widget_destroy(GTK_WIDGET(_window));
 }
 
 void TopLevel::moveByBackground() {
@@ -162,39 +140,36 @@ void TopLevel::moveByBackground() {
     });
 }
 
-void TopLevel::comeUnasked() {
+void TopLevel::appearEverywhere() {
     gtk_window_stick(_window);
-    _comesUnasked = true;
-}
-
-void TopLevel::leaveTheKeyboard() {
-    gtk_window_set_focus_on_map(_window, FALSE);
-    setHasKeyboard(_window, false);
-}
-
-void TopLevel::shareTheKeyboard() {
-    if (!gtk_layer_is_layer_window(_window)) {
+    if (!gtk_layer_is_supported()) {
         return;
     }
-    gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);
-    connect(_window, "leave-notify-event", [this](GdkEventCrossing* event) -> gboolean {
-        const bool isOverPopup = gtk_grab_get_current() != nullptr;
-        if (event->detail != GDK_NOTIFY_INFERIOR && !isOverPopup) {
-            setHasKeyboard(_window, false);
-        }
-        return GDK_EVENT_PROPAGATE;
-    });
-    _clicks.reset(gtk_gesture_multi_press_new(GTK_WIDGET(_window)));
-    gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(_clicks.get()), GTK_PHASE_CAPTURE);
-    connect(_clicks.get(), "pressed", [this](gint, gdouble, gdouble) { setHasKeyboard(_window, true); });
+    gtk_layer_init_for_window(_window);
+    gtk_layer_set_namespace(_window, "marvelode-timer");
+    gtk_layer_set_layer(_window, GTK_LAYER_SHELL_LAYER_OVERLAY);
+    gtk_window_set_decorated(_window, TRUE); // with shadow and corners, as anywhere else
+    const auto takeKeyboard = [](gpointer data) -> gboolean {
+        auto* self = static_cast<TopLevel*>(data);
+        self->_takesKeyboard = 0;
+        self->ignoreKeysFromNow();
+        gtk_layer_set_keyboard_mode(self->_window, GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE);
+        return G_SOURCE_REMOVE;
+    };
+    _takesKeyboard = g_timeout_add(keylessMilliseconds, takeKeyboard, this);
 }
 
-bool TopLevel::isTooEarlyForKeys() const {
-    return _comesUnasked && g_get_monotonic_time() - _shownAt < keylessMicroseconds;
+void TopLevel::ignoreEarlyKeys() { _ignoresEarlyKeys = true; }
+
+void TopLevel::leaveTheKeyboard() { gtk_window_set_focus_on_map(_window, FALSE); }
+
+void TopLevel::ignoreKeysFromNow() {
+    _listensFrom = g_get_monotonic_time() + gint64{keylessMilliseconds} * G_TIME_SPAN_MILLISECOND;
 }
 
 gboolean TopLevel::keyPressed(const GdkEventKey& event) {
-    if (isTooEarlyForKeys()) {
+    if (_ignoresEarlyKeys && g_get_monotonic_time() < _listensFrom) {
+        ignoreKeysFromNow(); // the user has not looked up yet
         return GDK_EVENT_STOP;
     }
     if (event.keyval == GDK_KEY_Escape) {

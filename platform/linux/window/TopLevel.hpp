@@ -14,8 +14,10 @@ namespace platform::freedesktop {
 class TopLevel {
 public:
     /// `below` is the window that this one is about, and that takes no input meanwhile; null if there is none.
-    /// `wantsToClose` is called when the user or the desktop wants the window to go away.
-    TopLevel(const std::string& title, GtkWindow* below, std::function<void()> wantsToClose);
+    /// `shown` is called when the window is on the screen, `wantsToClose` when the user or the desktop wants it to
+    /// go away.
+    TopLevel(const std::string& title, GtkWindow* below, std::function<void()> shown,
+             std::function<void()> wantsToClose);
 
     /// Takes the window off the screen.
     ~TopLevel();
@@ -27,16 +29,15 @@ public:
     /// Lets the user drag the window by everything that is no control, where the desktop lets windows move.
     void moveByBackground();
 
-    /// Lets the window appear wherever the user works, and take no key for its first half second: somebody who is
-    /// typing as it appears does not mean it.
-    void comeUnasked();
+    /// Lets the window appear wherever the user works, above full-screen windows too where the desktop allows it.
+    void appearEverywhere();
 
-    /// Lets the window appear without taking the keyboard from the window that has it.
+    /// Lets the window take no key before half a second has passed without any: somebody who is typing as it
+    /// appears does not mean it.
+    void ignoreEarlyKeys();
+
+    /// Lets the window appear without taking the keyboard from the window that has it, where the desktop allows it.
     void leaveTheKeyboard();
-
-    /// Lets the user go on typing elsewhere while the window is up. Desktops do so by themselves, but not with a
-    /// window in a layer: there the keyboard leaves it with the pointer and comes back with a click.
-    void shareTheKeyboard();
 
     /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.
     void present(GtkWidget* content, GtkWidget* defaultButton);
@@ -45,19 +46,16 @@ public:
     void replace(GtkWidget* content);
 
 private:
-    bool isTooEarlyForKeys() const;
+    void ignoreKeysFromNow();
     gboolean keyPressed(const GdkEventKey& event);
     void centre();
 
-    using Gesture = std::unique_ptr<GtkGesture, decltype(&g_object_unref)>;
-
     GtkWindow* _window;
-    GtkWindow* _below;
     GtkWidget* _content = nullptr; ///< Owned by the window.
     std::function<void()> _wantsToClose;
-    Gesture _clicks{nullptr, g_object_unref};
-    bool _comesUnasked = false;
-    gint64 _shownAt = 0; ///< In microseconds of the monotonic clock.
+    bool _ignoresEarlyKeys = false;
+    gint64 _listensFrom = 0;     ///< In microseconds of the monotonic clock.
+    unsigned _takesKeyboard = 0; ///< A source while a window in a layer leaves the keyboard to others.
 };
 
 /// Lets this program's windows look as they should; call once, after GTK was initialised.

@@ -65,7 +65,11 @@ class Windows::Alert : public Window {
 public:
     Alert(const AlertRequest& request, GtkWindow* below, const Tell& tell)
         : Window{request.window}
-        , _topLevel{alertTitle, below, [tell, number = number] {
+        , _topLevel{alertTitle, below,
+                    [tell, number = number] {
+                        tell({Event::Kind::Shown, number, 0, {}});
+                    },
+                    [tell, number = number] {
                         tell({Event::Kind::Closed, number, 0, {}});
                     }} {
         const NSAlert& alert = request.alert;
@@ -88,10 +92,11 @@ public:
         AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(_topLevel.window()));
         atk_object_set_role(accessible, ATK_ROLE_ALERT);
         atk_object_set_description(accessible, alert.informativeText.c_str());
-        _topLevel.moveByBackground();
-        if (!below) {
-            _topLevel.comeUnasked();
+        if (!below) { // nobody has asked for it
+            _topLevel.appearEverywhere();
+            _topLevel.ignoreEarlyKeys();
         }
+        _topLevel.moveByBackground();
         _topLevel.present(content, _defaultButton);
     }
 
@@ -144,7 +149,11 @@ public:
     Panel(PanelRequest request, GtkWindow* below, const Tell& tell)
         : Window{request.window}
         , _filling{std::make_unique<Filling>(std::move(request))}
-        , _topLevel{_filling->request.title, below, [this, tell] {
+        , _topLevel{_filling->request.title, below,
+                    [tell, number = number] {
+                        tell({Event::Kind::Shown, number, 0, {}});
+                    },
+                    [this, tell] {
                         _filling->content.commitEdits(); // the form is closed unsaved, but keeps what it holds
                         tell({Event::Kind::Closed, number, 0, {}});
                     }} {
@@ -153,8 +162,8 @@ public:
         }
         if (_filling->request.comesUnasked) {
             _topLevel.leaveTheKeyboard();
+            _topLevel.ignoreEarlyKeys();
         }
-        _topLevel.shareTheKeyboard();
         _topLevel.present(_filling->content.root(), _filling->content.defaultButton());
     }
 
@@ -166,6 +175,10 @@ public:
     }
 
     void show(PanelRequest request) override {
+        if (_filling->content.follow(request.content)) {
+            show(*request.values);
+            return;
+        }
         auto filling = std::make_unique<Filling>(std::move(request));
         _topLevel.replace(filling->content.root());
         _filling = std::move(filling); // the old one goes after the widgets that call its operations

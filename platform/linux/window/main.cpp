@@ -63,6 +63,9 @@ int main(int argc, char** argv) {
         g_printerr("marvelode-timer-window: there is no display to show a window on\n");
         return EXIT_FAILURE;
     }
+    for (const char* token : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
+        g_unsetenv(token); // GTK has read it, and a browser that is started from here has no right to it
+    }
     setUpAppearance();
     Windows windows{tell};
     g_unix_fd_add(residentProgram, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), serve, &windows);
