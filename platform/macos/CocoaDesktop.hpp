@@ -37,10 +37,10 @@ public:
     void statusItemChanged() override;
 
     int runAlert(platform::NSAlert& alert) override;
-    void runModal(platform::NSPanel& panel, const platform::View& content) override;
+    void runModal(platform::NSPanel& model, const platform::View& content) override;
     void stopModal() override;
     void center(platform::NSPanel& panel) override;
-    void close(platform::NSPanel& panel) override;
+    void close(platform::NSPanel& model) override;
 
     bool boolForKey(std::string_view key) override;
     std::int64_t integerForKey(std::string_view key) override;

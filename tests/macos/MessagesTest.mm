@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
@@ -42,6 +43,26 @@ protected:
                " target:TimerTarget selector:timeExpired: userInfo:nil repeats:" + repeats;
     }
 
+    void watchAlerts() {
+        const Class kind = [NSAlert class];
+        recorder.watch<void, NSAlertStyle>(kind, "setAlertStyle:");
+        recorder.watch<void, NSImage*>(kind, "setIcon:");
+        recorder.watch<void, NSString*>(kind, "setMessageText:");
+        recorder.watch<void, NSString*>(kind, "setInformativeText:");
+        recorder.watch<NSButton*, NSString*>(kind, "addButtonWithTitle:");
+        recorder.watch<void, BOOL>(kind, "setShowsSuppressionButton:");
+        recorder.watch<NSButton*>(kind, "suppressionButton");
+        recorder.watch<NSInteger>(kind, "runModal", true);
+    }
+
+    void watchSettings() {
+        const Class kind = [NSUserDefaults class];
+        recorder.watch<void, id, NSString*>(kind, "setObject:forKey:");
+        recorder.watch<BOOL, NSString*>(kind, "boolForKey:");
+        recorder.watch<NSInteger, NSString*>(kind, "integerForKey:");
+        recorder.watch<NSString*, NSString*>(kind, "stringForKey:");
+    }
+
     void watchTimers() {
         recorder.watch<NSTimer*, NSTimeInterval, id, SEL, id, BOOL>(
             object_getClass([NSTimer class]), "scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:");
@@ -59,11 +80,11 @@ TEST_F(Messages, LaunchInOrder) {
     watchTimers();
     run({"-TimerInterval", "600"}, {{launched, [] {}}});
 
-    Lines expected{"NSBundle URLForResource:\"BuildInfo\" withExtension:\"txt\"",
-                   "NSData dataWithContentsOfURL:\"BuildInfo.txt\""};
+    Lines expected{R"(NSBundle URLForResource:"BuildInfo" withExtension:"txt")",
+                   R"(NSData dataWithContentsOfURL:"BuildInfo.txt")"};
     for (const std::string sound : {"Sonar", "Bowl", "Whistle"}) {
-        expected.push_back("NSBundle URLForResource:\"" + sound + "\" withExtension:\"m4a\"");
-        expected.push_back("NSSound initWithContentsOfURL:\"" + sound + ".m4a\" byReference:YES");
+        expected.push_back(R"(NSBundle URLForResource:")" + sound + R"(" withExtension:"m4a")");
+        expected.push_back(R"(NSSound initWithContentsOfURL:")" + sound + R"(.m4a" byReference:YES)");
     }
     for (const std::string& each :
          {std::string{"NSApplication setDelegate:ApplicationDelegate"},
@@ -172,15 +193,7 @@ TEST_F(Messages, FillTheMenu) {
 }
 
 TEST_F(Messages, RunTheReminder) {
-    const Class kind = [NSAlert class];
-    recorder.watch<void, NSAlertStyle>(kind, "setAlertStyle:");
-    recorder.watch<void, NSImage*>(kind, "setIcon:");
-    recorder.watch<void, NSString*>(kind, "setMessageText:");
-    recorder.watch<void, NSString*>(kind, "setInformativeText:");
-    recorder.watch<NSButton*, NSString*>(kind, "addButtonWithTitle:");
-    recorder.watch<void, BOOL>(kind, "setShowsSuppressionButton:");
-    recorder.watch<NSButton*>(kind, "suppressionButton");
-    recorder.watch<NSInteger>(kind, "runModal", true);
+    watchAlerts();
     recorder.watch<void, NSInteger>([NSButton class], "setState:");
     recorder.watch<void, NSString*>([NSButton class], "setTitle:");
     recorder.watch<BOOL, NSApplicationActivationOptions>([NSRunningApplication class], "activateWithOptions:");
@@ -277,27 +290,50 @@ TEST_F(Messages, ScheduleTheTimers) {
 }
 
 TEST_F(Messages, ReadAndWriteTheSettings) {
-    const Class kind = [NSUserDefaults class];
-    recorder.watch<void, id, NSString*>(kind, "setObject:forKey:");
-    recorder.watch<BOOL, NSString*>(kind, "boolForKey:");
-    recorder.watch<NSInteger, NSString*>(kind, "integerForKey:");
-    recorder.watch<NSString*, NSString*>(kind, "stringForKey:");
-    run({"-TimerInterval", "600"},
-        {{launched, [] { pick("Settings"); }}, {window, [] { press(buttonTitled("OK")); }}});
+    watchSettings();
+    run({"-TimerInterval", "600"}, {{launched, [] {}}});
     const Lines& lines = recorder.lines();
-    const auto has = [&](const std::string& line) {
-        return std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& each) { return each.substr(each.find(' ') + 1) == line; });
-    };
     for (const char* each :
-         {"stringForKey:\"Version\"", "setObject:\"1.0.0\" forKey:\"Version\"",
-          "setObject:boolean 1 forKey:\"PopupAlerts\"", "setObject:boolean 1 forKey:\"AutoRestart\"",
-          "setObject:boolean 1 forKey:\"ResartOnWake\"", "setObject:boolean 1 forKey:\"ShowCountdown\"",
-          "boolForKey:\"Mute\"", "boolForKey:\"PopupAlerts\"", "integerForKey:\"TimerInterval\"",
-          "stringForKey:\"AlertSound\"", "setObject:\"System\" forKey:\"AlertSound\"",
-          "setObject:double 600 forKey:\"TimerInterval\""}) {
-        EXPECT_TRUE(has(each)) << each;
+         {R"(NSUserDefaults stringForKey:"Version")", R"(NSUserDefaults setObject:"1.0.0" forKey:"Version")",
+          R"(NSUserDefaults setObject:boolean 1 forKey:"PopupAlerts")",
+          R"(NSUserDefaults setObject:boolean 1 forKey:"AutoRestart")",
+          R"(NSUserDefaults setObject:boolean 1 forKey:"ResartOnWake")",
+          R"(NSUserDefaults setObject:boolean 1 forKey:"ShowCountdown")", R"(NSUserDefaults boolForKey:"Mute")",
+          R"(NSUserDefaults boolForKey:"PopupAlerts")", R"(NSUserDefaults integerForKey:"TimerInterval")",
+          R"(NSUserDefaults stringForKey:"AlertSound")"}) {
+        EXPECT_NE(std::find(lines.begin(), lines.end(), each), lines.end()) << each;
     }
+}
+
+TEST_F(Messages, SaveTheFormInOrder) {
+    watchSettings();
+    store(@"Version", @"1");
+    run({"-TimerInterval", "600"}, {{launched, [] { pick("Settings"); }}, {window, [this] {
+                                                                               recorder.clear();
+                                                                               press(buttonTitled("OK"));
+                                                                           }}});
+    EXPECT_EQ(linesAbout({"setObject:"}), (Lines{
+                                              R"(NSUserDefaults setObject:"System" forKey:"AlertSound")",
+                                              R"(NSUserDefaults setObject:boolean 0 forKey:"ResartOnWake")",
+                                              R"(NSUserDefaults setObject:boolean 0 forKey:"AutoRestart")",
+                                              R"(NSUserDefaults setObject:double 600 forKey:"TimerInterval")",
+                                          }));
+}
+
+TEST_F(Messages, RefuseAnInterval) {
+    watchAlerts();
+    store(@"Version", @"1");
+    run({"-TimerInterval", "30"}, {{launched, [] { pick("Settings"); }}, // no whole minute
+                                   {window, [] { press(buttonTitled("OK")); }},
+                                   {alert, [] { press(alertButton(0)); }},
+                                   {window, [] { closeFrontWindow(); }}});
+    EXPECT_EQ(first(5, recorder.messagesTo({"NSAlert"})), (Lines{
+                                                              "NSAlert setAlertStyle:0",
+                                                              "NSAlert setIcon:nil",
+                                                              "NSAlert setMessageText:\"Oops\"",
+                                                              "NSAlert setInformativeText:\"Invalid interval\"",
+                                                              "NSAlert runModal",
+                                                          }));
 }
 
 TEST_F(Messages, PlayTheSoundThatWasChosen) {
@@ -321,10 +357,10 @@ TEST_F(Messages, DeclareTheDelegates) {
         Lines names;
         unsigned count = 0;
         Protocol* __unsafe_unretained* const list = class_copyProtocolList(NSClassFromString(className), &count);
+        const std::unique_ptr<void, decltype(&std::free)> owner{list, &std::free};
         for (unsigned index = 0; index < count; ++index) {
             names.emplace_back(protocol_getName(list[index]));
         }
-        std::free(list);
         std::sort(names.begin(), names.end());
         return names;
     };

@@ -58,7 +58,7 @@ id notedInitSound(id self, SEL selector, NSURL* url, BOOL byReference) {
     if (sound) {
         soundFiles[sound] = cocoa::fromCocoa([[url path] lastPathComponent]);
         Method const play = class_getInstanceMethod(object_getClass(sound), @selector(play));
-        if (playMethods.count(play) == 0) {
+        if (!playMethods.contains(play)) {
             playMethods[play] = method_setImplementation(play, reinterpret_cast<IMP>(notedPlay));
         }
     }

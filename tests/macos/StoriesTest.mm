@@ -55,7 +55,7 @@ protected:
         const auto pixels = [](NSImage* image) {
             for (NSImageRep* each in [image representations]) {
                 if ([each isKindOfClass:[NSBitmapImageRep class]]) {
-                    NSBitmapImageRep* const bitmap = static_cast<NSBitmapImageRep*>(each);
+                    auto* const bitmap = static_cast<NSBitmapImageRep*>(each);
                     return std::string{reinterpret_cast<const char*>([bitmap bitmapData]),
                                        static_cast<std::size_t>([bitmap bytesPerPlane])};
                 }

@@ -82,7 +82,7 @@ std::map<NSWindow*, std::array<NSButton*, 3>> standardButtons;
 @implementation NSWindow (ShimMethods)
 
 - (NSButton*)standardWindowButton:(NSWindowButton)button {
-    const std::size_t index = static_cast<std::size_t>(button);
+    const auto index = static_cast<std::size_t>(button);
     if (!([self styleMask] & NSTitledWindowMask) || index > NSWindowZoomButton) {
         return nil;
     }
