@@ -2,7 +2,6 @@
 """Windows that the user asked for come to the front on Wayland, where a program has to show the compositor the token
 that the user's click was given."""
 
-import os
 import re
 import unittest
 
@@ -15,7 +14,6 @@ from timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
 from waiting import wait_until
 
 APPLICATION = "org.freedesktop.Application"
-WITHOUT_LAYERS = os.path.abspath(os.environ["WITHOUT_LAYERS"])
 
 
 class Activation(unittest.TestCase):
@@ -23,7 +21,7 @@ class Activation(unittest.TestCase):
         self.desktop = self.enterContext(Desktop(panel=False))
         self.compositor = self.enterContext(Sway(self.desktop))
         self.notifications = NotificationArea(self.desktop)
-        self.timer = Timer(self.desktop, settings=AFTER_FIRST_RUN, LD_PRELOAD=WITHOUT_LAYERS, WAYLAND_DEBUG="1",
+        self.timer = Timer(self.desktop, settings=AFTER_FIRST_RUN, WAYLAND_DEBUG="1",
                            XDG_ACTIVATION_TOKEN="used-at-start", **self.compositor.environment)
         self.item = self.timer.item_without_panel()
 
