@@ -6,11 +6,13 @@
 #include "tests/linux/PrivateBuses.hpp"
 #include "tests/sound/TemporaryFolder.hpp"
 #include "tests/window/BareDesktop.hpp"
+#include "tests/window/ShortSeconds.hpp"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -216,6 +218,18 @@ TEST_F(StatusWindowTest, CanAppearAgainAfterItsProgramDied) {
     order("end");
     ASSERT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
     EXPECT_THAT(errors, ElementsAre("the window program ended before its window was closed"));
+    runLoopUntil([] { return !g_main_context_pending(nullptr); });
+    window->appear();
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, CanAppearAgainAfterItsProgramShowedNothing) {
+    {
+        const ShortSeconds seconds{std::chrono::milliseconds{10}};
+        window->appear();
+        ASSERT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
+    }
+    EXPECT_THAT(errors, ElementsAre("the window program has shown no window for half a minute"));
     runLoopUntil([] { return !g_main_context_pending(nullptr); });
     window->appear();
     EXPECT_TRUE(nextRequest().comesUnasked);
