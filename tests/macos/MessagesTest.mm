@@ -19,6 +19,7 @@ class Messages : public WholeProgram {
 protected:
     Recorder& recorder = Recorder::shared();
 
+    void SetUp() override { [NSApplication sharedApplication]; } // which much of AppKit cannot be used without
     void begin() override { recorder.start(); }
 
     /// The lines that speak of any of `subjects`, in order.
@@ -69,14 +70,15 @@ protected:
     }
 };
 
-TEST_F(Messages, LaunchInOrder) {
+TEST_F(Messages, LaunchInOrderAndTakeLeave) {
     recorder.watch<NSURL*, NSString*, NSString*>([NSBundle class], "URLForResource:withExtension:");
     recorder.watch<id, NSURL*>(object_getClass([NSData class]), "dataWithContentsOfURL:");
     recorder.watch<id, NSURL*, BOOL>([NSSound class], "initWithContentsOfURL:byReference:");
     recorder.watch<void, id>([NSApplication class], "setDelegate:");
     recorder.watch<NSStatusItem*, CGFloat>([NSStatusBar class], "statusItemWithLength:");
-    recorder.watch<void, id, SEL, NSString*, id>(
-        object_getClass([[NSWorkspace sharedWorkspace] notificationCenter]), "addObserver:selector:name:object:");
+    const Class center = object_getClass([[NSWorkspace sharedWorkspace] notificationCenter]);
+    recorder.watch<void, id, SEL, NSString*, id>(center, "addObserver:selector:name:object:");
+    recorder.watch<void, id>(center, "removeObserver:");
     watchTimers();
     run({"-TimerInterval", "600"}, {{launched, [] {}}});
 
@@ -97,12 +99,12 @@ TEST_F(Messages, LaunchInOrder) {
     EXPECT_EQ(first(expected.size(), linesAbout({"BuildInfo", ".m4a", "\"m4a\"", "NSStatusBar", "TimerTarget",
                                                  "ApplicationDelegate"})),
               expected);
+    EXPECT_EQ(recorder.lines().back(), "NSNotificationCenter removeObserver:ApplicationDelegate");
 }
 
 TEST_F(Messages, SetTheStatusItemUp) {
     recorder.watch<NSStatusItem*, CGFloat>([NSStatusBar class], "statusItemWithLength:");
     // the classes of what the bar gives, which may be secret ones
-    [NSApplication sharedApplication];
     NSStatusItem* const plain = [[NSStatusBar systemStatusBar] statusItemWithLength:50];
     const Class item = object_getClass(plain);
     const Class button = object_getClass([plain button]);
@@ -132,20 +134,23 @@ TEST_F(Messages, SetTheStatusItemUp) {
 }
 
 TEST_F(Messages, ColourTheTitle) {
-    run({"-TimerInterval", "1"},
-        {{launched,
-          [] {
-              NSDictionary* const attributes = [[statusButton() attributedTitle] attributesAtIndex:0
-                                                                                    effectiveRange:nullptr];
-              EXPECT_TRUE([[attributes objectForKey:NSFontAttributeName]
-                  isEqual:[NSFont monospacedSystemFontOfSize:12 weight:NSFontWeightRegular]]);
-          }},
-         {alert, [] {
-              NSDictionary* const attributes = [[statusButton() attributedTitle] attributesAtIndex:0
-                                                                                    effectiveRange:nullptr];
-              EXPECT_TRUE([[attributes objectForKey:NSForegroundColorAttributeName] isEqual:[NSColor redColor]]);
-              press(alertButton(0));
-          }}});
+    NSFont* const font = [NSFont monospacedSystemFontOfSize:12 weight:NSFontWeightRegular];
+    NSColor* const red = [NSColor redColor];
+    recorder.watch<NSFont*, CGFloat, NSFontWeight>(object_getClass([NSFont class]),
+                                                   "monospacedSystemFontOfSize:weight:");
+    recorder.watch<NSColor*>(object_getClass([NSColor class]), "redColor");
+    const auto attribute = [](NSString* name) {
+        return [[statusButton() attributedTitle] attribute:name atIndex:0 effectiveRange:nullptr];
+    };
+    run({"-TimerInterval", "1"}, {{launched, [&] { EXPECT_TRUE([attribute(NSFontAttributeName) isEqual:font]); }},
+                                  {alert, [&] {
+                                       EXPECT_TRUE([attribute(NSForegroundColorAttributeName) isEqual:red]);
+                                       press(alertButton(0));
+                                   }}});
+    EXPECT_FALSE(linesAbout({"NSColor redColor"}).empty());
+    const Lines fonts = linesAbout({"monospaced"});
+    EXPECT_FALSE(fonts.empty());
+    EXPECT_EQ(fonts, Lines(fonts.size(), "NSFont monospacedSystemFontOfSize:12 weight:0"));
 }
 
 TEST_F(Messages, FillTheMenu) {

@@ -34,7 +34,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSAlert (Shims)
 @property BOOL showsSuppressionButton;
-@property (nullable, readonly) NSButton* suppressionButton;
+@property (nullable, readonly, strong) NSButton* suppressionButton;
 @end
 
 @interface NSColor (Shims)
