@@ -111,6 +111,19 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
             with self.subTest(window):
                 self.expect_in_the_middle(window, "Escape")
 
+    def test_windows_are_as_dark_as_the_user_likes_them(self):
+        settings = self.desktop.config / "glib-2.0/settings/keyfile"
+        settings.parent.mkdir(parents=True)
+        settings.write_text("[org/gnome/desktop/interface]\ncolor-scheme='prefer-dark'\n")
+        for backend, is_dark in {"memory": False, "keyfile": True}.items():
+            with self.subTest(backend):
+                self.show("about", GSETTINGS_BACKEND=backend)
+                _, _, _, height = self.window.extents
+                colour = self.await_rest().pixel(self.width // 2, (self.height - height) // 2 + SHADOW + 10)
+                self.assertEqual(max(colour[:3]) < 128, is_dark, colour)
+                self.press_keys("Escape")
+                self.expect_lines("window closes")
+
     def test_settings_share_the_keyboard_as_any_window_does(self):
         self.start_other("maximize")
         self.show("settings")

@@ -35,9 +35,9 @@ class ShownWindows(unittest.TestCase):
 
     environment = {}  # of the programs on the desktop, beside the desktop's own
 
-    def start(self, *command):
+    def start(self, *command, **environment):
         """Starts a program that ends with the test."""
-        program = self.desktop.start(*command, **self.environment)
+        program = self.desktop.start(*command, **self.environment, **environment)
         self.addCleanup(self.end, program)
         return program
 
@@ -47,9 +47,9 @@ class ShownWindows(unittest.TestCase):
         wait_until(lambda: any(each.name == "Other" and each.has("active") for each in self.desktop.windows()),
                    "the other window to have the keyboard")
 
-    def show(self, *windows):
+    def show(self, *windows, **environment):
         """Lets the windows be shown one after the other, and waits for the first to have the keyboard."""
-        self.shower = self.start(*SHOW, *windows)
+        self.shower = self.start(*SHOW, *windows, **environment)
         self.window_is_up()
 
     def end(self, program):

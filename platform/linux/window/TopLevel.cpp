@@ -27,10 +27,20 @@ constexpr const char* appearance = R"(
     window .panel { margin: 24px 14px 14px 14px; }
 )";
 
-/// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself.
+bool isOnX11() {
+#ifdef GDK_WINDOWING_X11
+    return GDK_IS_X11_DISPLAY(gdk_display_get_default());
+#else
+    return false;
+#endif
+}
+
+/// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself: GNOME's,
+/// which is that of all desktops on Wayland, where GTK takes its other settings from the same place.
 bool prefersDark() {
     const gchar* desktop = g_getenv("XDG_CURRENT_DESKTOP");
-    if (!desktop || std::string_view{desktop}.find("GNOME") == std::string_view::npos) {
+    const bool isGnome = desktop && std::string_view{desktop}.find("GNOME") != std::string_view::npos;
+    if (!isGnome && isOnX11()) {
         return false;
     }
     constexpr const char* schemaId = "org.gnome.desktop.interface";
