@@ -1,5 +1,8 @@
 #include "platform/linux/WakeWatcher.hpp"
 
+#include <glib-unix.h>
+
+#include <string_view>
 #include <utility>
 
 namespace platform::freedesktop {
@@ -12,32 +15,51 @@ WakeWatcher::WakeWatcher(std::function<void()> didWake, std::chrono::seconds pat
 
 WakeWatcher::~WakeWatcher() {
     letGo();
-    if (_retry != 0) {
-        g_source_remove(_retry);
+    for (const unsigned source : {_retry, _answer}) {
+        if (source != 0) {
+            g_source_remove(source);
+        }
     }
 }
 
+/// Sends the bus a first word, and speaks with it in earnest as soon as it answers. GLib would wait for a silent
+/// bus, or start threads that take more memory than this is worth.
 void WakeWatcher::connect() {
     const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
-    if (!address) {
+    _door.reset(address ? g_dbus_address_get_stream_sync(address.get(), nullptr, nullptr, nullptr) : nullptr);
+    if (!_door) {
         connectLater();
         return;
     }
-    const auto connected = [](GObject*, GAsyncResult* result, gpointer self) {
-        ErrorSlot error;
-        GDBusConnection* const systemBus = g_dbus_connection_new_for_address_finish(result, &error);
-        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            return;
-        }
-        if (systemBus) {
-            static_cast<WakeWatcher*>(self)->listen(systemBus);
+    constexpr std::string_view firstWord{"\0AUTH\r\n", 7};
+    GSocket* const socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(_door.get()));
+    g_socket_set_blocking(socket, FALSE);
+    g_socket_send(socket, firstWord.data(), whatCanBeTalkedAbout.size(), nullptr, nullptr);
+    const auto answered = [](gint, GIOCondition condition, gpointer data) -> gboolean {
+        auto& self = *static_cast<WakeWatcher*>(data);
+        self._answer = 0;
+        self._door.reset();
+        if ((condition & G_IO_IN) != 0) {
+            self.enter();
         } else {
-            static_cast<WakeWatcher*>(self)->connectLater();
+            self.connectLater();
         }
+        return G_SOURCE_REMOVE;
     };
+    _answer = g_unix_fd_add(g_socket_get_fd(socket), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR),
+                            answered, this);
+}
+
+void WakeWatcher::enter() {
+    const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
     constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    g_dbus_connection_new_for_address(address.get(), flags, nullptr, _cancelled.get(), connected, this);
+    if (GDBusConnection* const systemBus =
+            g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, nullptr)) {
+        listen(systemBus);
+    } else {
+        connectLater();
+    }
 }
 
 void WakeWatcher::listen(GDBusConnection* systemBus) {

@@ -21,13 +21,15 @@ public:
 
 private:
     void connect();
+    void enter();
     void listen(GDBusConnection* systemBus);
     void connectLater();
     void letGo();
 
     std::function<void()> _didWake;
     const std::chrono::seconds _patience;
-    const CancelledAtEnd _cancelled;
+    ObjectHandle<GIOStream> _door;
+    unsigned _answer = 0;
     ObjectHandle<GDBusConnection> _systemBus;
     unsigned _subscription = 0;
     unsigned long _closedHandler = 0;
