@@ -179,7 +179,10 @@ void TopLevel::ignoreKeysFromNow() {
 
 gboolean TopLevel::keyPressed(const GdkEventKey& event) {
     if (_ignoresEarlyKeys && g_get_monotonic_time() < _listensFrom) {
-        ignoreKeysFromNow(); // the user has not looked up yet
+        const bool goesOnTyping = gdk_keyval_to_unicode(event.keyval) >= ' ';
+        if (goesOnTyping) {
+            ignoreKeysFromNow();
+        }
         return GDK_EVENT_STOP;
     }
     if (event.keyval == GDK_KEY_Escape) {

@@ -32,8 +32,8 @@ public:
     /// Lets the window appear wherever the user works, above full-screen windows too where the desktop allows it.
     void appearEverywhere();
 
-    /// Lets the window take no key before half a second has passed without any: somebody who is typing as it
-    /// appears does not mean it.
+    /// Lets the window take no key for its first half second, nor for half a second after a letter that comes in
+    /// that time: somebody who is typing as it appears does not mean it.
     void ignoreEarlyKeys();
 
     /// Lets the window appear without taking the keyboard from the window that has it, where the desktop allows it.

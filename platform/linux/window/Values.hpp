@@ -1,0 +1,55 @@
+#pragma once
+
+// What reading and writing the protocol share: GVariant's text form, and the values of controls in it. Only the
+// protocol's own sources include this.
+
+#include "platform/Overloaded.hpp"
+#include "platform/linux/Handles.hpp"
+#include "platform/linux/window/Protocol.hpp"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace platform::freedesktop {
+
+/// `message`, a floating reference, as text; takes it over.
+inline std::string printed(GVariant* message) {
+    const VariantHandle whole = owned(message);
+    return TextHandle{g_variant_print(whole.get(), TRUE)}.get();
+}
+
+/// The message of that type in a text; null if there is none.
+inline VariantHandle parsed(std::string_view message, const char* type) {
+    return VariantHandle{
+        g_variant_parse(G_VARIANT_TYPE(type), message.data(), message.data() + message.size(), nullptr, nullptr)};
+}
+
+/// The part of a tuple, array or maybe at `index`.
+inline VariantHandle childOf(GVariant* variant, gsize index) {
+    return VariantHandle{g_variant_get_child_value(variant, index)};
+}
+
+/// What a variant of type "v" holds.
+inline VariantHandle unboxed(GVariant* boxed) { return VariantHandle{g_variant_get_variant(boxed)}; }
+
+/// A floating reference.
+inline GVariant* encodeValue(const ControlValue& value) {
+    return std::visit(Overloaded{[](bool isOn) { return g_variant_new_boolean(isOn); },
+                                 [](std::int64_t number) { return g_variant_new_int64(number); }},
+                      value);
+}
+
+/// Nothing if it is no control's value.
+inline std::optional<ControlValue> decodeValue(GVariant* value) {
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)) {
+        return g_variant_get_boolean(value) != FALSE;
+    }
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_INT64)) {
+        return std::int64_t{g_variant_get_int64(value)};
+    }
+    return std::nullopt;
+}
+
+} // namespace platform::freedesktop
