@@ -237,6 +237,7 @@ TEST_F(Messages, RunThePanel) {
     recorder.watch<void, BOOL>(kind, "setTitlebarAppearsTransparent:");
     recorder.watch<void, NSSize>(kind, "setContentSize:");
     recorder.watch<void>(kind, "center");
+    recorder.watch<BOOL, NSResponder*>(kind, "makeFirstResponder:");
     recorder.watch<void>(kind, "close", true);
     recorder.watch<void, BOOL>([NSView class], "setHidden:");
     recorder.watch<NSInteger, NSWindow*>([NSApplication class], "runModalForWindow:", true);
@@ -278,9 +279,11 @@ TEST_F(Messages, RunThePanel) {
                          "NSPanel setContentSize",
                          "NSPanel center",
                          "HostingView setHidden:NO",
+                         "NSPanel makeFirstResponder:NSTextField",
                          "NSApplication runModalForWindow:NSPanel",
                          "NSPanel close", // by the form
                          "NSApplication stopModal",
+                         "NSPanel makeFirstResponder:nil", // so that what was typed is not lost
                          "HostingView setHidden:YES",
                          "NSPanel setDelegate:nil", // and gone
                          "NSPanel close",
