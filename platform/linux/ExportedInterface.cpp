@@ -34,8 +34,8 @@ ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, con
     , _property{std::move(property)} {
     static const GDBusInterfaceVTable functions{
         [](GDBusConnection*, const char*, const char*, const char*, const char* name, GVariant* arguments,
-           GDBusMethodInvocation* call,
-           gpointer self) { static_cast<ExportedInterface*>(self)->_call(name, arguments, call); },
+           GDBusMethodInvocation* invocation,
+           gpointer self) { static_cast<ExportedInterface*>(self)->_call(name, arguments, invocation); },
         [](GDBusConnection*, const char*, const char*, const char*, const char* name, GError** error,
            gpointer self) -> GVariant* {
             VariantHandle value = static_cast<ExportedInterface*>(self)->_property(name);
