@@ -5,6 +5,8 @@ Each script is started as SCRIPT SHOWER WINDOW_PROGRAM RESOURCES [TEST...].
 """
 
 import signal
+import socket
+import subprocess
 import sys
 import time
 import unittest
@@ -14,6 +16,8 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "desktop"))
 
 from waiting import wait_until  # noqa: E402 (found through the line above)
 
+ALERT = "('alert', <(uint32 7, b'', 0, @ms nothing, 'Message', '', ['OK'], @m(sb) nothing)>)"
+PANEL = "('panel', <(uint32 7, 'Title', true, false, <(('text', <[('Text', @ms nothing)]>), @a(sv) [])>)>)"
 KEYLESS_SECONDS = 0.5
 SHOW = sys.argv[1:4]
 
@@ -112,6 +116,16 @@ class ShownWindows(unittest.TestCase):
 
 class OnEveryDesktop:
     """Tests of `ShownWindows`."""
+
+    def test_windows_are_told_of_when_they_are_on_the_screen(self):
+        for request in ALERT, PANEL:
+            ours, its = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+            program = subprocess.Popen(SHOW[1], env={**self.desktop.environment, **self.environment}, stdin=its)
+            its.close()
+            with self.subTest(request), program, ours:
+                ours.settimeout(10)
+                ours.send(request.encode())
+                self.assertEqual(ours.recv(1000), b"('shown', uint32 7, uint32 0, @mv nothing)")
 
     def test_popup_takes_no_key_of_somebody_who_is_typing(self):
         self.type_through("popup")
