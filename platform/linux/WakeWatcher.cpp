@@ -34,7 +34,7 @@ void WakeWatcher::connect() {
     constexpr std::string_view firstWord{"\0AUTH\r\n", 7};
     GSocket* const socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(_door.get()));
     g_socket_set_blocking(socket, FALSE);
-    g_socket_send(socket, firstWord.data(), whatCanBeTalkedAbout.size(), nullptr, nullptr);
+    g_socket_send(socket, firstWord.data(), firstWord.size(), nullptr, nullptr);
     const auto answered = [](gint, GIOCondition condition, gpointer data) -> gboolean {
         auto& self = *static_cast<WakeWatcher*>(data);
         self._answer = 0;
