@@ -21,7 +21,7 @@ NSButton* suppressionButtonOfNextWindow = nil;
 IMP runAlert;
 IMP runWindow;
 
-NSInteger runAlertWithSuppressionButton(NSAlert* self, SEL selector) {
+NSInteger runAlertWithSuppressionButton(id self, SEL selector) {
     suppressionButtonOfNextWindow = [self suppressionButton];
     return reinterpret_cast<NSInteger (*)(id, SEL)>(runAlert)(self, selector);
 }
