@@ -79,8 +79,8 @@ IMP replace(Class kind, SEL selector, IMP implementation) {
 
 } // namespace
 
-/// Takes the place of AppKit's function of that name, since linkers prefer a program's own functions to a library's.
-/// AppKit's ends the process, GNUstep's takes the display down: no second program could run here.
+/// Takes the place of AppKit's function of that name, since linkers prefer a program's own functions to a
+/// library's. AppKit's ends the process, GNUstep's takes the display down: no second program could run here.
 extern "C" int NSApplicationMain(int, const char**) {
     if (std::exchange(isFirstProgram, false)) {
         [NSApp run];
