@@ -105,10 +105,12 @@ class Hands:
         wait_until_gone("the menu", menu)
 
     def dialog(self, name):
-        """Waits for the alert or panel to come up, and takes its picture."""
-        found = wait_for_window(name, is_dialog)
+        """Waits for the alert or panel to come up and to take input, and takes its picture."""
+        number, place = wait_for_window(name, is_dialog)
+        wait_for(f"{name} to have the keyboard",
+                 lambda: run("xdotool", "getwindowfocus", check=False).decode().strip() == number)
         self.picture(name)
-        return found
+        return number, place
 
     def click(self, x, y):
         run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
