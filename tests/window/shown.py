@@ -104,11 +104,12 @@ class ShownWindows(unittest.TestCase):
             self.shower = self.start(*SHOW, window)
             last = begin = time.monotonic()
             longest_pause = 0
-            while last - begin < 2 or not self.windows():
+            while last - begin < 2:
                 self.press_keys("space", "Return")
                 now = time.monotonic()
                 longest_pause, last = max(longest_pause, now - last), now
-            if longest_pause < KEYLESS_SECONDS - 0.1:
+            was_quick = longest_pause < KEYLESS_SECONDS - 0.1
+            if was_quick and (self.windows() or self.lines()):
                 return
             self.end(self.shower)
         self.fail("the machine was never quick enough for this test")
