@@ -127,7 +127,8 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
         return text(_content.words.c_str());
     }
     if (name == "ToolTip") {
-        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, title, _content.words.c_str()));
+        // The words first: some panels show the first of the two lines only.
+        return owned(g_variant_new("(sa(iiay)ss)", "", nullptr, _content.words.c_str(), title));
     }
     if (name == "ItemIsMenu") {
         return owned(g_variant_new_boolean(TRUE));

@@ -33,6 +33,10 @@ class Accessible:
         return self._bus.get(self._name, self._path, ACCESSIBLE, "Name")
 
     @property
+    def description(self):
+        return self._bus.get(self._name, self._path, ACCESSIBLE, "Description")
+
+    @property
     def role(self):
         return self._call(ACCESSIBLE, "GetRoleName")[0]
 

@@ -186,7 +186,7 @@ class Words(unittest.TestCase):
 
             def say(words):
                 timer.await_description(words)
-                self.assertEqual(item.properties["ToolTip"][2:], ("Marvelode Timer", words))
+                self.assertEqual(item.properties["ToolTip"][2:], (words, "Marvelode Timer"))
             say("Break in more than 1 hour")
             for interval, words in (("3540.0", "Break in 59 minutes"), ("50.0", "Break in 1 minute")):
                 timer.store(QUIET | {"TimerInterval": interval})
@@ -197,6 +197,20 @@ class Words(unittest.TestCase):
             say("Break due for 1 second")
             say("Break due for 2 seconds")
             timer.quit(self)
+
+    def test_they_reach_screen_readers_through_a_panel(self):
+        with Desktop(panel=False) as desktop:
+            host = Lxqt(desktop)
+            host.environment = {**host.environment, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+            with host:
+                timer = Timer(desktop, settings=QUIET | {"TimerInterval": "62.0"})
+
+                def is_said(words):
+                    return any(each.description == words for window in desktop.windows() for each in window.walk()
+                               if each.role == "push button")
+                for words in "Break in 2 minutes", "Break in 1 minute":
+                    wait_until(lambda: is_said(words), f"“{words}”")
+                timer.quit(self)
 
     def test_they_are_true_also_while_the_countdown_is_off(self):
         with Desktop() as desktop:

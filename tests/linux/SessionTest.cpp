@@ -264,7 +264,7 @@ TEST_F(Item, GoesOnSayingWhatIsTrueBesideATextThatStays) {
     item.show(content);
     item.show(content);
     EXPECT_EQ(signals.take(), std::vector<std::string>{"NewToolTip()"});
-    EXPECT_EQ(printed(property("ToolTip")), "('', [], 'Marvelode Timer', 'Break in 8 minutes')");
+    EXPECT_EQ(printed(property("ToolTip")), "('', [], 'Break in 8 minutes', 'Marvelode Timer')");
     EXPECT_EQ(printed(property("IconAccessibleDesc")), "'Break in 8 minutes'");
 }
 
