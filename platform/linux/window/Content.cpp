@@ -3,6 +3,7 @@
 #include "platform/Overloaded.hpp"
 #include "platform/linux/window/Pictures.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace platform::freedesktop {
