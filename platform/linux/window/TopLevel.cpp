@@ -216,11 +216,13 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
         gtk_widget_grab_focus(defaultButton);
     }
     gtk_widget_realize(GTK_WIDGET(_window));
+    bool isPlacedByUs = false;
     const bool takesKeyboard = gtk_window_get_focus_on_map(_window) != FALSE;
     guint32 now = GDK_CURRENT_TIME;
 #ifdef GDK_WINDOWING_X11
     GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(_window));
-    if (GDK_IS_X11_WINDOW(surface)) { // elsewhere windows do not place themselves
+    if (GDK_IS_X11_WINDOW(surface)) {
+        isPlacedByUs = true;
         centre();
         if (takesKeyboard) { // window managers give it to what happened last
             now = gdk_x11_get_server_time(surface);
@@ -228,6 +230,9 @@ void TopLevel::present(GtkWidget* content, GtkWidget* defaultButton) {
         }
     }
 #endif
+    if (!isPlacedByUs) {
+        gtk_window_set_modal(_window, TRUE); // GNOME puts others into a corner
+    }
     if (takesKeyboard) {
         gtk_window_present_with_time(_window, now);
     } else {
