@@ -52,12 +52,14 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
     : _resources{resources}
     , _content{std::move(content)}
     , _interface{bus, "/StatusNotifierItem", description,
-                 [activated = std::move(activated), activationTokenCame = std::move(activationTokenCame)](
+                 [this, activated = std::move(activated), activationTokenCame = std::move(activationTokenCame)](
                      std::string_view method, GVariant* arguments) {
                      if (method == "ProvideXdgActivationToken") {
                          const char* token = nullptr;
                          g_variant_get(arguments, "(&s)", &token);
                          activationTokenCame(token);
+                     } else if (method == "Activate" && _host->opensMenuIfRefused) {
+                         return VariantHandle{};
                      } else {
                          activated();
                      }

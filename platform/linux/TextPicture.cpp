@@ -141,4 +141,12 @@ Picture drawTextBesideIcon(const Picture& icon, std::string_view text, const std
     return picture;
 }
 
+Picture inColour(Picture icon, const NSColor& colour) {
+    constexpr double share = 0.8;
+    for (std::uint32_t& pixel : icon.pixels) {
+        mix(pixel, opaque(colour), share);
+    }
+    return icon;
+}
+
 } // namespace platform::freedesktop

@@ -23,6 +23,7 @@ constexpr std::array sizesOfMate{16, 24, 32, 48}; // fits the height of the pane
 constexpr std::array hosts{
     TrayHost{"ayatana-indicat", Style::LabelBesideNamedIcon, usualSizes, false},
     TrayHost{"gnome-shell", Style::LabelBesideIcon, usualSizes, false},
+    TrayHost{"kded", Style::TextInPicture, usualSizes, false, true}, // Plasma's
     TrayHost{"mate-panel", Style::TextBesideIcon, sizesOfMate, false},
     TrayHost{"notification-ar", Style::TextBesideIcon, sizesOfMate, false}, // MATE's
     TrayHost{"panel-", Style::TextInPicture, twice22, true},                // a plugin of Xfce's
@@ -60,10 +61,13 @@ bool TrayHost::needsNewPicture(const StatusContent& shown, const StatusContent& 
     if (shown.image != content.image) {
         return true;
     }
+    if (shown.colour != content.colour) {
+        return style != Style::LabelBesideNamedIcon;
+    }
     if (hasLabel()) {
         return false;
     }
-    return shown.text != content.text || shown.colour != content.colour ||
+    return shown.text != content.text ||
            (style == Style::TextInPicture && isBarOutdated(shown.shareLeft, content.shareLeft));
 }
 
@@ -82,7 +86,7 @@ void TrayHost::draw(const StatusContent& content, const Resources& resources,
         } else if (isTextDrawn) {
             take(drawTextPicture(size, content.text, content.colour, content.shareLeft));
         } else if (icon) {
-            take(*icon);
+            take(content.colour ? inColour(*icon, *content.colour) : *icon);
         }
     }
 }

@@ -19,14 +19,15 @@ struct TrayHost {
     enum class Style {
         TextInPicture,        ///< A square picture with the text above a bar of the time left.
         TextBesideIcon,       ///< A wide picture of the program's own picture and the text beside it.
-        LabelBesideIcon,      ///< The program's own picture, and a label beside it.
-        LabelBesideNamedIcon, ///< The same, with the picture named by its file.
+        LabelBesideIcon,      ///< The program's own picture, in the text's colour, and a label beside it.
+        LabelBesideNamedIcon, ///< The program's own picture, named by its file, and a label beside it.
     };
 
     std::string_view process; ///< How the name of its process begins; the kernel keeps 15 characters.
     Style style;
     std::span<const int> pictureSizes; ///< In pixels; what it is offered to choose from.
     bool readsAllAtOnce;               ///< It reads all properties anew whichever signal it gets.
+    bool opensMenuIfRefused = false;   ///< A click that the item refuses opens its menu instead.
 
     /// The host that runs as a process of that name; for unknown ones, what suits most.
     static const TrayHost& ofProcess(std::string_view name);

@@ -6,6 +6,7 @@
 #include "platform/linux/StatusContent.hpp"
 #include "platform/linux/StrokeFont.hpp"
 #include "platform/linux/TextPicture.hpp"
+#include "platform/linux/TrayHost.hpp"
 
 #include <gtest/gtest.h>
 
@@ -215,6 +216,36 @@ TEST(TextPicture, IsEquallyBoldWhateverTheDigits) {
 TEST(TextPicture, LeavesOutWhatItCannotDraw) {
     EXPECT_EQ(drawTextPicture(22, "9 m?", std::nullopt, 1).pixels,
               drawTextPicture(22, "9m", std::nullopt, 1).pixels);
+}
+
+TEST(TrayHost, ShowsInThePictureTheColourThatALabelCannotHave) {
+    const Resources resources{fs::path{RESOURCES}};
+    const TrayHost& gnome = TrayHost::ofProcess("gnome-shell");
+    StatusContent content{};
+    content.image = "MarvelodeGrey.png";
+    content.text = "+9";
+    StatusContent due = content;
+    due.colour = NSColor::red;
+    EXPECT_TRUE(gnome.needsNewPicture(content, due));
+    const auto reddish = [](std::uint32_t pixel) {
+        return part(pixel, 24) > 200 && part(pixel, 16) > 200 && part(pixel, 8) < 80 && part(pixel, 0) < 80;
+    };
+    std::size_t pictures = 0;
+    gnome.draw(due, resources, [&](const Picture& picture) {
+        ++pictures;
+        EXPECT_GT(std::count_if(picture.pixels.begin(), picture.pixels.end(), reddish),
+                  picture.width * picture.height / 5);
+    });
+    EXPECT_EQ(pictures, sizes.size());
+    gnome.draw(content, resources, [&](const Picture& picture) {
+        EXPECT_EQ(std::count_if(picture.pixels.begin(), picture.pixels.end(), reddish), 0);
+    });
+}
+
+TEST(TrayHost, OpensTheMenuOfARefusedClickOnPlasmaOnly) {
+    EXPECT_TRUE(TrayHost::ofProcess("kded5").opensMenuIfRefused);
+    EXPECT_TRUE(TrayHost::ofProcess("kded6").opensMenuIfRefused);
+    EXPECT_FALSE(TrayHost::ofProcess("lxqt-panel").opensMenuIfRefused);
 }
 
 TEST(Words, SayWhatTheTextMeans) {
