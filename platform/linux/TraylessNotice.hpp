@@ -1,7 +1,8 @@
 #pragma once
 
 // What the user is told on a desktop that has no place for status items: that the timer runs, and how to reach it.
-// It waits a moment first, since panels start late and restart, and takes its message back when one appears.
+// It waits a moment first, since panels start late and restart, and while the screen is locked, since GNOME has
+// none then; it takes its message back when one appears.
 
 #include "platform/linux/Handles.hpp"
 #include "platform/linux/Notification.hpp"
@@ -28,12 +29,18 @@ public:
     void trayChanged(bool isPresent);
 
 private:
+    void wait();
+    void tellUnlessLocked();
     void tell();
 
     std::function<void()> _appear;
     std::function<void()> _disappear;
+    GDBusConnection* _sessionBus;
     Notification _notification;
+    CancelledAtEnd _cancelled;
+    unsigned _lockSubscription;
     unsigned _patience = 0;
+    bool _isTrayMissing = false;
     bool _isTold = false;
 };
 

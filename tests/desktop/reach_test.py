@@ -62,6 +62,24 @@ class Other:
         return self.window.find("text").text
 
 
+class LockScreen:
+    """GNOME's, as programs see it."""
+
+    NAME, PATH, INTERFACE = "org.gnome.Shell.ScreenShield", "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver"
+
+    def __init__(self, desktop):
+        self._bus = desktop.bus
+        desktop.start("/usr/bin/python3", "-m", "dbusmock", "--session", self.NAME, self.PATH, self.INTERFACE)
+        wait_until(lambda: self._bus.has_owner(self.NAME), "the lock screen")
+
+    def set(self, is_locked):
+        self._mock("AddMethod", "(sssss)", self.INTERFACE, "GetActive", "", "b", f"ret = {is_locked}")
+        self._mock("EmitSignal", "(sssav)", self.INTERFACE, "ActiveChanged", "b", [GLib.Variant("b", is_locked)])
+
+    def _mock(self, method, signature, *arguments):
+        self._bus.call(self.NAME, self.PATH, "org.freedesktop.DBus.Mock", method, signature, *arguments)
+
+
 def middle(accessible):
     x, y, width, height = accessible.extents
     return x + width // 2, y + height // 2
@@ -113,6 +131,22 @@ class NoTray(unittest.TestCase):
             notifications.choose(message, "Quit")
             timer.expect_end(self)
             self.assertEqual(notifications.messages(), [])
+
+    def test_it_says_nothing_while_the_screen_is_locked(self):
+        with Desktop(panel=False) as desktop:
+            notifications = NotificationArea(desktop)
+            lock = LockScreen(desktop)
+            lock.set(True)
+            timer = Timer(desktop)
+            timer.await_state("Timing")
+            time.sleep(4)
+            self.assertEqual(notifications.messages(), [])
+            self.assertIsNone(desktop.window_of(timer.program))
+            lock.set(False)
+            notifications.await_message(seconds=6)
+            timer.window()
+            timer.command("Quit")
+            timer.expect_end(self)
 
     def test_the_small_window_takes_the_keyboard_from_nobody(self):
         with Desktop(panel=False) as desktop:
