@@ -208,6 +208,10 @@ GtkWidget* Content::build(const node::Text& text, Font font) {
     GtkWidget* label = gtk_label_new(nullptr);
     gtk_label_set_markup(GTK_LABEL(label), markupOf(text).c_str());
     setFont(label, font);
+    // GTK colours links when it lays a text out, and lays it out anew with new attributes only
+    connect(label, "state-flags-changed", [label](GtkStateFlags) {
+        gtk_label_set_attributes(GTK_LABEL(label), gtk_label_get_attributes(GTK_LABEL(label)));
+    });
     return label;
 }
 
