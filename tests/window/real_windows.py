@@ -204,20 +204,6 @@ class RealWindows(OnEveryDesktop, ShownWindows):
         self.press_keys("Escape")
         self.expect_lines("window closes", "window closes")
 
-    def test_about_colours_links_for_windows_with_and_without_the_keyboard(self):
-        style = self.desktop.config / "gtk-3.0/gtk.css"
-        style.write_text("*:link { color: #007800; } *:link:backdrop { color: #ff00ff; }")
-        self.addCleanup(style.unlink)
-        self.show("about")
-        area = self.window.extents
-
-        def pixels(colour):
-            return self.desktop.screenshot().crop(*area).count(lambda *pixel: pixel[:3] == colour)
-        with_keyboard, without = (0, 0x78, 0), (0xff, 0, 0xff)
-        wait_until(lambda: pixels(with_keyboard) and not pixels(without), "links in their colour")
-        self.start_other("maximize")
-        wait_until(lambda: pixels(without) and not pixels(with_keyboard), "links in the other colour")
-
     def test_about_opens_links_in_the_browser(self):
         visited = self.desktop.folder / "visited"
         applications = self.desktop.home / ".local/share/applications"
