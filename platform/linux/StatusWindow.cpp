@@ -86,7 +86,7 @@ std::vector<StatusWindow::Entry> StatusWindow::entries() const {
 
 void StatusWindow::send(bool isUnasked) {
     _shown = entries();
-    _process->send(PanelRequest{theWindow, title, true, isUnasked, view(), nullptr});
+    _process->send(PanelRequest{theWindow, title, true, false, isUnasked, view(), nullptr});
 }
 
 View StatusWindow::view() {

@@ -175,8 +175,8 @@ int WindowHelper::runAlert(NSAlert& alert) {
 
 void WindowHelper::runModal(NSPanel& panel, const View& content) {
     Session session{*this, true};
-    session.send(
-        PanelRequest{session.window, panel.title, panel.isMovableByWindowBackground, false, content, nullptr});
+    session.send(PanelRequest{session.window, panel.title, panel.isMovableByWindowBackground, true, false, content,
+                              nullptr});
     while (const auto event = session.nextEvent()) {
         if (event->kind == Event::Kind::Closed) {
             break;

@@ -338,6 +338,12 @@ class Desktop:
     def type(self, text):
         self._xdotool("type", "--delay", "20", text)
 
+    def switch_workspace(self, number):
+        """Shows that one of three workspaces; they are counted from 0."""
+        self._xdotool("set_num_desktops", "3")
+        self._xdotool("set_desktop", number)
+        wait_until(lambda: self._xdotool("get_desktop").stdout.strip() == number, f"workspace {number}")
+
     def active_window(self):
         """The number of the window that has the keyboard, and the pid of its process."""
         number = self._xdotool("getactivewindow", check=False).stdout.strip()

@@ -537,12 +537,10 @@ class Popup(unittest.TestCase):
 
     def test_it_is_on_every_workspace(self):
         with Desktop() as desktop:
-            desktop._xdotool("set_num_desktops", "3")
             timer = self.start(desktop)
             popup = timer.window()
             for workspace in "1", "2", "0":
-                desktop._xdotool("set_desktop", workspace)
-                wait_until(lambda: desktop._xdotool("get_desktop").stdout.strip() == workspace, "the workspace")
+                desktop.switch_workspace(workspace)
                 wait_until(lambda: is_seen(desktop, popup), f"the popup on workspace {workspace}")
             self.snooze_and_quit(timer, popup)
 

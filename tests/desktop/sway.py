@@ -62,6 +62,11 @@ class Sway:
         return (x, y, length(lambda at: screen.pixel(x + at, y), screen.width - x),
                 length(lambda at: screen.pixel(x, y + at), screen.height - y))
 
+    def switch_workspace(self, name):
+        """Shows that workspace instead of the present one."""
+        [socket] = (self._desktop.folder / "sway").glob("sway-ipc.*")
+        self._desktop.start("swaymsg", "--socket", str(socket), "workspace", name).status()
+
     def screenshot(self):
         """What is on its screen."""
         return self._desktop.screenshot().crop(*self.area)

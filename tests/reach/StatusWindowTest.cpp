@@ -85,7 +85,7 @@ protected:
         std::optional<Request> request = decodeRequest(message, [](const Event&) {});
         EXPECT_TRUE(request && std::holds_alternative<PanelRequest>(*request)) << message;
         return request ? std::get<PanelRequest>(*std::move(request))
-                       : PanelRequest{0, "", false, false, View{}, {}};
+                       : PanelRequest{0, "", false, false, false, View{}, {}};
     }
 
     void press(std::uint32_t control) { order(encode(Event{Event::Kind::Pressed, 1, control, {}})); }
@@ -142,6 +142,7 @@ TEST_F(StatusWindowTest, ShowsWordsAndMenu) {
     const PanelRequest request = nextRequest();
     EXPECT_EQ(request.title, "Marvelode Timer");
     EXPECT_TRUE(request.isMovableByBackground);
+    EXPECT_FALSE(request.isModal);
     EXPECT_FALSE(request.comesUnasked);
     EXPECT_THAT(textsOf(request), ElementsAre("Marvelode Timer", "Break in 9 minutes", "[About]", "[Restart timer]",
                                               "Mute", "(o )", "[Quit]", "[Nothing]", "[Hide this window]"));

@@ -22,7 +22,7 @@ PanelRequest received(const View& content, std::vector<Event>* told = nullptr) {
             told->push_back(event);
         }
     };
-    const auto request = decodeRequest(encode(PanelRequest{7, "Title", true, true, content, nullptr}), tell);
+    const auto request = decodeRequest(encode(PanelRequest{7, "Title", true, true, true, content, nullptr}), tell);
     const auto* panel = request ? std::get_if<PanelRequest>(&*request) : nullptr;
     if (!panel) {
         throw std::logic_error("the panel was refused");
@@ -47,6 +47,7 @@ TEST(PanelOnTheWire, KeepsItsProperties) {
     EXPECT_EQ(panel.window, 7U);
     EXPECT_EQ(panel.title, "Title");
     EXPECT_TRUE(panel.isMovableByBackground);
+    EXPECT_TRUE(panel.isModal);
     EXPECT_TRUE(panel.comesUnasked);
 }
 
@@ -278,16 +279,17 @@ TEST(MalformedEvent, IsRefused) {
 
 TEST(MalformedRequest, IsRefused) {
     EXPECT_TRUE(decodeRequest(
-        "('panel', <(uint32 1, 'Title', true, true, <(('toggle', <('', true)>), [('font', <1>)])>)>)", ignore))
+        "('panel', <(uint32 1, 'Title', true, true, true, <(('toggle', <('', true)>), [('font', <1>)])>)>)",
+        ignore))
         << "the malformed ones below differ from this in more than meant";
     for (const char* content :
          {"garbage", "('dance', <1>)", "('close', <'one'>)", "('values', <(uint32 1, [<'text'>])>)",
-          "('panel', <(uint32 1, 'Title', true, true, <'no view'>)>)",
-          "('panel', <(uint32 1, 'Title', true, true, <(('text', <1>), @a(sv) [])>)>)",
-          "('panel', <(uint32 1, 'Title', true, true, <(('stack', <(9, 0, @av [])>), @a(sv) [])>)>)",
-          "('panel', <(uint32 1, 'Title', true, true, <(('stack', <(0, 0, [<'no view'>])>), @a(sv) [])>)>)",
-          "('panel', <(uint32 1, 'Title', true, true, <(('toggle', <('', true)>), [('font', <7>)])>)>)",
-          "('panel', <(uint32 1, 'Title', true, true, <(('toggle', <('', true)>), [('hat', <7>)])>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <'no view'>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <(('text', <1>), @a(sv) [])>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <(('stack', <(9, 0, @av [])>), @a(sv) [])>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <(('stack', <(0, 0, [<'no view'>])>), @a(sv) [])>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <(('toggle', <('', true)>), [('font', <7>)])>)>)",
+          "('panel', <(uint32 1, 'Title', true, true, true, <(('toggle', <('', true)>), [('hat', <7>)])>)>)",
           "('alert', <(uint32 1, b'', 9, @ms nothing, '', '', @as [], @m(sb) nothing)>)"}) {
         EXPECT_FALSE(decodeRequest(content, ignore)) << content;
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""The windows on a Wayland compositor that has layers: reminders stand above everything, the others are windows like
-any other program's."""
+"""The windows on a Wayland compositor that has layers: those that the break cycle waits for stand above everything,
+the small window is a window like any other program's."""
 
 from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
 from desktop import Desktop
@@ -65,11 +65,13 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
         wait_until(lambda: not self.windows(), "the window to go")
         self.assertIsNone(before.difference(self.await_rest()))
 
-    # The popup
-
-    def test_popup_is_in_the_middle_above_a_full_screen_window(self):
+    def test_windows_that_the_cycle_waits_for_are_in_the_middle_above_a_full_screen_window(self):
         self.start_other("fullscreen")
-        self.expect_in_the_middle("popup", "Return")
+        for window, key in {"popup": "Return", "settings": "Escape", "about": "Escape"}.items():
+            with self.subTest(window):
+                self.expect_in_the_middle(window, key)
+
+    # The popup
 
     def test_popup_leaves_the_keyboard_for_half_a_second(self):
         self.start_other("fullscreen")
@@ -105,11 +107,9 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
 
     # The other windows
 
-    def test_other_windows_are_in_the_middle_above_a_window(self):
+    def test_small_window_is_in_the_middle_above_a_window(self):
         self.start_other("maximize")
-        for window in "settings", "about", "status":
-            with self.subTest(window):
-                self.expect_in_the_middle(window, "Escape")
+        self.expect_in_the_middle("status", "Escape")
 
     def test_windows_are_as_dark_as_the_user_likes_them(self):
         settings = self.desktop.config / "glib-2.0/settings/keyfile"
@@ -124,15 +124,30 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
                 self.press_keys("Escape")
                 self.expect_lines("window closes")
 
-    def test_settings_share_the_keyboard_as_any_window_does(self):
-        self.start_other("maximize")
+    def test_settings_are_seen_on_every_workspace(self):
+        self.start_other("fullscreen")
+        self.show("settings")
+        _, _, width, height = self.window.extents
+        inside = ((self.width - width) // 2 + 2 * SHADOW, (self.height - height) // 2 + 2 * SHADOW,
+                  width - 4 * SHADOW, height - 4 * SHADOW)
+        before = self.await_rest()
+        self.addCleanup(self.compositor.switch_workspace, "1")
+        self.compositor.switch_workspace("2")
+        self.rectangle(before)
+        self.assertIsNone(before.crop(*inside).difference(self.screen.crop(*inside)))
+        self.press_keys("Escape")
+        self.expect_lines("window closes")
+
+    def test_settings_give_the_keyboard_back_when_the_pointer_leaves_them(self):
+        self.start_other("fullscreen")
         self.show("settings")
         field = self.middle_of(self.find("text", "Interval in minutes"))
         self.click(*field)
         self.press_keys("ctrl+a")
         self.desktop.type("25")
-        self.click(5, self.height - 5)
+        self.point_at(5, self.height - 5)
         self.expect_lines("minutes = 25")
+        wait_until(lambda: not self.window.has("active"), "the keyboard to be elsewhere")
         self.desktop.type("other")
         self.expect_typed("other")
         self.click(*field)
@@ -154,7 +169,7 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
         self.find("label", "Oops")
         self.rectangle(before)
         self.click(*sleep)
-        self.press_keys("Return")
+        self.click(*self.middle_of(self.find("push button", "OK")))
         self.expect_lines("minutes = 0", "submitted", "save", "alert answered 1000")
         self.window_is_up()
         self.assertTrue(self.find("text", "Interval in minutes").has("focused"))

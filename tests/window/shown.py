@@ -17,7 +17,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "desktop"))
 from waiting import wait_until  # noqa: E402 (found through the line above)
 
 ALERT = "('alert', <(uint32 7, b'', 0, @ms nothing, 'Message', '', ['OK'], @m(sb) nothing)>)"
-PANEL = "('panel', <(uint32 7, 'Title', true, false, <(('text', <[('Text', @ms nothing)]>), @a(sv) [])>)>)"
+PANEL = "('panel', <(uint32 7, 'Title', true, false, false, <(('text', <[('Text', @ms nothing)]>), @a(sv) [])>)>)"
 KEYLESS_SECONDS = 0.5
 SHOW = sys.argv[1:4]
 

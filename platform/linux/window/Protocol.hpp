@@ -7,7 +7,8 @@
 // The resident program shows windows on top of each other, and only the topmost takes input:
 //
 //     ('alert', <(window, picture, style, icon, message, information, buttons, check box)>)
-//     ('panel', <(window, title, whether its background moves it, whether it comes unasked, content)>)
+//     ('panel', <(window, title, whether its background moves it, whether it is modal,
+//                whether it comes unasked, content)>)
 //                                            a panel that is shown already shows this content from now on
 //     ('values', <(window, [value, ...])>)   what the panel's controls are to show, after each change by the user
 //     ('close', <window>)                    the end of the stream closes all that are left
@@ -68,6 +69,7 @@ struct PanelRequest {
     std::uint32_t window;
     std::string title;
     bool isMovableByBackground;
+    bool isModal;      ///< Then the break cycle waits for it, so it must be seen wherever the user works.
     bool comesUnasked; ///< Then it leaves the keyboard to whoever is typing.
     View content;
 

@@ -245,17 +245,19 @@ std::optional<Request> decodePanel(GVariant* encoded, const std::function<void(c
     std::uint32_t window = 0;
     const gchar* title = nullptr;
     gboolean isMovable = FALSE;
+    gboolean isModal = FALSE;
     gboolean comesUnasked = FALSE;
-    if (!unpack(encoded, "(usbbv)", "(u&sbbv)", &window, &title, &isMovable, &comesUnasked, nullptr)) {
+    if (!unpack(encoded, "(usbbbv)", "(u&sbbbv)", &window, &title, &isMovable, &isModal, &comesUnasked, nullptr)) {
         return std::nullopt;
     }
     ViewDecoder decoder{window, tell};
-    auto content = decoder.decode(unboxed(childOf(encoded, 4).get()).get());
+    auto content = decoder.decode(unboxed(childOf(encoded, 5).get()).get());
     if (!content) {
         return std::nullopt;
     }
-    return PanelRequest{window,          title, isMovable != FALSE, comesUnasked != FALSE, *std::move(content),
-                        decoder.values()};
+    return PanelRequest{
+        window,          title, isMovable != FALSE, isModal != FALSE, comesUnasked != FALSE, *std::move(content),
+        decoder.values()};
 }
 
 std::optional<Request> decodeValues(GVariant* encoded) {

@@ -148,8 +148,8 @@ std::string encode(const Request& request) {
             },
             [](const PanelRequest& shown) {
                 return g_variant_new("(sv)", "panel",
-                                     g_variant_new("(usbbv)", shown.window, shown.title.c_str(),
-                                                   gboolean{shown.isMovableByBackground},
+                                     g_variant_new("(usbbbv)", shown.window, shown.title.c_str(),
+                                                   gboolean{shown.isMovableByBackground}, gboolean{shown.isModal},
                                                    gboolean{shown.comesUnasked}, encodeView(shown.content)));
             },
             [](const ValuesRequest& fresh) {

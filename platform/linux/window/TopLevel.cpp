@@ -82,6 +82,21 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     return controls;
 }
 
+/// Gives a window in a layer all keys or none; a click alone does not move the keyboard there.
+void setHasKeyboard(GtkWindow* window, bool hasKeyboard) {
+    gtk_layer_set_keyboard_mode(window, hasKeyboard ? GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE
+                                                    : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+}
+
+/// Puts a window in a layer above all others, with the keyboard, or below one that is there. That takes two layers:
+/// compositors disagree about which of two windows in one is the upper.
+void setIsInFront(GtkWindow* window, bool isInFront) {
+    if (gtk_layer_is_layer_window(window)) {
+        gtk_layer_set_layer(window, isInFront ? GTK_LAYER_SHELL_LAYER_OVERLAY : GTK_LAYER_SHELL_LAYER_TOP);
+        setHasKeyboard(window, isInFront);
+    }
+}
+
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
 
 } // namespace
@@ -132,7 +147,11 @@ TopLevel::~TopLevel() {
     if (_takesKeyboard != 0) {
         g_source_remove(_takesKeyboard);
     }
+    GtkWindow* below = gtk_window_get_transient_for(_window);
     gtk_widget_destroy(GTK_WIDGET(_window));
+    if (below) {
+        setIsInFront(below, true);
+    }
 }
 
 void TopLevel::moveByBackground() {
@@ -152,24 +171,49 @@ void TopLevel::moveByBackground() {
 
 void TopLevel::appearEverywhere() {
     gtk_window_stick(_window);
-    if (!gtk_layer_is_supported()) {
+    if (gtk_layer_is_supported()) {
+        gtk_layer_init_for_window(_window);
+        gtk_layer_set_namespace(_window, "marvelode-timer");
+        gtk_window_set_decorated(_window, TRUE); // with shadow and corners, as anywhere else
+        setIsInFront(_window, true);
+    }
+    if (GtkWindow* below = gtk_window_get_transient_for(_window)) {
+        setIsInFront(below, false);
+    }
+}
+
+void TopLevel::ignoreEarlyKeys() {
+    _ignoresEarlyKeys = true;
+    if (!gtk_layer_is_layer_window(_window)) {
         return;
     }
-    gtk_layer_init_for_window(_window);
-    gtk_layer_set_namespace(_window, "marvelode-timer");
-    gtk_layer_set_layer(_window, GTK_LAYER_SHELL_LAYER_OVERLAY);
-    gtk_window_set_decorated(_window, TRUE); // with shadow and corners, as anywhere else
+    setHasKeyboard(_window, false);
     const auto takeKeyboard = [](gpointer data) -> gboolean {
         auto* self = static_cast<TopLevel*>(data);
         self->_takesKeyboard = 0;
         self->ignoreKeysFromNow();
-        gtk_layer_set_keyboard_mode(self->_window, GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE);
+        setHasKeyboard(self->_window, true);
         return G_SOURCE_REMOVE;
     };
     _takesKeyboard = g_timeout_add(keylessMilliseconds, takeKeyboard, this);
 }
 
-void TopLevel::ignoreEarlyKeys() { _ignoresEarlyKeys = true; }
+void TopLevel::shareTheKeyboard() {
+    if (!gtk_layer_is_layer_window(_window)) {
+        return;
+    }
+    gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);
+    connect(_window, "leave-notify-event", [this](GdkEventCrossing* event) -> gboolean {
+        const bool isOverMenu = gtk_grab_get_current() != GTK_WIDGET(_window);
+        if (event->detail != GDK_NOTIFY_INFERIOR && !isOverMenu) {
+            setHasKeyboard(_window, false);
+        }
+        return GDK_EVENT_PROPAGATE;
+    });
+    _clicks.reset(gtk_gesture_multi_press_new(GTK_WIDGET(_window)));
+    gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(_clicks.get()), GTK_PHASE_CAPTURE);
+    connect(_clicks.get(), "pressed", [this](gint, gdouble, gdouble) { setHasKeyboard(_window, true); });
+}
 
 void TopLevel::leaveTheKeyboard() { gtk_window_set_focus_on_map(_window, FALSE); }
 

@@ -30,7 +30,13 @@ public:
     void moveByBackground();
 
     /// Lets the window appear wherever the user works, above full-screen windows too where the desktop allows it.
+    /// The one below, which is to appear so too, gives it the keyboard until it goes.
     void appearEverywhere();
+
+    /// Lets the user type elsewhere while the window, which appears everywhere, is up. Most desktops do so by
+    /// themselves, but not with a window in a layer: there the keyboard leaves it with the pointer and comes back
+    /// with a click.
+    void shareTheKeyboard();
 
     /// Lets the window take no key for its first half second, nor for half a second after a letter that comes in
     /// that time: somebody who is typing as it appears does not mean it.
@@ -50,9 +56,12 @@ private:
     gboolean keyPressed(const GdkEventKey& event);
     void centre();
 
+    using Gesture = std::unique_ptr<GtkGesture, decltype(&g_object_unref)>;
+
     GtkWindow* _window;
     GtkWidget* _content = nullptr; ///< Owned by the window.
     std::function<void()> _wantsToClose;
+    Gesture _clicks{nullptr, g_object_unref};
     bool _ignoresEarlyKeys = false;
     gint64 _listensFrom = 0;     ///< In microseconds of the monotonic clock.
     unsigned _takesKeyboard = 0; ///< A source while a window in a layer leaves the keyboard to others.

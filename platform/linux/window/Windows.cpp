@@ -92,8 +92,8 @@ public:
         AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(_topLevel.window()));
         atk_object_set_role(accessible, ATK_ROLE_ALERT);
         atk_object_set_description(accessible, alert.informativeText.c_str());
+        _topLevel.appearEverywhere();
         if (!below) { // nobody has asked for it
-            _topLevel.appearEverywhere();
             _topLevel.ignoreEarlyKeys();
         }
         _topLevel.moveByBackground();
@@ -157,6 +157,10 @@ public:
                         _filling->content.commitEdits(); // the form is closed unsaved, but keeps what it holds
                         tell({Event::Kind::Closed, number, 0, {}});
                     }} {
+        if (_filling->request.isModal) {
+            _topLevel.appearEverywhere();
+            _topLevel.shareTheKeyboard();
+        }
         if (_filling->request.isMovableByBackground) {
             _topLevel.moveByBackground();
         }
