@@ -146,6 +146,19 @@ class RealWindows(OnEveryDesktop, ShownWindows):
         self.find("push button", "OK").press()
         self.expect_lines(*expected, "minutes = 15", "save", "window closes")
 
+    def test_settings_and_their_alert_are_on_every_workspace(self):
+        self.show("settings")
+        self.find("text", "Interval in minutes").type("0")
+        self.press_keys("Return")
+        alert = self.window_is_up(2)
+        windows = [alert, *(each for each in self.windows() if each.role != "alert")]
+        edges = [(x + width // 2, y + 12) for x, y, width, _ in (each.extents for each in windows)]
+        self.addCleanup(self.desktop.switch_workspace, "0")
+        for workspace in "1", "0":
+            self.desktop.switch_workspace(workspace)
+            wait_until(lambda: all(self.desktop.screenshot().pixel(*edge)[:3] != (0, 0, 0) for edge in edges),
+                       f"the windows on workspace {workspace}")
+
     def test_settings_stay_open_below_the_alert(self):
         self.show("settings")
         settings = self.window
