@@ -204,7 +204,7 @@ void TopLevel::shareTheKeyboard() {
     }
     gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);
     connect(_window, "leave-notify-event", [this](GdkEventCrossing* event) -> gboolean {
-        const bool isOverMenu = gtk_grab_get_current() != GTK_WIDGET(_window);
+        const bool isOverMenu = gtk_grab_get_current() != GTK_WIDGET(_window); // which is modal
         if (event->detail != GDK_NOTIFY_INFERIOR && !isOverMenu) {
             setHasKeyboard(_window, false);
         }
