@@ -9,6 +9,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -42,8 +43,9 @@ void turnOffPools(char** arguments) {
     }
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    setenv(allocator, "always-malloc", 0);
-    execv(program.c_str(), arguments);
+    if (setenv(allocator, "always-malloc", 0) == 0) { // or else it would start anew for ever
+        execv(program.c_str(), arguments);
+    }
     unsetenv(allocator); // it works with the pools as well
 }
 
@@ -55,6 +57,13 @@ void keepMemorySmall() {
     mallopt(M_MMAP_THRESHOLD, large);
     mallopt(M_TRIM_THRESHOLD, large);
     mallopt(M_TOP_PAD, large);
+}
+
+/// Negative once the break is due. No clock that is set back makes a break that is due lie ahead once more.
+platform::TimeInterval secondsUntilBreak() {
+    using marvelode::App;
+    const platform::TimeInterval left = marvelode::app->countdown();
+    return marvelode::app->state == App::State::Reminding ? std::min(left, 0.0) : left;
 }
 
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
@@ -104,7 +113,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     SessionDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
-    desktop.tellTimeLeft([] { return marvelode::app->countdown(); });
+    desktop.tellTimeLeft(secondsUntilBreak);
     const Control control{sessionBus.get(), controlled(desktop)};
     if (!Control::claimName(sessionBus.get())) {
         if (!Control::showMenuOfOwner(sessionBus.get(), error)) {
