@@ -49,6 +49,7 @@ void EventLoop::run() {
     while (!_isOver) {
         iterate();
     }
+    _posted.clear(); // whoever waits for it is told at once that it will not be done
 }
 
 void EventLoop::iterate() { g_main_context_iteration(nullptr, TRUE); }

@@ -42,7 +42,7 @@ public:
     /// Has `settle` called soon and once, however often this is asked for; for events that are not this loop's.
     void settleSoon() { _isUnsettled = true; }
 
-    /// Runs `work` as an event of its own, unless the loop is gone by then.
+    /// Runs `work` as an event of its own; destroys it undone once `run()` returns, at the latest.
     void post(std::function<void()> work) { _posted.push_back(std::move(work)); }
 
 private:

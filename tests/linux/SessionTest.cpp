@@ -164,6 +164,18 @@ TEST_F(Menu, AnnouncesOnlyWhatHasChanged) {
     EXPECT_EQ(signals.take(), std::vector<std::string>{"LayoutUpdated(3, 0)"});
 }
 
+TEST(Loop, LetsGoOfWhatIsLeftUndoneAtItsEnd) {
+    EventLoop loop{[] { return RunLoopMode::Default; }, [] {}};
+    bool isDone = false;
+    auto waiting = std::make_shared<int>();
+    const std::weak_ptr<int> caller = waiting;
+    loop.post([&] { loop.quit(); });
+    loop.post([&isDone, waiting = std::move(waiting)] { isDone = true; });
+    loop.run();
+    EXPECT_TRUE(caller.expired()) << "it waits for an answer still";
+    EXPECT_FALSE(isDone);
+}
+
 /// A panel's watcher that notes who registers.
 class Watcher {
 public:
