@@ -1,11 +1,26 @@
 #include "platform/linux/WakeWatcher.hpp"
 
 #include <glib-unix.h>
+#include <unistd.h>
 
+#include <array>
+#include <string>
 #include <string_view>
 #include <utility>
 
 namespace platform::freedesktop {
+namespace {
+
+/// What a client says first: that it is the user whom the kernel tells the bus of.
+std::string introduction() {
+    std::string words{"\0AUTH EXTERNAL ", 15};
+    for (const char digit : std::to_string(geteuid())) {
+        (words += '3') += digit; // which is the digit's code in hexadecimal
+    }
+    return words + "\r\n";
+}
+
+} // namespace
 
 WakeWatcher::WakeWatcher(std::function<void()> didWake, std::chrono::seconds patience)
     : _didWake{std::move(didWake)}
@@ -22,8 +37,8 @@ WakeWatcher::~WakeWatcher() {
     }
 }
 
-/// Sends the bus a first word, and speaks with it in earnest as soon as it answers. GLib would wait for a silent
-/// bus, or start threads that take more memory than this is worth.
+/// Introduces itself to the bus, and speaks on as soon as that agrees. GLib would wait for a silent bus, or start
+/// threads that take more memory than this is worth.
 void WakeWatcher::connect() {
     const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
     _door.reset(address ? g_dbus_address_get_stream_sync(address.get(), nullptr, nullptr, nullptr) : nullptr);
@@ -31,19 +46,13 @@ void WakeWatcher::connect() {
         connectLater();
         return;
     }
-    constexpr std::string_view firstWord{"\0AUTH\r\n", 7};
+    const std::string words = introduction();
     GSocket* const socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(_door.get()));
     g_socket_set_blocking(socket, FALSE);
-    g_socket_send(socket, firstWord.data(), firstWord.size(), nullptr, nullptr);
-    const auto answered = [](gint, GIOCondition condition, gpointer data) -> gboolean {
-        auto& self = *static_cast<WakeWatcher*>(data);
-        self._answer = 0;
-        self._door.reset();
-        if ((condition & G_IO_IN) != 0) {
-            self.enter();
-        } else {
-            self.connectLater();
-        }
+    g_socket_send(socket, words.data(), words.size(), nullptr, nullptr);
+    const auto answered = [](gint, GIOCondition, gpointer self) -> gboolean {
+        static_cast<WakeWatcher*>(self)->_answer = 0;
+        static_cast<WakeWatcher*>(self)->enter();
         return G_SOURCE_REMOVE;
     };
     _answer = g_unix_fd_add(g_socket_get_fd(socket), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR),
@@ -51,11 +60,22 @@ void WakeWatcher::connect() {
 }
 
 void WakeWatcher::enter() {
-    const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
-    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    if (GDBusConnection* const systemBus =
-            g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, nullptr)) {
+    constexpr std::string_view agreement = "OK ";
+    constexpr std::string_view end = "\r\n";
+    constexpr std::string_view lastWord = "BEGIN\r\n";
+    const ObjectHandle<GIOStream> door = std::move(_door);
+    GSocket* const socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(door.get()));
+    std::array<char, 256> text{};
+    const gssize size = g_socket_receive(socket, text.data(), text.size(), nullptr, nullptr);
+    const std::string_view answer{text.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
+    GDBusConnection* systemBus = nullptr;
+    if (answer.starts_with(agreement) && answer.ends_with(end)) {
+        g_socket_send(socket, lastWord.data(), lastWord.size(), nullptr, nullptr);
+        g_socket_set_blocking(socket, TRUE);
+        systemBus = g_dbus_connection_new_sync(door.get(), nullptr, G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION,
+                                               nullptr, nullptr, nullptr);
+    }
+    if (systemBus) {
         listen(systemBus);
     } else {
         connectLater();

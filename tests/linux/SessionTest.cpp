@@ -11,6 +11,7 @@
 #include "tests/sound/TemporaryFolder.hpp"
 
 #include <gio/gunixsocketaddress.h>
+#include <glib-unix.h>
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -382,16 +383,55 @@ TEST_F(Waking, IsHeardOfAgainWhenTheSystemBusIsBack) {
     expectToHear();
 }
 
-TEST_F(Waking, IsNotWaitedForOnASystemBusThatNeverAnswers) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path / "silent";
-    const ObjectHandle<GSocketAddress> address{g_unix_socket_address_new(path.c_str())};
-    const ObjectHandle<GSocket> silent{
+/// A bus that says no more than a first answer, to each client.
+class BrokenBus {
+public:
+    explicit BrokenBus(std::string answer)
+        : _answer{std::move(answer)} {
+        const ObjectHandle<GSocketAddress> address{g_unix_socket_address_new(_path.c_str())};
+        EXPECT_TRUE(g_socket_bind(_socket.get(), address.get(), TRUE, nullptr));
+        EXPECT_TRUE(g_socket_listen(_socket.get(), nullptr));
+        const auto cameIn = [](gint, GIOCondition, gpointer data) -> gboolean {
+            auto& self = *static_cast<BrokenBus*>(data);
+            self._clients.emplace_back(g_socket_accept(self._socket.get(), nullptr, nullptr));
+            g_socket_send(self._clients.back().get(), self._answer.data(), self._answer.size(), nullptr, nullptr);
+            return G_SOURCE_CONTINUE;
+        };
+        _source = g_unix_fd_add(g_socket_get_fd(_socket.get()), G_IO_IN, cameIn, this);
+    }
+    ~BrokenBus() { g_source_remove(_source); }
+    BrokenBus(const BrokenBus&) = delete;
+    BrokenBus& operator=(const BrokenBus&) = delete;
+
+    std::string address() const { return "unix:path=" + _path; }
+
+private:
+    const std::string _answer;
+    const TemporaryFolder _folder;
+    const std::string _path = _folder.path / "bus";
+    ObjectHandle<GSocket> _socket{
         g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, nullptr)};
-    ASSERT_TRUE(g_socket_bind(silent.get(), address.get(), TRUE, nullptr));
-    ASSERT_TRUE(g_socket_listen(silent.get(), nullptr));
-    watchAt("unix:path=" + path);
-    g_socket_close(silent.get(), nullptr); // from here on it is as good as missing
+    std::vector<ObjectHandle<GSocket>> _clients;
+    unsigned _source;
+};
+
+TEST_F(Waking, IsNotWaitedForOnASystemBusThatNeverAnswers) {
+    {
+        const BrokenBus silent{""};
+        watchAt(silent.address());
+    } // from here on it is as good as missing
+    expectToHear();
+}
+
+TEST_F(Waking, IsNotWaitedForOnASystemBusThatRefusesUs) {
+    const BrokenBus refusing{"REJECTED EXTERNAL\r\n"};
+    watchAt(refusing.address());
+    expectToHear();
+}
+
+TEST_F(Waking, IsNotWaitedForOnASystemBusThatBreaksOff) {
+    const BrokenBus interrupted{"OK "};
+    watchAt(interrupted.address());
     expectToHear();
 }
 
