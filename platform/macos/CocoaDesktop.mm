@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <mutex>
 #include <string>
 
 /// Passes on what the system tells the application. It may be told of user notifications, but asks for none.
@@ -70,7 +71,10 @@ id toCocoa(std::int64_t number) { return [NSNumber numberWithLongLong:number]; }
 id toCocoa(double number) { return [NSNumber numberWithDouble:number]; }
 
 os_log_t logOf(const platform::Logger& logger) {
+    // any thread may log
+    static std::mutex mutex;
     static std::map<std::pair<std::string, std::string>, os_log_t> logs; // made once for each name
+    const std::lock_guard lock{mutex};
     os_log_t& log = logs[{logger.subsystem, logger.category}];
     if (!log) {
         log = os_log_create(logger.subsystem.c_str(), logger.category.c_str());

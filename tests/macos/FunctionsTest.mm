@@ -5,6 +5,8 @@
 #import "tests/macos/WholeProgram.hpp"
 #import "tests/macos/shims/Heard.hpp"
 
+#include <thread>
+
 namespace {
 
 using namespace macos_tests;
@@ -36,6 +38,23 @@ TEST_F(Functions, PrintAndLogErrors) {
     EXPECT_EQ(logEntries().front().argument, "50% {done}");
     EXPECT_EQ(logEntries().back().format, "%{public}s");
     EXPECT_EQ(logEntries().back().argument, "");
+}
+
+TEST_F(Functions, ManyThreadsShareOneLog) {
+    testing::internal::CaptureStdout();
+    session.run({}, 5s, [](int, const char* const*) {
+        std::vector<std::thread> threads;
+        for (int count = 0; count < 8; ++count) {
+            threads.emplace_back([] { marvelode::Log::error("from a thread"); });
+        }
+        for (std::thread& each : threads) {
+            each.join();
+        }
+        return 0;
+    });
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(createdLogs(), 1);
+    EXPECT_EQ(logEntries().size(), 8U);
 }
 
 } // namespace

@@ -6,8 +6,11 @@
 #include <objc/runtime.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <map>
+#include <mutex>
+#include <thread>
 
 // Some of the methods replace GNUstep's own.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
@@ -328,6 +331,7 @@ struct os_log_s {
 namespace {
 
 int createdLogCount = 0;
+std::mutex logMutex; // Apple's log is for all threads
 
 } // namespace
 
@@ -339,6 +343,8 @@ std::vector<LogEntry>& logEntries() {
 int createdLogs() { return createdLogCount; }
 
 os_log_t os_log_create(const char* subsystem, const char* category) {
+    std::this_thread::sleep_for(std::chrono::milliseconds{10}); // so that whoever else wants one comes meanwhile
+    const std::lock_guard lock{logMutex};
     ++createdLogCount;
     static std::map<std::pair<std::string, std::string>, os_log_s> logs; // one for each name, as Apple's are
     return &logs.try_emplace({subsystem, category}, os_log_s{subsystem, category}).first->second;
@@ -347,5 +353,6 @@ os_log_t os_log_create(const char* subsystem, const char* category) {
 bool os_log_type_enabled(os_log_t oslog, os_log_type_t type) { return oslog && type == OS_LOG_TYPE_ERROR; }
 
 void logEntry(os_log_t log, os_log_type_t type, const char* format, const char* argument) {
+    const std::lock_guard lock{logMutex};
     logEntries().push_back({log->subsystem, log->category, type, format, argument});
 }
