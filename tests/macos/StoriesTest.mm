@@ -96,6 +96,28 @@ protected:
 
     static NSPopUpButton* picker() { return [viewsOfClass([NSPopUpButton class]) lastObject]; }
 
+    /// The on-off controls in the window in front, from top to bottom.
+    static std::vector<NSButton*> switches() {
+        std::vector<NSButton*> found;
+        for (NSButton* each in viewsOfClass([NSButton class])) {
+            if (![each isKindOfClass:[NSPopUpButton class]] && [[each cell] showsStateBy] != NSNoCellMask) {
+                found.push_back(each);
+            }
+        }
+        return found;
+    }
+
+    static NSRect frameOfText(const std::string& text) {
+        for (NSTextField* each in viewsOfClass([NSTextField class])) {
+            if ([[each stringValue] isEqualToString:toCocoa(text)]) {
+                return [each frame];
+            }
+        }
+        return NSZeroRect;
+    }
+
+    static NSRect frameOfPicture() { return [[viewsOfClass([NSImageView class]) lastObject] frame]; }
+
     static NSEvent* key(NSString* character, NSEventModifierFlags modifiers) {
         return [NSEvent keyEventWithType:NSEventTypeKeyDown
                                 location:NSZeroPoint
@@ -314,6 +336,69 @@ TEST_F(MacStories, ASoundIsHeardWhenItIsPicked) {
             });
 }
 
+TEST_F(MacStories, TheSettingsShowAndChangeWhatIsStored) {
+    store(@"PopupAlerts", @(0));
+    store(@"AutoRestart", @(1));
+    store(@"AlertSound", @"Whistle");
+    run({}, {
+                {launched, [] { pick("Settings"); }},
+                {panel,
+                 [] {
+                     ASSERT_EQ(switches().size(), 2U);
+                     EXPECT_EQ([switches()[0] state], NSControlStateValueOff) << "restart after sleep";
+                     EXPECT_EQ([switches()[1] state], NSControlStateValueOn) << "auto restart timer";
+                     EXPECT_TRUE([[picker() titleOfSelectedItem] isEqualToString:@"Whistle"]);
+                     press(switches()[0]);
+                     press(switches()[1]);
+                     press(buttonTitled("OK"));
+                 }},
+                {noWindow,
+                 [] {
+                     EXPECT_TRUE([stored(@"ResartOnWake") boolValue]);
+                     EXPECT_FALSE([stored(@"AutoRestart") boolValue]);
+                     EXPECT_TRUE([stored(@"AlertSound") isEqual:@"Whistle"]);
+                 }},
+            });
+}
+
+TEST_F(MacStories, TheAutomaticRestartCannotBeSwitchedWhilePopupsAreOn) {
+    run({}, {{launched, [] { pick("Settings"); }}, {panel, [] {
+                                                        ASSERT_EQ(switches().size(), 2U);
+                                                        EXPECT_TRUE([switches()[0] isEnabled]);
+                                                        EXPECT_FALSE([switches()[1] isEnabled]);
+                                                        press(buttonTitled("OK"));
+                                                    }}});
+}
+
+TEST_F(MacStories, TheSettingsStandInTwoColumns) {
+    constexpr double labelMargin = 2; // of the letters inside a label's frame
+    run({}, {{launched, [] { pick("Settings"); }},
+             {panel, [] {
+                  for (const char* each :
+                       {"Interval in minutes", "Restart after sleep", "Auto restart timer", "Reminder sound"}) {
+                      EXPECT_EQ(NSMaxX(frameOfText(each)), 140 + labelMargin) << each;
+                  }
+                  constexpr double controls = 140 + 8 + 20; // the labels, the space between, the padding
+                  EXPECT_EQ(NSMinX([minutes() frame]), controls);
+                  EXPECT_EQ(NSWidth([minutes() frame]), 30);
+                  for (NSButton* each : switches()) {
+                      EXPECT_EQ(NSMinX([each frame]), controls);
+                  }
+                  EXPECT_EQ(NSMinX([picker() frame]), controls);
+                  EXPECT_EQ(NSWidth([[frontWindow() contentView] frame]), controls + 100 + 10);
+
+                  const NSRect button = [buttonTitled("OK") frame];
+                  EXPECT_EQ(NSMinY(button), 10);
+                  EXPECT_EQ(NSMinY([picker() frame]) - NSMaxY(button), 16 + 8);
+                  EXPECT_EQ(NSMidX(button), (controls + 100) / 2);
+
+                  const NSRect name = frameOfText("Marvelode Timer");
+                  EXPECT_EQ(NSHeight(frameOfPicture()), 50);
+                  EXPECT_EQ(NSMinX(name) + labelMargin - NSMaxX(frameOfPicture()), 12 + 8);
+                  press(buttonTitled("OK"));
+              }}});
+}
+
 TEST_F(MacStories, WhatWasTypedStaysInTheSettingsWhenTheyAreClosed) {
     run({}, {
                 {launched, [] { pick("Settings"); }},
@@ -373,6 +458,7 @@ TEST_F(MacStories, TheAboutBoxShowsTheBuildAndOpensLinks) {
                  [] {
                      EXPECT_TRUE(reads("Marvelode Timer"));
                      EXPECT_TRUE(reads("Version: 1.0.0"));
+                     EXPECT_EQ(NSMinY([buttonTitled("OK") frame]), 16);
                      NSView* const license = buttonTitled("License");
                      NSView* afterTabs = [license nextKeyView];
                      for (int tabs = 1; tabs < 5 && afterTabs != license; ++tabs) {
