@@ -19,6 +19,7 @@ RESOURCES = ["BuildInfo.txt", "Marvelode.icns", "Marvelode.png", "MarvelodeGrey.
 def main():
     presets = json.loads((pathlib.Path(sys.argv[1]) / "CMakePresets.json").read_text())["configurePresets"]
     preset = next(each for each in presets if each["name"] == "macos")["cacheVariables"]
+    assert preset["MARVELODE_WARNINGS_AS_ERRORS"] is False, "Apple's compiler may know warnings nobody has seen yet"
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run(["cmake", "-S", sys.argv[1], "-B", folder, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Darwin",
                         "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_CXX_COMPILER_WORKS=1",
