@@ -221,12 +221,12 @@ TEST(TextPicture, LeavesOutWhatItCannotDraw) {
 TEST(TrayHost, ShowsInThePictureTheColourThatALabelCannotHave) {
     const Resources resources{fs::path{RESOURCES}};
     const TrayHost& gnome = TrayHost::ofProcess("gnome-shell");
-    StatusContent content{};
-    content.image = "MarvelodeGrey.png";
-    content.text = "+9";
-    StatusContent due = content;
+    StatusContent early{};
+    early.image = "MarvelodeGrey.png";
+    early.text = "+9";
+    StatusContent due = early;
     due.colour = NSColor::red;
-    EXPECT_TRUE(gnome.needsNewPicture(content, due));
+    EXPECT_TRUE(gnome.needsNewPicture(early, due));
     const auto reddish = [](std::uint32_t pixel) {
         return part(pixel, 24) > 200 && part(pixel, 16) > 200 && part(pixel, 8) < 80 && part(pixel, 0) < 80;
     };
@@ -237,7 +237,7 @@ TEST(TrayHost, ShowsInThePictureTheColourThatALabelCannotHave) {
                   picture.width * picture.height / 5);
     });
     EXPECT_EQ(pictures, sizes.size());
-    gnome.draw(content, resources, [&](const Picture& picture) {
+    gnome.draw(early, resources, [&](const Picture& picture) {
         EXPECT_EQ(std::count_if(picture.pixels.begin(), picture.pixels.end(), reddish), 0);
     });
 }
