@@ -1,6 +1,6 @@
 #include "windows/AboutView.hpp"
 
-#include "windows/Header.hpp"
+#include "windows/Heading.hpp"
 
 #include <utility>
 
@@ -16,7 +16,7 @@ View AboutView::body() const {
     std::vector<View> belowName;
     belowName.push_back(VerbatimText(buildInfo->date).font(Font::Caption));
     return VStack({
-                      header(cfg->isTest, std::move(belowName)).padding(Edges::Bottom, 12),
+                      heading(cfg->isTest, std::move(belowName)).padding(Edges::Bottom, 12),
                       VerbatimText("Version: " + buildInfo->version),
                       VerbatimText("Build: " + buildInfo->build).padding(Edges::Bottom, 12),
                       Text("[License](https://opensource.org/license/mit)"),

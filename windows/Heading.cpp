@@ -1,4 +1,4 @@
-#include "windows/Header.hpp"
+#include "windows/Heading.hpp"
 
 #include "app/App.hpp"
 
@@ -8,7 +8,7 @@ namespace marvelode {
 
 using namespace platform;
 
-View header(bool isTest, std::vector<View> below) {
+View heading(bool isTest, std::vector<View> below) {
     constexpr double pictureHeight = 50;
 
     std::vector<View> row;

@@ -9,6 +9,6 @@
 namespace marvelode {
 
 /// The picture, 50 points high, unless `isTest`; beside it the name, with `below` under it.
-platform::View header(bool isTest, std::vector<platform::View> below);
+platform::View heading(bool isTest, std::vector<platform::View> below);
 
 } // namespace marvelode

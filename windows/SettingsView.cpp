@@ -5,7 +5,7 @@
 #include "platform/NSAlert.hpp"
 #include "platform/NSApplication.hpp"
 #include "platform/UserDefaults.hpp"
-#include "windows/Header.hpp"
+#include "windows/Heading.hpp"
 
 #include <string>
 #include <utility>
@@ -58,7 +58,7 @@ View SettingsView::body() const {
         soundItems.emplace_back(Cfg::rawValue(sound), sound);
     }
     return VStack({
-                      header(cfg->isTest, {}),
+                      heading(cfg->isTest, {}),
                       row("Interval in minutes",
                           TextField(unsignedSeconds(cfg->timerInterval()), _timerIntervalMinutes.binding(),
                                     NumberFormatter{})

@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 TimerQueue::Instant monotonicNow() { return std::chrono::microseconds{g_get_monotonic_time()}; }
@@ -99,4 +99,4 @@ void EventLoop::handle() {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -13,7 +13,7 @@
 #include <optional>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class EventLoop {
 public:
@@ -63,4 +63,4 @@ private:
     GSource* _source;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 GLogField field(const char* name, std::string_view value) {
@@ -27,4 +27,4 @@ void writeToJournal(const Logger& logger, Logger::Level level, std::string_view 
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

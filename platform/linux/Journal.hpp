@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// Whether a journal is running.
 bool isJournalRunning();
@@ -14,4 +14,4 @@ bool isJournalRunning();
 /// Adds an entry with the logger's subsystem and category as the fields SUBSYSTEM and CATEGORY.
 void writeToJournal(const Logger& logger, Logger::Level level, std::string_view message);
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

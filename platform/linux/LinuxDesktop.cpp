@@ -1,4 +1,4 @@
-#include "platform/linux/SessionDesktop.hpp"
+#include "platform/linux/LinuxDesktop.hpp"
 
 #include "platform/linux/Journal.hpp"
 
@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
@@ -23,8 +23,7 @@ Places Places::ofThisProcess() {
             std::filesystem::path{g_get_user_config_dir()} / "marvelode-timer" / "settings"};
 }
 
-SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
-                               const std::vector<std::string>& arguments)
+LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments)
     : _sessionBus{G_DBUS_CONNECTION(g_object_ref(sessionBus))}
     , _argumentDomain{argumentDomain(arguments)}
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
@@ -45,10 +44,10 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
                       [this](std::string_view entry) { pick(entry); },
                       [this](const char* token) { keepActivationToken(token); }} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
-    const auto busClosed = +[](GDBusConnection*, gboolean, GError*, SessionDesktop* self) { self->terminate(); };
+    const auto busClosed = +[](GDBusConnection*, gboolean, GError*, LinuxDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
     const auto end = [](gpointer self) -> gboolean {
-        static_cast<SessionDesktop*>(self)->terminate();
+        static_cast<LinuxDesktop*>(self)->terminate();
         return G_SOURCE_CONTINUE;
     };
     for (std::size_t index = 0; index < endingSignals.size(); ++index) {
@@ -56,14 +55,14 @@ SessionDesktop::SessionDesktop(GDBusConnection* sessionBus, Places places,
     }
 }
 
-SessionDesktop::~SessionDesktop() {
+LinuxDesktop::~LinuxDesktop() {
     for (const unsigned source : _signalSources) {
         g_source_remove(source);
     }
     g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
 }
 
-int SessionDesktop::run(int, const char* const*) {
+int LinuxDesktop::run(int, const char* const*) {
     _loop.post([this] { // once the status item is on its way
         _wakeWatcher.emplace(
             [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); });
@@ -74,86 +73,86 @@ int SessionDesktop::run(int, const char* const*) {
     return 0;
 }
 
-void SessionDesktop::terminate() {
+void LinuxDesktop::terminate() {
     _loop.quit();
     _windows.closeAll();
 }
 
-void SessionDesktop::activate(bool) {} // windows come to the front by themselves
+void LinuxDesktop::activate(bool) {} // windows come to the front by themselves
 
-Date SessionDesktop::now() { return Date{static_cast<double>(g_get_real_time()) / G_USEC_PER_SEC}; }
+Date LinuxDesktop::now() { return Date{static_cast<double>(g_get_real_time()) / G_USEC_PER_SEC}; }
 
-void SessionDesktop::schedule(const std::shared_ptr<Timer>& timer) { _loop.schedule(timer); }
+void LinuxDesktop::schedule(const std::shared_ptr<Timer>& timer) { _loop.schedule(timer); }
 
-void SessionDesktop::cancel(const Timer& timer) { _loop.cancel(timer); }
+void LinuxDesktop::cancel(const Timer& timer) { _loop.cancel(timer); }
 
-void SessionDesktop::showStatusItem(const std::shared_ptr<NSStatusItem>& item) {
+void LinuxDesktop::showStatusItem(const std::shared_ptr<NSStatusItem>& item) {
     _statusItem = item;
     _loop.settleSoon();
 }
 
-void SessionDesktop::statusItemChanged() { _loop.settleSoon(); }
+void LinuxDesktop::statusItemChanged() { _loop.settleSoon(); }
 
-int SessionDesktop::runAlert(NSAlert& alert) { return _windows.runAlert(alert); }
+int LinuxDesktop::runAlert(NSAlert& alert) { return _windows.runAlert(alert); }
 
-void SessionDesktop::runModal(NSPanel& panel, const View& content) { _windows.runModal(panel, content); }
+void LinuxDesktop::runModal(NSPanel& panel, const View& content) { _windows.runModal(panel, content); }
 
-void SessionDesktop::stopModal() { _windows.stopModal(); }
+void LinuxDesktop::stopModal() { _windows.stopModal(); }
 
-void SessionDesktop::center(NSPanel&) {} // every window opens in the middle of the screen
+void LinuxDesktop::center(NSPanel&) {} // every window opens in the middle of the screen
 
-void SessionDesktop::close(NSPanel& panel) {
+void LinuxDesktop::close(NSPanel& panel) {
     if (panel.delegate) {
         panel.delegate->windowWillClose();
     }
 }
 
-bool SessionDesktop::boolForKey(std::string_view key) {
+bool LinuxDesktop::boolForKey(std::string_view key) {
     const std::optional<DefaultsValue> value = defaultsValue(key);
     return value && boolFromDefaults(*value);
 }
 
-std::int64_t SessionDesktop::integerForKey(std::string_view key) {
+std::int64_t LinuxDesktop::integerForKey(std::string_view key) {
     const std::optional<DefaultsValue> value = defaultsValue(key);
     return value ? integerFromDefaults(*value) : 0;
 }
 
-std::optional<std::string> SessionDesktop::stringForKey(std::string_view key) {
+std::optional<std::string> LinuxDesktop::stringForKey(std::string_view key) {
     const std::optional<DefaultsValue> value = defaultsValue(key);
     return value ? std::optional{stringFromDefaults(*value)} : std::nullopt;
 }
 
-void SessionDesktop::setDefault(DefaultsValue value, std::string_view key) { _settings.set(std::move(value), key); }
+void LinuxDesktop::setDefault(DefaultsValue value, std::string_view key) { _settings.set(std::move(value), key); }
 
-std::optional<std::filesystem::path> SessionDesktop::resource(std::string_view name, std::string_view extension) {
+std::optional<std::filesystem::path> LinuxDesktop::resource(std::string_view name, std::string_view extension) {
     return _resources.find(name, extension);
 }
 
-std::optional<std::string> SessionDesktop::contentsOf(const std::filesystem::path& url) {
+std::optional<std::string> LinuxDesktop::contentsOf(const std::filesystem::path& url) {
     return contentsOfFile(url);
 }
 
-std::optional<NSImage> SessionDesktop::imageNamed(std::string_view name) { return _resources.imageNamed(name); }
+std::optional<NSImage> LinuxDesktop::imageNamed(std::string_view name) { return _resources.imageNamed(name); }
 
-bool SessionDesktop::canPlay(const std::filesystem::path& url) { return _sounds.canPlay(url); }
+bool LinuxDesktop::canPlay(const std::filesystem::path& url) { return _sounds.canPlay(url); }
 
-bool SessionDesktop::play(const NSSound& sound) { return _sounds.play(sound.url); }
+bool LinuxDesktop::play(const NSSound& sound) { return _sounds.play(sound.url); }
 
-void SessionDesktop::beep() { _sounds.beep(); }
+void LinuxDesktop::beep() { _sounds.beep(); }
 
-void SessionDesktop::print(std::string_view line) {
+void LinuxDesktop::print(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
 }
 
-bool SessionDesktop::isLogEnabled(const Logger&, Logger::Level) { return isJournalRunning(); }
+bool LinuxDesktop::isLogEnabled(const Logger&, Logger::Level) { return isJournalRunning(); }
 
-void SessionDesktop::log(const Logger& logger, Logger::Level level, std::string_view message) {
+void LinuxDesktop::log(const Logger& logger, Logger::Level level, std::string_view message) {
     writeToJournal(logger, level, message);
 }
 
-void SessionDesktop::pick(std::string_view entry, std::function<void()> picked) {
+void LinuxDesktop::pick(std::string_view entry, std::function<void()> picked) {
     _loop.post([this, entry = std::string{entry}, picked = std::move(picked)] {
         const std::shared_ptr<NSMenu> menu = _statusItem ? _statusItem->menu() : nullptr;
         const std::shared_ptr<NSMenuItem> item = menu ? menu->itemWithTitle(entry) : nullptr;
@@ -165,14 +164,14 @@ void SessionDesktop::pick(std::string_view entry, std::function<void()> picked) 
     });
 }
 
-void SessionDesktop::showMenuWindow() { _statusWindow.open(); }
+void LinuxDesktop::showMenuWindow() { _statusWindow.open(); }
 
-std::string SessionDesktop::statusText() const {
+std::string LinuxDesktop::statusText() const {
     return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
 }
 
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
-void SessionDesktop::settle() {
+void LinuxDesktop::settle() {
     if (!_statusItem) {
         return;
     }
@@ -193,7 +192,7 @@ void SessionDesktop::settle() {
     }
 }
 
-StatusContent SessionDesktop::statusContent() const {
+StatusContent LinuxDesktop::statusContent() const {
     const NSStatusBarButton& button = *_statusItem->button();
     const NSAttributedString& title = button.attributedTitle();
     // What is due is due: then the bar is full, in the text's own colour.
@@ -202,7 +201,7 @@ StatusContent SessionDesktop::statusContent() const {
             _secondsLeft ? inWords(_secondsLeft()) : "Marvelode Timer"};
 }
 
-std::optional<DefaultsValue> SessionDesktop::defaultsValue(std::string_view key) {
+std::optional<DefaultsValue> LinuxDesktop::defaultsValue(std::string_view key) {
     if (const auto found = _argumentDomain.find(key); found != _argumentDomain.end()) {
         return found->second;
     }
@@ -210,11 +209,11 @@ std::optional<DefaultsValue> SessionDesktop::defaultsValue(std::string_view key)
 }
 
 /// Tells of a problem of the desktop's own: on standard error, and in the journal unless that is the same.
-void SessionDesktop::logError(std::string_view problem) {
+void LinuxDesktop::logError(std::string_view problem) {
     std::fprintf(stderr, "marvelode-timer: %.*s\n", static_cast<int>(problem.size()), problem.data());
     if (isJournalRunning() && !g_log_writer_is_journald(fileno(stderr))) {
         writeToJournal(_logger, Logger::Level::Error, problem);
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -5,16 +5,16 @@
 
 #include "platform/Desktop.hpp"
 #include "platform/linux/EventLoop.hpp"
-#include "platform/linux/Handles.hpp"
-#include "platform/linux/MenuExport.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/SettingsFile.hpp"
-#include "platform/linux/SoundPlayer.hpp"
-#include "platform/linux/StatusNotifierItem.hpp"
-#include "platform/linux/StatusWindow.hpp"
-#include "platform/linux/TraylessNotice.hpp"
 #include "platform/linux/WakeWatcher.hpp"
-#include "platform/linux/WindowHelper.hpp"
+#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/sound/SoundPlayer.hpp"
+#include "platform/linux/tray/MenuExport.hpp"
+#include "platform/linux/tray/StatusNotifierItem.hpp"
+#include "platform/linux/trayless/StatusWindow.hpp"
+#include "platform/linux/trayless/TraylessNotice.hpp"
+#include "platform/linux/window/WindowHelper.hpp"
 
 #include <array>
 #include <filesystem>
@@ -25,7 +25,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// Where the files of the program and of its user are.
 struct Places {
@@ -37,12 +37,12 @@ struct Places {
     static Places ofThisProcess();
 };
 
-class SessionDesktop final : public Desktop {
+class LinuxDesktop final : public Desktop {
 public:
     /// `arguments` are the command line's, without the program's own name: settings among them are read ahead of
     /// stored ones.
-    SessionDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments);
-    ~SessionDesktop() override;
+    LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments);
+    ~LinuxDesktop() override;
 
     /// Returns when the program ends by itself, at SIGTERM, SIGINT or SIGHUP, or with the session bus; always 0.
     int run(int argc, const char* const* argv) override;
@@ -125,4 +125,4 @@ private:
     std::array<unsigned, 3> _signalSources{};
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,10 +1,10 @@
-#include "platform/linux/Control.hpp"
+#include "platform/linux/RemoteControl.hpp"
 
 #include <algorithm>
 #include <memory>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* busName = "org.marvelode.Timer";
@@ -73,7 +73,7 @@ GVariant* platformData() {
 
 } // namespace
 
-bool Control::claimName(GDBusConnection* sessionBus) {
+bool RemoteControl::claimName(GDBusConnection* sessionBus) {
     constexpr guint32 doNotQueue = 4;
     constexpr guint32 isPrimaryOwner = 1;
     const auto answer = VariantHandle{g_dbus_connection_call_sync(
@@ -87,14 +87,14 @@ bool Control::claimName(GDBusConnection* sessionBus) {
     return ownership == isPrimaryOwner;
 }
 
-bool Control::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
+bool RemoteControl::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
     return VariantHandle{g_dbus_connection_call_sync(sessionBus, busName, objectPath, applicationInterface,
                                                      "Activate", g_variant_new("(@a{sv})", platformData()), nullptr,
                                                      G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, &error)} !=
            nullptr;
 }
 
-Control::Control(GDBusConnection* sessionBus, ControlledProgram program)
+RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram program)
     : _program{std::move(program)}
     , _timer{sessionBus, objectPath, timerDescription,
              [this](std::string_view method, GVariant*, GDBusMethodInvocation* call) {
@@ -111,7 +111,7 @@ Control::Control(GDBusConnection* sessionBus, ControlledProgram program)
                    },
                    nullptr} {}
 
-void Control::activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
+void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
     const std::size_t last = g_variant_n_children(arguments) - 1;
     const VariantHandle platformData{g_variant_get_child_value(arguments, last)};
     const char* token = nullptr;
@@ -127,18 +127,18 @@ void Control::activate(std::string_view method, GVariant* arguments, GDBusMethod
     }
 }
 
-void Control::showMenu(GDBusMethodInvocation* call) {
+void RemoteControl::showMenu(GDBusMethodInvocation* call) {
     _program.showMenu();
     g_dbus_method_invocation_return_value(call, nullptr);
 }
 
-const ControlledProgram::Command* Control::find(Name name, std::string_view value) const {
+const ControlledProgram::Command* RemoteControl::find(Name name, std::string_view value) const {
     const auto found = std::find_if(_program.commands.begin(), _program.commands.end(),
                                     [&](const auto& command) { return command.*name == value; });
     return found == _program.commands.end() ? nullptr : &*found;
 }
 
-void Control::pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call) {
+void RemoteControl::pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call) {
     if (command) {
         _program.pick(command->entry, [pending = std::make_shared<PendingCall>(call)] { pending->succeed(); });
     } else {
@@ -147,7 +147,7 @@ void Control::pick(const ControlledProgram::Command* command, GDBusMethodInvocat
     }
 }
 
-GVariant* Control::property(std::string_view name) const {
+GVariant* RemoteControl::property(std::string_view name) const {
     if (name == "State") {
         return g_variant_new_string(_program.isReminding() ? "Reminding" : "Timing");
     }
@@ -160,4 +160,4 @@ GVariant* Control::property(std::string_view name) const {
     return g_variant_new_boolean(name == "Muted" ? _program.isMuted() : _program.showsPopups());
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,7 +3,7 @@
 // The program's own name on the session bus. It keeps a second timer from starting beside the first, and lets
 // scripts and the desktop do what the menu does.
 
-#include "platform/linux/ExportedInterface.hpp"
+#include "platform/linux/glib/ExportedInterface.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
-/// What `Control` lets others do and see.
+/// What `RemoteControl` lets others do and see.
 struct ControlledProgram {
     /// One menu entry under the names by which it is called from outside.
     struct Command {
@@ -35,7 +35,7 @@ struct ControlledProgram {
     std::function<bool()> showsPopups;
 };
 
-class Control {
+class RemoteControl {
 public:
     /// Claims the program's name for this process; false if another timer has it.
     static bool claimName(GDBusConnection* sessionBus);
@@ -45,7 +45,7 @@ public:
     static bool showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error);
 
     /// Answers calls on the bus from now on, through `program`.
-    Control(GDBusConnection* sessionBus, ControlledProgram program);
+    RemoteControl(GDBusConnection* sessionBus, ControlledProgram program);
 
 private:
     using Name = std::string ControlledProgram::Command::*;
@@ -60,4 +60,4 @@ private:
     ExportedInterface _application;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

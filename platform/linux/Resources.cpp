@@ -1,11 +1,11 @@
 #include "platform/linux/Resources.hpp"
 
-#include "platform/linux/Handles.hpp"
-#include "platform/linux/Png.hpp"
+#include "platform/linux/drawing/Png.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
     char* bytes = nullptr;
@@ -35,4 +35,4 @@ std::optional<NSImage> Resources::imageNamed(std::string_view name) {
     return _images.emplace(name, NSImage{std::string{name}, file, *size}).first->second;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// The whole content of the file at `path`; nothing if it cannot be read.
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path);
@@ -32,4 +32,4 @@ private:
     std::map<std::string, NSImage, std::less<>> _images; // asked for every second
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

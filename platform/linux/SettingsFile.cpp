@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* group = "Settings";
@@ -206,4 +206,4 @@ void SettingsFile::report(const std::string& problem, const std::string& reason)
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -5,7 +5,7 @@
 // whole.
 
 #include "platform/UserDefaults.hpp"
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class SettingsFile {
 public:
@@ -70,4 +70,4 @@ private:
     std::string _reported;         // the problem at hand
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

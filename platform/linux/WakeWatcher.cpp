@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 /// What a client says first: that it is the user whom the kernel tells the bus of.
@@ -122,4 +122,4 @@ void WakeWatcher::letGo() {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,12 +3,12 @@
 // Listens to the login manager on the system bus for the machine's waking from sleep. The bus and the manager may
 // be missing, come late, restart or never answer; nobody waits for them.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <chrono>
 #include <functional>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class WakeWatcher {
 public:
@@ -36,4 +36,4 @@ private:
     unsigned _retry = 0;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,8 +3,8 @@
 #include "app/main.hpp"
 
 #include "app/App.hpp"
-#include "platform/linux/Control.hpp"
-#include "platform/linux/SessionDesktop.hpp"
+#include "platform/linux/LinuxDesktop.hpp"
+#include "platform/linux/RemoteControl.hpp"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -67,7 +67,7 @@ platform::TimeInterval secondsUntilBreak() {
 }
 
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
-platform::freedesktop::ControlledProgram controlled(platform::freedesktop::SessionDesktop& desktop) {
+platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& desktop) {
     using marvelode::App;
     using marvelode::app;
     return {
@@ -92,7 +92,7 @@ platform::freedesktop::ControlledProgram controlled(platform::freedesktop::Sessi
 } // namespace
 
 int main(int argc, char** argv) {
-    using namespace platform::freedesktop;
+    using namespace platform::linux;
     const std::string_view onlyArgument = argc == 2 ? argv[1] : "";
     if (onlyArgument == "--help") {
         std::fputs(help, stdout);
@@ -112,11 +112,11 @@ int main(int argc, char** argv) {
                      error.message());
         return EXIT_FAILURE;
     }
-    SessionDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
+    LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
     desktop.tellTimeLeft(secondsUntilBreak);
-    const Control control{sessionBus.get(), controlled(desktop)};
-    if (!Control::claimName(sessionBus.get())) {
-        if (!Control::showMenuOfOwner(sessionBus.get(), error)) {
+    const RemoteControl control{sessionBus.get(), controlled(desktop)};
+    if (!RemoteControl::claimName(sessionBus.get())) {
+        if (!RemoteControl::showMenuOfOwner(sessionBus.get(), error)) {
             std::fprintf(stderr, "marvelode-timer: Another timer is running but does not answer: %s\n",
                          error.message());
             return EXIT_FAILURE;

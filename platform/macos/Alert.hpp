@@ -4,9 +4,9 @@
 
 #include "platform/NSAlert.hpp"
 
-namespace cocoa {
+namespace macos {
 
 /// Shows `model` modally, keeps the state of its check box in it, and gives the user's answer.
 int runAlert(platform::NSAlert& model);
 
-} // namespace cocoa
+} // namespace macos

@@ -6,7 +6,7 @@
 
 #import <AppKit/AppKit.h>
 
-namespace cocoa {
+namespace macos {
 namespace {
 
 NSAlertStyle styleOf(const platform::NSAlert& model) {
@@ -57,4 +57,4 @@ int runAlert(platform::NSAlert& model) {
     return answer < NSAlertFirstButtonReturn ? platform::NSAlert::Stopped : static_cast<int>(answer);
 }
 
-} // namespace cocoa
+} // namespace macos

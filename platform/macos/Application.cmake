@@ -12,7 +12,7 @@ set_target_properties(marvelode-timer PROPERTIES
     OUTPUT_NAME "Marvelode Timer"
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
     MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/packaging/macos/Info.plist.in)
-target_link_libraries(marvelode-timer PRIVATE components cocoa_desktop warnings)
+target_link_libraries(marvelode-timer PRIVATE components mac_desktop warnings)
 if(NOT MARVELODE_SIGNING_IDENTITY STREQUAL "-")
     set(timestamp --timestamp) # Apple notarises nothing without one, and ad hoc there is none
 endif()

@@ -7,8 +7,8 @@
 #include <cmath>
 #include <optional>
 
-using cocoa::Box;
-using cocoa::toCocoa;
+using macos::Box;
+using macos::toCocoa;
 
 /// A piece of text that opens an address when it is clicked.
 @interface LinkButton : NSButton
@@ -220,7 +220,7 @@ private:
         inherited.height.reset();
         Box stack;
         for (const platform::View& child : node.children) {
-            stack.append(draw(child, inherited), node.axis, node.alignment, cocoa::stackSpacing);
+            stack.append(draw(child, inherited), node.axis, node.alignment, macos::stackSpacing);
         }
         return stack;
     }
@@ -293,7 +293,7 @@ private:
 - (void)add:(NSTextField*)field for:(const platform::node::TextField&)node {
     _textFields.emplace_back(field, &node);
     [field setDelegate:self];
-    [self connect:field to:[field, &node] { node.submit(cocoa::fromCocoa([field stringValue])); }];
+    [self connect:field to:[field, &node] { node.submit(macos::fromCocoa([field stringValue])); }];
 }
 
 - (void)controlUsed:(NSControl*)sender {
@@ -309,7 +309,7 @@ private:
 
 - (void)commitTexts {
     for (const auto& [field, node] : _textFields) {
-        node->commit(cocoa::fromCocoa([field stringValue]));
+        node->commit(macos::fromCocoa([field stringValue]));
         NSString* const text = toCocoa(node->text());
         if (![[field stringValue] isEqualToString:text]) {
             [field setStringValue:text];

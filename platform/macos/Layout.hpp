@@ -9,7 +9,7 @@
 
 #include <vector>
 
-namespace cocoa {
+namespace macos {
 
 inline constexpr double stackSpacing = 8;    ///< Between the views of a stack, in points.
 inline constexpr double defaultPadding = 16; ///< Around a view that is padded by no length in particular.
@@ -47,4 +47,4 @@ private:
     void move(double x, double y);
 };
 
-} // namespace cocoa
+} // namespace macos

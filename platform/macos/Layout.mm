@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace cocoa {
+namespace macos {
 namespace {
 
 /// Where something of the length `inner` begins in a space of the length `outer`.
@@ -66,4 +66,4 @@ void Box::append(Box next, platform::Axis axis, platform::Alignment alignment, d
     views.insert(views.end(), next.views.begin(), next.views.end());
 }
 
-} // namespace cocoa
+} // namespace macos

@@ -6,7 +6,7 @@
 #include "platform/Desktop.hpp"
 #include "platform/macos/Panel.hpp"
 #include "platform/macos/Retained.hpp"
-#include "platform/macos/Sounds.hpp"
+#include "platform/macos/SoundPlayer.hpp"
 #include "platform/macos/StatusItem.hpp"
 #include "platform/macos/Timers.hpp"
 
@@ -17,12 +17,12 @@
 
 @class ApplicationDelegate;
 
-namespace cocoa {
+namespace macos {
 
-class CocoaDesktop final : public platform::Desktop {
+class MacDesktop final : public platform::Desktop {
 public:
-    CocoaDesktop();
-    ~CocoaDesktop() override;
+    MacDesktop();
+    ~MacDesktop() override;
 
     int run(int argc, const char* const* argv) override;
     void terminate() override;
@@ -65,7 +65,7 @@ private:
     std::optional<StatusItem> _statusItem;
     std::vector<Panel*> _running; // innermost last
     const platform::NSPanel* _centered = nullptr;
-    Sounds _sounds;
+    SoundPlayer _sounds;
 };
 
-} // namespace cocoa
+} // namespace macos

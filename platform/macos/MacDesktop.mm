@@ -1,4 +1,4 @@
-#import "platform/macos/CocoaDesktop.hpp"
+#import "platform/macos/MacDesktop.hpp"
 
 #include "platform/Fatal.hpp"
 #import "platform/macos/Alert.hpp"
@@ -59,7 +59,7 @@
 
 @end
 
-namespace cocoa {
+namespace macos {
 namespace {
 
 NSUserDefaults* defaults() { return [NSUserDefaults standardUserDefaults]; }
@@ -92,46 +92,44 @@ os_log_type_t typeOf(platform::Logger::Level level) {
 
 } // namespace
 
-CocoaDesktop::CocoaDesktop()
+MacDesktop::MacDesktop()
     : _applicationDelegate{[[ApplicationDelegate alloc] initWithDesktop:*this]} {
     workspaceNotifications.onFirstObserver([this] { [_applicationDelegate.get() watchForWake]; });
 }
 
-CocoaDesktop::~CocoaDesktop() { [NSApp setDelegate:nil]; }
+MacDesktop::~MacDesktop() { [NSApp setDelegate:nil]; }
 
-int CocoaDesktop::run(int argc, const char* const* argv) {
+int MacDesktop::run(int argc, const char* const* argv) {
     [[NSApplication sharedApplication] setDelegate:_applicationDelegate.get()];
     return NSApplicationMain(argc, const_cast<const char**>(argv));
 }
 
-void CocoaDesktop::terminate() { [NSApp terminate:nil]; }
+void MacDesktop::terminate() { [NSApp terminate:nil]; }
 
-void CocoaDesktop::activate(bool ignoringOtherApps) { [NSApp activateIgnoringOtherApps:ignoringOtherApps]; }
+void MacDesktop::activate(bool ignoringOtherApps) { [NSApp activateIgnoringOtherApps:ignoringOtherApps]; }
 
-void CocoaDesktop::activateRunningApplication(bool ignoringOtherApps) {
+void MacDesktop::activateRunningApplication(bool ignoringOtherApps) {
     const NSApplicationActivationOptions options = ignoringOtherApps ? NSApplicationActivateIgnoringOtherApps : 0;
     [[NSRunningApplication currentApplication] activateWithOptions:options];
 }
 
-platform::Date CocoaDesktop::now() { return platform::Date{[[NSDate date] timeIntervalSince1970]}; }
+platform::Date MacDesktop::now() { return platform::Date{[[NSDate date] timeIntervalSince1970]}; }
 
-void CocoaDesktop::schedule(const std::shared_ptr<platform::Timer>& timer) { _timers.schedule(timer); }
+void MacDesktop::schedule(const std::shared_ptr<platform::Timer>& timer) { _timers.schedule(timer); }
 
-void CocoaDesktop::cancel(const platform::Timer& timer) { _timers.cancel(timer); }
+void MacDesktop::cancel(const platform::Timer& timer) { _timers.cancel(timer); }
 
-void CocoaDesktop::showStatusItem(const std::shared_ptr<platform::NSStatusItem>& item) {
-    _statusItem.emplace(item);
-}
+void MacDesktop::showStatusItem(const std::shared_ptr<platform::NSStatusItem>& item) { _statusItem.emplace(item); }
 
-void CocoaDesktop::statusItemChanged() {
+void MacDesktop::statusItemChanged() {
     if (_statusItem) {
         _statusItem->update();
     }
 }
 
-int CocoaDesktop::runAlert(platform::NSAlert& alert) { return cocoa::runAlert(alert); }
+int MacDesktop::runAlert(platform::NSAlert& alert) { return macos::runAlert(alert); }
 
-void CocoaDesktop::runModal(platform::NSPanel& model, const platform::View& content) {
+void MacDesktop::runModal(platform::NSPanel& model, const platform::View& content) {
     Panel panel{model, content};
     if (_centered == &model) {
         _centered = nullptr;
@@ -142,7 +140,7 @@ void CocoaDesktop::runModal(platform::NSPanel& model, const platform::View& cont
     _running.pop_back();
 }
 
-void CocoaDesktop::stopModal() {
+void MacDesktop::stopModal() {
     [NSApp stopModal];
     // A modal loop looks up only after an event, and a timer or a notification that brought us here is none.
     [NSApp postEvent:[NSEvent otherEventWithType:NSEventTypeApplicationDefined
@@ -157,9 +155,9 @@ void CocoaDesktop::stopModal() {
              atStart:NO];
 }
 
-void CocoaDesktop::center(platform::NSPanel& panel) { _centered = &panel; }
+void MacDesktop::center(platform::NSPanel& panel) { _centered = &panel; }
 
-void CocoaDesktop::close(platform::NSPanel& model) {
+void MacDesktop::close(platform::NSPanel& model) {
     const auto found =
         std::find_if(_running.begin(), _running.end(), [&](const Panel* each) { return each->shows(model); });
     if (found != _running.end()) {
@@ -169,26 +167,26 @@ void CocoaDesktop::close(platform::NSPanel& model) {
     }
 }
 
-bool CocoaDesktop::boolForKey(std::string_view key) { return [defaults() boolForKey:toCocoa(key)]; }
+bool MacDesktop::boolForKey(std::string_view key) { return [defaults() boolForKey:toCocoa(key)]; }
 
-std::int64_t CocoaDesktop::integerForKey(std::string_view key) { return [defaults() integerForKey:toCocoa(key)]; }
+std::int64_t MacDesktop::integerForKey(std::string_view key) { return [defaults() integerForKey:toCocoa(key)]; }
 
-std::optional<std::string> CocoaDesktop::stringForKey(std::string_view key) {
+std::optional<std::string> MacDesktop::stringForKey(std::string_view key) {
     NSString* const text = [defaults() stringForKey:toCocoa(key)];
     return text ? std::optional{fromCocoa(text)} : std::nullopt;
 }
 
-void CocoaDesktop::setDefault(platform::DefaultsValue value, std::string_view key) {
+void MacDesktop::setDefault(platform::DefaultsValue value, std::string_view key) {
     const id object = std::visit([](const auto& each) -> id { return toCocoa(each); }, value);
     [defaults() setObject:object forKey:toCocoa(key)];
 }
 
-std::optional<std::filesystem::path> CocoaDesktop::resource(std::string_view name, std::string_view extension) {
+std::optional<std::filesystem::path> MacDesktop::resource(std::string_view name, std::string_view extension) {
     NSURL* const url = [[NSBundle mainBundle] URLForResource:toCocoa(name) withExtension:toCocoa(extension)];
     return url ? std::optional{std::filesystem::path{fromCocoa([url path])}} : std::nullopt;
 }
 
-std::optional<std::string> CocoaDesktop::contentsOf(const std::filesystem::path& url) {
+std::optional<std::string> MacDesktop::contentsOf(const std::filesystem::path& url) {
     NSData* const data = [NSData dataWithContentsOfURL:[NSURL fileURLWithPath:toCocoa(url.native())]];
     if (!data) {
         return std::nullopt;
@@ -198,7 +196,7 @@ std::optional<std::string> CocoaDesktop::contentsOf(const std::filesystem::path&
     return bytes;
 }
 
-std::optional<platform::NSImage> CocoaDesktop::imageNamed(std::string_view name) {
+std::optional<platform::NSImage> MacDesktop::imageNamed(std::string_view name) {
     NSImage* const image = [NSImage imageNamed:toCocoa(name)];
     NSString* const path = [[NSBundle mainBundle] pathForImageResource:toCocoa(name)];
     if (![image isValid] || !path) {
@@ -207,25 +205,25 @@ std::optional<platform::NSImage> CocoaDesktop::imageNamed(std::string_view name)
     return platform::NSImage{std::string{name}, fromCocoa(path), {[image size].width, [image size].height}};
 }
 
-bool CocoaDesktop::canPlay(const std::filesystem::path& url) { return _sounds.open(url); }
+bool MacDesktop::canPlay(const std::filesystem::path& url) { return _sounds.open(url); }
 
-bool CocoaDesktop::play(const platform::NSSound& sound) { return _sounds.play(sound.url); }
+bool MacDesktop::play(const platform::NSSound& sound) { return _sounds.play(sound.url); }
 
-void CocoaDesktop::beep() { NSBeep(); }
+void MacDesktop::beep() { NSBeep(); }
 
-void CocoaDesktop::print(std::string_view line) {
+void MacDesktop::print(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
 }
 
-bool CocoaDesktop::isLogEnabled(const platform::Logger& logger, platform::Logger::Level level) {
+bool MacDesktop::isLogEnabled(const platform::Logger& logger, platform::Logger::Level level) {
     return os_log_type_enabled(logOf(logger), typeOf(level));
 }
 
-void CocoaDesktop::log(const platform::Logger& logger, platform::Logger::Level level, std::string_view message) {
+void MacDesktop::log(const platform::Logger& logger, platform::Logger::Level level, std::string_view message) {
     const std::string text{message};
     os_log_with_type(logOf(logger), typeOf(level), "%{public}s", text.c_str());
 }
 
-} // namespace cocoa
+} // namespace macos

@@ -2,7 +2,7 @@
 
 #import "platform/macos/Strings.hpp"
 
-using cocoa::toCocoa;
+using macos::toCocoa;
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 @class PanelDelegate;
 
-namespace cocoa {
+namespace macos {
 
 class Panel {
 public:
@@ -39,4 +39,4 @@ private:
     Retained<PanelDelegate> _delegate;
 };
 
-} // namespace cocoa
+} // namespace macos

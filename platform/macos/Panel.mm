@@ -27,7 +27,7 @@
 
 @end
 
-namespace cocoa {
+namespace macos {
 namespace {
 
 /// What the program added to the style that its panels begin with; AppKit's begin with a style of their own.
@@ -81,4 +81,4 @@ void Panel::runModal() {
 
 void Panel::close() { [_panel.get() close]; }
 
-} // namespace cocoa
+} // namespace macos

@@ -7,7 +7,7 @@
 
 #include <utility>
 
-namespace cocoa {
+namespace macos {
 
 /// One reference to an Objective-C object, given back at the end of its life.
 template <typename Object>
@@ -34,4 +34,4 @@ private:
     Object* _object = nil;
 };
 
-} // namespace cocoa
+} // namespace macos

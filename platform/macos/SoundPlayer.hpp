@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <map>
 
-namespace cocoa {
+namespace macos {
 
-class Sounds {
+class SoundPlayer {
 public:
     /// Opens the file at `url`, if need be; whether it is a sound.
     bool open(const std::filesystem::path& url);
@@ -23,4 +23,4 @@ private:
     std::map<std::filesystem::path, Retained<NSSound>> _opened;
 };
 
-} // namespace cocoa
+} // namespace macos

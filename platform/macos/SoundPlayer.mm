@@ -1,10 +1,10 @@
-#import "platform/macos/Sounds.hpp"
+#import "platform/macos/SoundPlayer.hpp"
 
 #import "platform/macos/Strings.hpp"
 
-namespace cocoa {
+namespace macos {
 
-bool Sounds::open(const std::filesystem::path& url) {
+bool SoundPlayer::open(const std::filesystem::path& url) {
     if (_opened.contains(url)) {
         return true;
     }
@@ -17,6 +17,6 @@ bool Sounds::open(const std::filesystem::path& url) {
     return true;
 }
 
-bool Sounds::play(const std::filesystem::path& url) { return open(url) && [_opened[url].get() play]; }
+bool SoundPlayer::play(const std::filesystem::path& url) { return open(url) && [_opened[url].get() play]; }
 
-} // namespace cocoa
+} // namespace macos

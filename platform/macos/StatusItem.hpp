@@ -12,7 +12,7 @@
 #include <memory>
 #include <optional>
 
-namespace cocoa {
+namespace macos {
 
 class StatusItem {
 public:
@@ -43,4 +43,4 @@ private:
     } _shown;
 };
 
-} // namespace cocoa
+} // namespace macos

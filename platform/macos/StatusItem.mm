@@ -17,7 +17,7 @@
 
 @end
 
-namespace cocoa {
+namespace macos {
 namespace {
 
 platform::NSSize sizeOf(NSImage* image) { return {[image size].width, [image size].height}; }
@@ -101,4 +101,4 @@ void StatusItem::updateImage(NSStatusBarButton* button, const platform::NSImage&
     }
 }
 
-} // namespace cocoa
+} // namespace macos

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace cocoa {
+namespace macos {
 
 /// `text`, which must be well-formed UTF-8, for Cocoa; autoreleased.
 NSString* toCocoa(std::string_view text);
@@ -15,4 +15,4 @@ NSString* toCocoa(std::string_view text);
 /// `text` as UTF-8; nil counts as empty.
 std::string fromCocoa(NSString* text);
 
-} // namespace cocoa
+} // namespace macos

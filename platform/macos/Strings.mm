@@ -2,7 +2,7 @@
 
 #include "platform/Fatal.hpp"
 
-namespace cocoa {
+namespace macos {
 
 NSString* toCocoa(std::string_view text) {
     NSString* string = [[[NSString alloc] initWithBytes:text.data()
@@ -16,4 +16,4 @@ std::string fromCocoa(NSString* text) {
     return bytes ? bytes : "";
 }
 
-} // namespace cocoa
+} // namespace macos

@@ -11,7 +11,7 @@
 #include <map>
 #include <memory>
 
-namespace cocoa {
+namespace macos {
 
 class Timers {
 public:
@@ -30,4 +30,4 @@ private:
     std::map<const platform::Timer*, Retained<NSTimer>> _scheduled;
 };
 
-} // namespace cocoa
+} // namespace macos

@@ -27,7 +27,7 @@
 
 @end
 
-namespace cocoa {
+namespace macos {
 
 Timers::~Timers() {
     for (const auto& [timer, scheduled] : _scheduled) {
@@ -51,4 +51,4 @@ void Timers::cancel(const platform::Timer& timer) {
     }
 }
 
-} // namespace cocoa
+} // namespace macos

@@ -2,11 +2,11 @@
 
 #include "app/main.hpp"
 
-#import "platform/macos/CocoaDesktop.hpp"
+#import "platform/macos/MacDesktop.hpp"
 
 int main(int argc, char** argv) {
     @autoreleasepool {
-        cocoa::CocoaDesktop desktop;
+        macos::MacDesktop desktop;
         return marvelode::marvelodeTimer(argc, argv);
     }
 }

@@ -1,4 +1,4 @@
-#include "platform/simulated/Desktop.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
 
 #include "platform/simulated/ViewReader.hpp"
 
@@ -48,9 +48,9 @@ const Kind* fileAs(const Resources& resources, std::string_view name) {
 } // namespace
 
 /// Puts a session on top of the others for as long as it exists.
-class Desktop::SessionOnTop {
+class SimulatedDesktop::SessionOnTop {
 public:
-    SessionOnTop(Desktop& desktop, Session& session)
+    SessionOnTop(SimulatedDesktop& desktop, Session& session)
         : _desktop{desktop} {
         _desktop._sessions.push_back(&session);
         ++_desktop._windowsOpened;
@@ -60,17 +60,17 @@ public:
     SessionOnTop& operator=(const SessionOnTop&) = delete;
 
 private:
-    Desktop& _desktop;
+    SimulatedDesktop& _desktop;
 };
 
-Desktop::Desktop(Program program, Report report, RepeatingTimersDuringModal policy)
+SimulatedDesktop::SimulatedDesktop(Program program, Report report, RepeatingTimersDuringModal policy)
     : _install{std::move(program)}
     , _report{std::move(report)}
     , _policy{policy}
     , _timers{policy}
     , _boot{firstMorning} {}
 
-Desktop::~Desktop() {
+SimulatedDesktop::~SimulatedDesktop() {
     losePower();
     for (const std::string& alert : _unseenAlerts) {
         _report("an alert came up that nobody looked at: " + alert);
@@ -88,7 +88,7 @@ Desktop::~Desktop() {
 
 // The life of the program
 
-void Desktop::launch(const Lines& arguments) {
+void SimulatedDesktop::launch(const Lines& arguments) {
     if (isRunning()) {
         throw Unexpected{"the program is running already"};
     }
@@ -104,12 +104,12 @@ void Desktop::launch(const Lines& arguments) {
     letProgramRun();
 }
 
-void Desktop::losePower() {
+void SimulatedDesktop::losePower() {
     _program = nullptr;
     forgetProgram();
 }
 
-void Desktop::perform(std::function<void()> deed) {
+void SimulatedDesktop::perform(std::function<void()> deed) {
     if (!isRunning()) {
         throw Unexpected{"the program is not running"};
     }
@@ -117,7 +117,7 @@ void Desktop::perform(std::function<void()> deed) {
     letProgramRun();
 }
 
-void Desktop::letProgramRun() {
+void SimulatedDesktop::letProgramRun() {
     _horizon = std::max(_horizon, _uptime);
     if (!isRunning()) {
         _uptime = _horizon;
@@ -135,7 +135,7 @@ void Desktop::letProgramRun() {
     }
 }
 
-void Desktop::forgetProgram() {
+void SimulatedDesktop::forgetProgram() {
     application.delegate = nullptr;
     workspaceNotifications = {};
     _event = nullptr;
@@ -149,7 +149,7 @@ void Desktop::forgetProgram() {
 
 // The run loop
 
-int Desktop::run(int /*argc*/, const char* const* /*argv*/) {
+int SimulatedDesktop::run(int /*argc*/, const char* const* /*argv*/) {
     if (application.delegate) {
         application.delegate->applicationDidFinishLaunching();
     }
@@ -161,7 +161,7 @@ int Desktop::run(int /*argc*/, const char* const* /*argv*/) {
 
 /// Does what comes next: what the user does, what is due, else going on to the next timer before the horizon, else
 /// letting the story go on.
-void Desktop::turn(RunLoopMode mode) {
+void SimulatedDesktop::turn(RunLoopMode mode) {
     if (const auto event = std::exchange(_event, nullptr)) {
         event();
         return;
@@ -180,19 +180,19 @@ void Desktop::turn(RunLoopMode mode) {
 
 // Time
 
-void Desktop::wait(nanoseconds span) {
+void SimulatedDesktop::wait(nanoseconds span) {
     _horizon = _uptime + span;
     letProgramRun();
 }
 
-void Desktop::sleepAndWake(nanoseconds span) {
+void SimulatedDesktop::sleepAndWake(nanoseconds span) {
     setClockForth(span);
     perform([this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); });
 }
 
-void Desktop::setClockForth(nanoseconds span) { _boot += span; }
+void SimulatedDesktop::setClockForth(nanoseconds span) { _boot += span; }
 
-Date Desktop::now() {
+Date SimulatedDesktop::now() {
     const nanoseconds wall = _boot + _uptime;
     const auto whole = std::chrono::floor<seconds>(wall);
     return Date{static_cast<double>(whole.count()) + static_cast<double>((wall - whole).count()) / 1e9};
@@ -200,25 +200,25 @@ Date Desktop::now() {
 
 // The status item
 
-const NSStatusItem& Desktop::statusItem() const {
+const NSStatusItem& SimulatedDesktop::statusItem() const {
     if (!_statusItem) {
         throw Unexpected{"there is no status item"};
     }
     return *_statusItem;
 }
 
-std::string Desktop::title() const { return statusItem().button()->attributedTitle().string; }
+std::string SimulatedDesktop::title() const { return statusItem().button()->attributedTitle().string; }
 
-std::optional<NSColor> Desktop::titleColor() const {
+std::optional<NSColor> SimulatedDesktop::titleColor() const {
     return statusItem().button()->attributedTitle().foregroundColor;
 }
 
-std::string Desktop::icon() const {
+std::string SimulatedDesktop::icon() const {
     const auto& image = statusItem().button()->image();
     return image ? image->name : "";
 }
 
-Desktop::Lines Desktop::menu() const {
+SimulatedDesktop::Lines SimulatedDesktop::menu() const {
     if (!statusItem().menu()) {
         throw Unexpected{"the status item has no menu"};
     }
@@ -236,7 +236,7 @@ Desktop::Lines Desktop::menu() const {
     return lines;
 }
 
-const std::shared_ptr<NSMenuItem>& Desktop::entry(std::string_view title) const {
+const std::shared_ptr<NSMenuItem>& SimulatedDesktop::entry(std::string_view title) const {
     if (statusItem().menu()) {
         for (const auto& item : statusItem().menu()->items()) {
             if (!item->isSeparatorItem() && item->title == title) {
@@ -247,15 +247,17 @@ const std::shared_ptr<NSMenuItem>& Desktop::entry(std::string_view title) const 
     missing("menu entry", title);
 }
 
-bool Desktop::isEnabled(std::string_view title) const { return statusItem().menu()->validates(*entry(title)); }
+bool SimulatedDesktop::isEnabled(std::string_view title) const {
+    return statusItem().menu()->validates(*entry(title));
+}
 
-bool Desktop::isChecked(std::string_view title) const {
+bool SimulatedDesktop::isChecked(std::string_view title) const {
     return entry(title)->state() == NSMenuItem::StateValue::On;
 }
 
-void Desktop::pick(std::string_view title) { pick(entry(title)); }
+void SimulatedDesktop::pick(std::string_view title) { pick(entry(title)); }
 
-void Desktop::pickByKey(std::string_view key) {
+void SimulatedDesktop::pickByKey(std::string_view key) {
     for (const auto& item : statusItem().menu()->items()) {
         if (!key.empty() && item->keyEquivalent == key) {
             pick(item);
@@ -265,7 +267,7 @@ void Desktop::pickByKey(std::string_view key) {
     missing("menu entry with the key", key);
 }
 
-void Desktop::pick(const std::shared_ptr<NSMenuItem>& item) {
+void SimulatedDesktop::pick(const std::shared_ptr<NSMenuItem>& item) {
     const std::shared_ptr<NSMenu> menu = statusItem().menu();
     if (!menu->validates(*item)) {
         throw Unexpected{"the menu entry " + inQuotes(item->title) + " cannot be picked now"};
@@ -275,7 +277,7 @@ void Desktop::pick(const std::shared_ptr<NSMenuItem>& item) {
 
 // The window in front
 
-int Desktop::runAlert(NSAlert& alert) {
+int SimulatedDesktop::runAlert(NSAlert& alert) {
     Session session;
     session.alert = &alert;
     _unseenAlerts.push_back(inQuotes(alert.messageText) + " " + inQuotes(alert.informativeText));
@@ -286,7 +288,7 @@ int Desktop::runAlert(NSAlert& alert) {
     return session.answer.value_or(NSAlert::Stopped);
 }
 
-void Desktop::runModal(NSPanel& panel, const View& content) {
+void SimulatedDesktop::runModal(NSPanel& panel, const View& content) {
     Session session;
     session.panel = &panel;
     session.content = &content;
@@ -296,7 +298,7 @@ void Desktop::runModal(NSPanel& panel, const View& content) {
     }
 }
 
-void Desktop::stopModal() {
+void SimulatedDesktop::stopModal() {
     const auto innermost =
         std::find_if(_sessions.rbegin(), _sessions.rend(), [](const Session* session) { return session->panel; });
     if (innermost != _sessions.rend()) {
@@ -304,49 +306,49 @@ void Desktop::stopModal() {
     }
 }
 
-void Desktop::close(NSPanel& panel) {
+void SimulatedDesktop::close(NSPanel& panel) {
     if (panel.delegate) {
         panel.delegate->windowWillClose();
     }
 }
 
-bool Desktop::alertIsUp() {
+bool SimulatedDesktop::alertIsUp() {
     _unseenAlerts.clear();
     return front() && front()->alert;
 }
 
-const NSAlert& Desktop::alert() {
+const NSAlert& SimulatedDesktop::alert() {
     if (!alertIsUp()) {
         throw Unexpected{"there is no alert in front"};
     }
     return *front()->alert;
 }
 
-bool Desktop::panelIsUp() const { return front() && front()->panel; }
+bool SimulatedDesktop::panelIsUp() const { return front() && front()->panel; }
 
-Desktop::Session& Desktop::frontPanel() const {
+SimulatedDesktop::Session& SimulatedDesktop::frontPanel() const {
     if (!panelIsUp()) {
         throw Unexpected{"there is no panel in front"};
     }
     return *_sessions.back();
 }
 
-const NSPanel& Desktop::panel() const { return *frontPanel().panel; }
+const NSPanel& SimulatedDesktop::panel() const { return *frontPanel().panel; }
 
-const View& Desktop::panelContent() const { return *frontPanel().content; }
+const View& SimulatedDesktop::panelContent() const { return *frontPanel().content; }
 
-Desktop::Lines Desktop::panelLines() const {
+SimulatedDesktop::Lines SimulatedDesktop::panelLines() const {
     const Session& session = frontPanel();
     const bool isHidden = !session.panel->contentView || session.panel->contentView->isHidden;
     return isHidden ? Lines{} : linesOf(*session.content, session.typed);
 }
 
-bool Desktop::panelIsCentred() const { return _centred.contains(&panel()); }
+bool SimulatedDesktop::panelIsCentred() const { return _centred.contains(&panel()); }
 
-void Desktop::dragPanelAway() { _centred.erase(&panel()); }
+void SimulatedDesktop::dragPanelAway() { _centred.erase(&panel()); }
 
 /// Uses a control of the panel; what was typed into its field is read first.
-void Desktop::use(Session& session, std::function<void()> control) {
+void SimulatedDesktop::use(Session& session, std::function<void()> control) {
     const auto field = firstField(*session.content);
     perform([field, typed = std::exchange(session.typed, std::nullopt), control = std::move(control)] {
         if (typed) {
@@ -356,7 +358,7 @@ void Desktop::use(Session& session, std::function<void()> control) {
     });
 }
 
-void Desktop::click(std::string_view button) {
+void SimulatedDesktop::click(std::string_view button) {
     if (!alertIsUp()) {
         Session& session = frontPanel();
         use(session, usable<node::Button>(buttonLabelled(button, *session.content), "button", button).action);
@@ -372,11 +374,11 @@ void Desktop::click(std::string_view button) {
     letProgramRun();
 }
 
-void Desktop::tick(std::string_view label) { setCheckBox(label, true); }
+void SimulatedDesktop::tick(std::string_view label) { setCheckBox(label, true); }
 
-void Desktop::untick(std::string_view label) { setCheckBox(label, false); }
+void SimulatedDesktop::untick(std::string_view label) { setCheckBox(label, false); }
 
-void Desktop::setCheckBox(std::string_view label, bool isTicked) {
+void SimulatedDesktop::setCheckBox(std::string_view label, bool isTicked) {
     const auto requireChange = [&](bool isTickedNow) {
         if (isTickedNow == isTicked) {
             throw Unexpected{inQuotes(label) + (isTicked ? " is ticked already" : " is not ticked")};
@@ -397,7 +399,7 @@ void Desktop::setCheckBox(std::string_view label, bool isTicked) {
     use(session, [&toggle, isTicked] { toggle.isOn.set(isTicked); });
 }
 
-void Desktop::choose(std::string_view label, std::string_view item) {
+void SimulatedDesktop::choose(std::string_view label, std::string_view item) {
     Session& session = frontPanel();
     const auto& picker = usable<node::Picker>(controlBeside(label, *session.content), "picker", label);
     const auto position = std::find(picker.items.begin(), picker.items.end(), item);
@@ -408,13 +410,13 @@ void Desktop::choose(std::string_view label, std::string_view item) {
     use(session, [&picker, index] { picker.select(index); });
 }
 
-void Desktop::type(std::string text) {
+void SimulatedDesktop::type(std::string text) {
     Session& session = frontPanel();
     usable<node::TextField>(firstField(*session.content), "field", "");
     session.typed = std::move(text);
 }
 
-void Desktop::pressReturn() {
+void SimulatedDesktop::pressReturn() {
     if (alertIsUp()) {
         click(front()->alert->buttons().front());
         return;
@@ -428,32 +430,32 @@ void Desktop::pressReturn() {
     }
 }
 
-void Desktop::closeWindow() {
+void SimulatedDesktop::closeWindow() {
     NSPanel* const window = frontPanel().panel;
     perform([window] { window->close(); });
 }
 
 // Settings
 
-DefaultsValue Desktop::valueForKey(std::string_view key, DefaultsValue absent) const {
+DefaultsValue SimulatedDesktop::valueForKey(std::string_view key, DefaultsValue absent) const {
     if (const auto argument = found(_arguments, key)) {
         return *argument;
     }
     return found(defaults, key).value_or(std::move(absent));
 }
 
-bool Desktop::boolForKey(std::string_view key) { return boolFromDefaults(valueForKey(key, false)); }
+bool SimulatedDesktop::boolForKey(std::string_view key) { return boolFromDefaults(valueForKey(key, false)); }
 
-std::int64_t Desktop::integerForKey(std::string_view key) {
+std::int64_t SimulatedDesktop::integerForKey(std::string_view key) {
     return integerFromDefaults(valueForKey(key, std::int64_t{0}));
 }
 
-std::optional<std::string> Desktop::stringForKey(std::string_view key) {
+std::optional<std::string> SimulatedDesktop::stringForKey(std::string_view key) {
     const bool isKnown = _arguments.contains(key) || defaults.contains(key);
     return isKnown ? std::optional{stringFromDefaults(valueForKey(key, false))} : std::nullopt;
 }
 
-void Desktop::setDefault(DefaultsValue value, std::string_view key) {
+void SimulatedDesktop::setDefault(DefaultsValue value, std::string_view key) {
     const auto position = defaults.find(key);
     if (position == defaults.end()) {
         defaults.emplace(key, std::move(value));
@@ -464,27 +466,29 @@ void Desktop::setDefault(DefaultsValue value, std::string_view key) {
 
 // Resources: a file's address is its name
 
-std::optional<std::filesystem::path> Desktop::resource(std::string_view name, std::string_view extension) {
+std::optional<std::filesystem::path> SimulatedDesktop::resource(std::string_view name, std::string_view extension) {
     std::string file = std::string{name} + "." + std::string{extension};
     _lookedUp.insert(file);
     return resources.contains(file) ? std::optional<std::filesystem::path>{std::move(file)} : std::nullopt;
 }
 
-std::optional<std::string> Desktop::contentsOf(const std::filesystem::path& url) {
+std::optional<std::string> SimulatedDesktop::contentsOf(const std::filesystem::path& url) {
     const auto* file = fileAs<TextFile>(resources, url.native());
     return file ? std::optional{file->bytes} : std::nullopt;
 }
 
-std::optional<NSImage> Desktop::imageNamed(std::string_view name) {
+std::optional<NSImage> SimulatedDesktop::imageNamed(std::string_view name) {
     const auto* file = fileAs<PictureFile>(resources, name);
     return file ? std::optional{NSImage{std::string{name}, name, file->size}} : std::nullopt;
 }
 
 // Sounds
 
-bool Desktop::canPlay(const std::filesystem::path& url) { return fileAs<SoundFile>(resources, url.native()); }
+bool SimulatedDesktop::canPlay(const std::filesystem::path& url) {
+    return fileAs<SoundFile>(resources, url.native());
+}
 
-bool Desktop::play(const NSSound& sound) {
+bool SimulatedDesktop::play(const NSSound& sound) {
     const auto* file = fileAs<SoundFile>(resources, sound.url.native());
     TimerQueue::Instant& until = _playingUntil[&sound];
     if (!file || until > _uptime) {
@@ -497,14 +501,14 @@ bool Desktop::play(const NSSound& sound) {
 
 // Messages
 
-void Desktop::log(const Logger& logger, Logger::Level /*level*/, std::string_view message) {
+void SimulatedDesktop::log(const Logger& logger, Logger::Level /*level*/, std::string_view message) {
     _logged.push_back({logger.subsystem, logger.category, std::string{message}});
 }
 
-Desktop::Lines Desktop::heard() { return std::exchange(_heard, {}); }
+SimulatedDesktop::Lines SimulatedDesktop::heard() { return std::exchange(_heard, {}); }
 
-Desktop::Lines Desktop::printed() { return std::exchange(_printed, {}); }
+SimulatedDesktop::Lines SimulatedDesktop::printed() { return std::exchange(_printed, {}); }
 
-std::vector<LogEntry> Desktop::logged() { return std::exchange(_logged, {}); }
+std::vector<LogEntry> SimulatedDesktop::logged() { return std::exchange(_logged, {}); }
 
 } // namespace platform::simulated

@@ -39,17 +39,18 @@ struct LogEntry {
     bool operator==(const LogEntry&) const = default;
 };
 
-class Desktop : public platform::Desktop {
+class SimulatedDesktop : public platform::Desktop {
 public:
     using Program = std::function<int(int argc, const char* const* argv)>;
     using Report = std::function<void(const std::string& complaint)>;
     using Lines = std::vector<std::string>;
 
     /// A desktop on which `program` is installed. `report` is told at the end what no story looked at.
-    Desktop(Program program, Report report, RepeatingTimersDuringModal policy = RepeatingTimersDuringModal::Wait);
+    SimulatedDesktop(Program program, Report report,
+                     RepeatingTimersDuringModal policy = RepeatingTimersDuringModal::Wait);
 
     /// Ends the program if it still runs, as `losePower()` does.
-    ~Desktop() override;
+    ~SimulatedDesktop() override;
 
     // What outlives the program
 

@@ -2,7 +2,7 @@
 
 #include "app/main.hpp"
 #include "tests/components/Bench.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <optional>
 #include <type_traits>
@@ -11,8 +11,8 @@ namespace {
 
 using namespace marvelode;
 using namespace std::chrono_literals;
-using story::Desktop;
 using story::Lines;
+using story::StoryDesktop;
 
 static_assert(!std::is_default_constructible_v<App>);
 static_assert(std::is_base_of_v<platform::NSApplicationDelegate, App>);
@@ -22,7 +22,7 @@ static_assert(static_cast<int>(App::State::Init) == 0 && static_cast<int>(App::S
 static_assert(static_cast<int>(App::TimerType::Timer) == 0 && static_cast<int>(App::TimerType::Reminder) == 1);
 
 TEST(TheEntry, TurnsTestModeOnForTheSingleArgumentTest) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch({"-test"});
     EXPECT_TRUE(isTest);
     EXPECT_TRUE(app->cfg->isTest);
@@ -36,7 +36,7 @@ TEST(TheEntry, LeavesTestModeOffForAnythingElse) {
     const std::vector<Lines> commandLines{{},        {"-test", "-test"}, {"-test", "x"}, {"x", "-test"}, {"-Test"},
                                           {"-TEST"}, {"--test"},         {"test"},       {"-test "},     {""}};
     for (const Lines& arguments : commandLines) {
-        Desktop desktop;
+        StoryDesktop desktop;
         desktop.launch(arguments);
         EXPECT_FALSE(isTest) << testing::PrintToString(arguments);
         EXPECT_FALSE(app->cfg->isTest);
@@ -45,13 +45,13 @@ TEST(TheEntry, LeavesTestModeOffForAnythingElse) {
 }
 
 TEST(TheEntry, MakesTheApplicationObjectTheDelegate) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
     EXPECT_EQ(platform::NSApplication::shared().delegate, app);
 }
 
 TEST(TheApplicationObject, IsBuiltWithoutTimersOrAnythingToSee) {
-    Desktop desktop;
+    StoryDesktop desktop;
     App constructed{true};
     EXPECT_EQ(constructed.state, App::State::Init);
     EXPECT_EQ(constructed.systemTimer, nullptr);
@@ -64,7 +64,7 @@ TEST(TheApplicationObject, IsBuiltWithoutTimersOrAnythingToSee) {
 }
 
 TEST(TheApplicationObject, PassesOneBusAndOneStoreToAll) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
     EXPECT_EQ(app->cfg->events, app->events);
     EXPECT_EQ(app->audio->cfg, app->cfg);
@@ -76,7 +76,7 @@ TEST(TheApplicationObject, PassesOneBusAndOneStoreToAll) {
 }
 
 TEST(TheApplicationObject, HasPublishedOneChangeAndStartedOneIntervalAfterLaunching) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
     EXPECT_EQ(desktop.published(), Lines{"Init to Timing"});
     EXPECT_TRUE(desktop.hasStatusItem());
@@ -89,7 +89,7 @@ TEST(TheApplicationObject, HasPublishedOneChangeAndStartedOneIntervalAfterLaunch
 
 /// Notes what stands beside the icon when an event has reached those who subscribed before the launch, which the
 /// status item did and the application object did not.
-class ListeningDesktop : public Desktop {
+class ListeningDesktop : public StoryDesktop {
 public:
     std::string titleBeforeTheApplicationReacts;
 
@@ -98,7 +98,7 @@ protected:
         const auto note = [this](const auto&) { titleBeforeTheApplicationReacts = title(); };
         app->events->subscribe(Events::UIActionSubscriber{note});
         app->events->subscribe(Events::CfgChangeSubscriber{note});
-        return Desktop::run(argc, argv);
+        return StoryDesktop::run(argc, argv);
     }
 };
 
@@ -118,7 +118,7 @@ TEST(TheApplicationObject, ReactsToEventsAfterTheStatusItem) {
 
 TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
     constexpr auto wake = platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification;
-    Desktop desktop;
+    StoryDesktop desktop;
     std::optional<App> object{std::in_place, true};
     object->applicationDidFinishLaunching();
     int restarts = 0;
@@ -132,7 +132,7 @@ TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
 }
 
 TEST(TheApplicationPicture, IsTheColouredOne) {
-    Desktop desktop;
+    StoryDesktop desktop;
     EXPECT_EQ(App::Icon::image().name, "Marvelode.png");
     EXPECT_EQ(&App::Icon::image(), &App::Icon::image());
 }

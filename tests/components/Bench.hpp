@@ -6,7 +6,7 @@
 #include "config/BuildInfo.hpp"
 #include "config/Cfg.hpp"
 #include "platform/UserDefaults.hpp"
-#include "platform/simulated/Desktop.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -24,13 +24,13 @@ using platform::simulated::PictureFile;
 using platform::simulated::SoundFile;
 using platform::simulated::TextFile;
 using platform::simulated::UnreadableFile;
-using Lines = platform::simulated::Desktop::Lines;
+using Lines = platform::simulated::SimulatedDesktop::Lines;
 using Parameter = Cfg::Parameter;
 
 /// The desktop, a bus on which every change of a setting is noted, and the settings of a later run.
 class Bench : public testing::Test {
 protected:
-    platform::simulated::Desktop desktop{
+    platform::simulated::SimulatedDesktop desktop{
         [](int argc, const char* const* argv) { return platform::NSApplicationMain(argc, argv); },
         [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
     std::shared_ptr<Events> events = std::make_shared<Events>();

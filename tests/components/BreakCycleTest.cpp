@@ -1,7 +1,7 @@
 #include "app/App.hpp"
 #include "app/main.hpp"
 #include "tests/components/Bench.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <functional>
 
@@ -10,12 +10,12 @@ namespace {
 using namespace marvelode;
 using namespace std::chrono_literals;
 using platform::DefaultsValue;
-using story::Desktop;
 using story::Lines;
+using story::StoryDesktop;
 
 class BreakCycle : public testing::Test {
 protected:
-    Desktop desktop;
+    StoryDesktop desktop;
 
     /// Launches with the settings of a later run.
     void launch(bool popups, bool autoRestart, bool muted = false) {
@@ -175,7 +175,7 @@ TEST_F(BreakCycle, SnoozesForAMinuteOnAnyOtherAnswerAndKeepsTheDeadline) {
 }
 
 /// A desktop on which every alert has this answer at once.
-class AnsweringDesktop : public Desktop {
+class AnsweringDesktop : public StoryDesktop {
 public:
     explicit AnsweringDesktop(int answer)
         : _answer{answer} {}

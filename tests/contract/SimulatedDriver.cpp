@@ -1,6 +1,6 @@
 // The contract's hands on the simulated desktop: deeds are the story, and time is virtual.
 
-#include "platform/simulated/Desktop.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
 #include "tests/contract/Driver.hpp"
 
 #include <gtest/gtest.h>
@@ -105,12 +105,12 @@ private:
 
     std::function<void()> _program;
     std::vector<Deed> _agenda;
-    platform::simulated::Desktop _desktop{[this](int argc, const char* const* argv) {
-                                              platform::NSApplication::shared().delegate =
-                                                  std::make_shared<Launcher>(_program);
-                                              return platform::NSApplicationMain(argc, argv);
-                                          },
-                                          [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
+    platform::simulated::SimulatedDesktop _desktop{
+        [this](int argc, const char* const* argv) {
+            platform::NSApplication::shared().delegate = std::make_shared<Launcher>(_program);
+            return platform::NSApplicationMain(argc, argv);
+        },
+        [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
 };
 
 } // namespace

@@ -7,11 +7,11 @@ import unittest
 
 from gi.repository import GLib
 
-from desktop import Desktop
-from notifications import NotificationArea
-from sway import Sway
-from timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
-from waiting import wait_until
+from driving.desktop import Desktop
+from driving.notifications import NotificationArea
+from driving.sway import Sway
+from driving.timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
+from driving.waiting import wait_until
 
 APPLICATION = "org.freedesktop.Application"
 

@@ -12,10 +12,10 @@ import sys
 import time
 import unittest
 
-from desktop import Desktop
-from notifications import NotificationArea
-from timer import AFTER_FIRST_RUN, Timer
-from waiting import wait_until
+from driving.desktop import Desktop
+from driving.notifications import NotificationArea
+from driving.timer import AFTER_FIRST_RUN, Timer
+from driving.waiting import wait_until
 
 QUIET = AFTER_FIRST_RUN | {"Mute": "true"}
 FAKE_TIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"

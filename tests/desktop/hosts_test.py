@@ -7,10 +7,10 @@ By hand: `MARVELODE_TIMER=build/dev/bin/marvelode-timer tests/desktop/hosts_test
 
 import unittest
 
-from desktop import Desktop
-from hosts import Ayatana, Lxqt, Mate, Waybar, Xfce
-from timer import AFTER_FIRST_RUN, Timer
-from waiting import wait_until
+from driving.desktop import Desktop
+from driving.hosts import Ayatana, Lxqt, Mate, Waybar, Xfce
+from driving.timer import AFTER_FIRST_RUN, Timer
+from driving.waiting import wait_until
 
 QUIET = AFTER_FIRST_RUN | {"Mute": "true", "PopupAlerts": "false"}
 

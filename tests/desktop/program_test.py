@@ -12,11 +12,11 @@ import time
 import unittest
 from pathlib import Path
 
-import processes
-from desktop import PANEL_HEIGHT, TRAY_PICTURE, Desktop
-from picture import Picture
-from timer import AFTER_FIRST_RUN, Timer
-from waiting import wait_until
+from driving import processes
+from driving.desktop import PANEL_HEIGHT, TRAY_PICTURE, Desktop
+from driving.picture import Picture
+from driving.timer import AFTER_FIRST_RUN, Timer
+from driving.waiting import wait_until
 
 RESOURCES = Path(__file__).resolve().parents[2] / "resources"
 

@@ -12,12 +12,12 @@ from pathlib import Path
 
 from gi.repository import GLib
 
-import processes
-from desktop import PANEL_HEIGHT, Desktop
-from notifications import NotificationArea
-from statusitem import WATCHER
-from timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
-from waiting import wait_until
+from driving import processes
+from driving.desktop import PANEL_HEIGHT, Desktop
+from driving.notifications import NotificationArea
+from driving.statusitem import WATCHER
+from driving.timer import AFTER_FIRST_RUN, NAME, PATH, PROGRAM, Timer
+from driving.waiting import wait_until
 
 MANUAL = Path(__file__).resolve().parents[2] / "packaging/linux/marvelode-timer.1"
 MENU = ["About Marvelode Timer", "Restart timer", "Mute", "Popup reminders", "Settings", "Quit"]

@@ -1,11 +1,11 @@
 // The contract's hands on the Linux desktop: private buses in place of the session's, and a scripted user behind
 // the program that shows windows, so that neither a display nor a panel is needed.
 
-#include "platform/linux/SessionDesktop.hpp"
+#include "platform/linux/LinuxDesktop.hpp"
 #include "platform/linux/window/Protocol.hpp"
 #include "tests/contract/Driver.hpp"
-#include "tests/linux/PrivateBuses.hpp"
-#include "tests/sound/TemporaryFolder.hpp"
+#include "tests/support/PrivateBuses.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <glib-unix.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@
 namespace contract {
 namespace {
 
-using namespace platform::freedesktop;
+using namespace platform::linux;
 namespace fs = std::filesystem;
 
 struct Launcher : platform::NSApplicationDelegate {
@@ -188,9 +188,9 @@ public:
     int run(const std::vector<std::string>& arguments, std::function<void()> program) override {
         const auto bus = connectToSession();
         _program = g_dbus_connection_get_unique_name(bus.get());
-        SessionDesktop desktop{bus.get(),
-                               {_folder.path / "resources", _folder.path / "helpers", _folder.path / "settings"},
-                               arguments};
+        LinuxDesktop desktop{bus.get(),
+                             {_folder.path / "resources", _folder.path / "helpers", _folder.path / "settings"},
+                             arguments};
         desktop.application.delegate = std::make_shared<Launcher>(std::move(program));
         after(std::chrono::seconds{5}, [&] {
             ADD_FAILURE() << "the program did not end";
@@ -310,8 +310,8 @@ private:
     }
 
     TemporaryFolder _folder;
-    platform::freedesktop::ObjectHandle<GDBusConnection> _system = connectToSystem();
-    platform::freedesktop::ObjectHandle<GDBusConnection> _panel = connectToSession();
+    platform::linux::ObjectHandle<GDBusConnection> _system = connectToSystem();
+    platform::linux::ObjectHandle<GDBusConnection> _panel = connectToSession();
     User _user{_folder.path / "user", [this] { windowOpened(); }};
     std::string _program; // its name on the bus
     std::list<Deed> _deeds;

@@ -1,12 +1,12 @@
 // The pictures that panels are sent: read from the program's files, or drawn.
 
-#include "platform/linux/Handles.hpp"
-#include "platform/linux/Png.hpp"
 #include "platform/linux/Resources.hpp"
-#include "platform/linux/StatusContent.hpp"
-#include "platform/linux/StrokeFont.hpp"
-#include "platform/linux/TextPicture.hpp"
-#include "platform/linux/TrayHost.hpp"
+#include "platform/linux/drawing/Png.hpp"
+#include "platform/linux/drawing/StrokeFont.hpp"
+#include "platform/linux/drawing/TextPicture.hpp"
+#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/tray/StatusContent.hpp"
+#include "platform/linux/tray/TrayHost.hpp"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 namespace fs = std::filesystem;
@@ -278,4 +278,4 @@ TEST(Words, SayWhatTheTextMeans) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

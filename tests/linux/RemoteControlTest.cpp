@@ -1,8 +1,8 @@
 // What others on the session bus can do with the timer and see of it, and that there is one timer only.
 
-#include "platform/linux/Control.hpp"
+#include "platform/linux/RemoteControl.hpp"
 
-#include "tests/linux/PrivateBuses.hpp"
+#include "tests/support/PrivateBuses.hpp"
 
 #include <gmock/gmock.h>
 
@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using testing::ElementsAre;
@@ -27,7 +27,7 @@ constexpr const char* objectPath = "/org/marvelode/Timer";
 
 class ControlTest : public testing::Test {
 protected:
-    ControlTest() { EXPECT_TRUE(Control::claimName(bus.get())); }
+    ControlTest() { EXPECT_TRUE(RemoteControl::claimName(bus.get())); }
     void TearDown() override {
         g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     } // and gives the name back
@@ -70,7 +70,7 @@ protected:
     bool showsPopups = true;
     ObjectHandle<GDBusConnection> bus = connectToSession();
     ObjectHandle<GDBusConnection> script = connectToSession();
-    std::optional<Control> control{
+    std::optional<RemoteControl> control{
         std::in_place, bus.get(),
         ControlledProgram{.commands = {{"Restart", "restart", "Restart timer"}, {"Quit", "quit", "Quit now"}},
                           .pick =
@@ -182,13 +182,13 @@ TEST_F(ControlTest, ThePropertiesAreReadAfresh) {
 }
 
 TEST_F(ControlTest, TheNameBelongsToOneTimer) {
-    EXPECT_FALSE(Control::claimName(script.get()));
+    EXPECT_FALSE(RemoteControl::claimName(script.get()));
     control.reset();
     g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     bool isClaimed = false;
     EXPECT_TRUE(runLoopUntil([&] {
         g_main_context_wakeup(nullptr);
-        return isClaimed = isClaimed || Control::claimName(script.get());
+        return isClaimed = isClaimed || RemoteControl::claimName(script.get());
     }));
 }
 
@@ -196,7 +196,7 @@ TEST_F(ControlTest, ASecondTimerHasTheFirstShowItsMenu) {
     std::promise<bool> isShown;
     std::thread second{[&] {
         ErrorSlot error;
-        isShown.set_value(Control::showMenuOfOwner(script.get(), error));
+        isShown.set_value(RemoteControl::showMenuOfOwner(script.get(), error));
         g_main_context_wakeup(nullptr);
     }};
     std::future<bool> answer = isShown.get_future();
@@ -210,7 +210,7 @@ TEST_F(ControlTest, ATimerThatIsGoneShowsNoMenu) {
     control.reset();
     g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     ErrorSlot error;
-    EXPECT_FALSE(Control::showMenuOfOwner(script.get(), error));
+    EXPECT_FALSE(RemoteControl::showMenuOfOwner(script.get(), error));
     EXPECT_THAT(error.message(), HasSubstr("org.marvelode.Timer"));
 }
 
@@ -222,4 +222,4 @@ TEST_F(ControlTest, NothingIsAnsweredOnceItHasEnded) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

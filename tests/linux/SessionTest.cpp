@@ -2,13 +2,13 @@
 
 #include "platform/NSMenu.hpp"
 #include "platform/linux/EventLoop.hpp"
-#include "platform/linux/MenuExport.hpp"
-#include "platform/linux/SessionDesktop.hpp"
-#include "platform/linux/StatusNotifierItem.hpp"
-#include "platform/linux/Tray.hpp"
+#include "platform/linux/LinuxDesktop.hpp"
 #include "platform/linux/WakeWatcher.hpp"
-#include "tests/linux/PrivateBuses.hpp"
-#include "tests/sound/TemporaryFolder.hpp"
+#include "platform/linux/tray/MenuExport.hpp"
+#include "platform/linux/tray/StatusNotifierItem.hpp"
+#include "platform/linux/tray/Tray.hpp"
+#include "tests/support/PrivateBuses.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <gio/gunixsocketaddress.h>
 #include <glib-unix.h>
@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using namespace std::chrono_literals;
@@ -91,7 +91,7 @@ protected:
     TemporaryFolder folder;
     ObjectHandle<GDBusConnection> program = connectToSession();
     ObjectHandle<GDBusConnection> panel = connectToSession();
-    SessionDesktop desktop{program.get(), {folder.path, folder.path, folder.path / "settings"}, {}};
+    LinuxDesktop desktop{program.get(), {folder.path, folder.path, folder.path / "settings"}, {}};
     std::deque<std::function<void()>> posted;
     std::vector<std::string> picked;
     std::shared_ptr<NSMenu> menu = std::make_shared<NSMenu>();
@@ -445,4 +445,4 @@ TEST_F(Waking, MayBeForgottenBeforeTheSystemBusAnswers) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -2,7 +2,7 @@
 
 #include "platform/linux/SettingsFile.hpp"
 
-#include "tests/sound/TemporaryFolder.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 namespace fs = std::filesystem;
@@ -247,4 +247,4 @@ TEST_F(Settings, LeaveNothingElseInTheFolder) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,6 +1,6 @@
 #import "tests/macos/Session.hpp"
 
-#import "platform/macos/CocoaDesktop.hpp"
+#import "platform/macos/MacDesktop.hpp"
 #import "platform/macos/Strings.hpp"
 
 #include <gtest/gtest.h>
@@ -56,7 +56,7 @@ BOOL notedPlay(id self, SEL selector) {
 id notedInitSound(id self, SEL selector, NSURL* url, BOOL byReference) {
     const id sound = reinterpret_cast<id (*)(id, SEL, NSURL*, BOOL)>(initSound)(self, selector, url, byReference);
     if (sound) {
-        soundFiles[sound] = cocoa::fromCocoa([[url path] lastPathComponent]);
+        soundFiles[sound] = macos::fromCocoa([[url path] lastPathComponent]);
         Method const play = class_getInstanceMethod(object_getClass(sound), @selector(play));
         if (!playMethods.contains(play)) {
             playMethods[play] = method_setImplementation(play, reinterpret_cast<IMP>(notedPlay));
@@ -175,7 +175,7 @@ int Session::run(const std::vector<std::string>& arguments, milliseconds limit, 
         NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
         NSMutableDictionary* const domain = [NSMutableDictionary dictionary];
         for (const auto& [key, value] : platform::argumentDomain(arguments)) {
-            [domain setObject:cocoa::toCocoa(value) forKey:cocoa::toCocoa(key)];
+            [domain setObject:macos::toCocoa(value) forKey:macos::toCocoa(key)];
         }
         [defaults removeVolatileDomainForName:NSArgumentDomain];
         [defaults setVolatileDomain:domain forName:NSArgumentDomain];
@@ -190,7 +190,7 @@ int Session::run(const std::vector<std::string>& arguments, milliseconds limit, 
         _ranOut = false;
         _isRunning = true;
         _end = Clock::now() + limit;
-        cocoa::CocoaDesktop desktop;
+        macos::MacDesktop desktop;
         listenToSounds(); // not earlier: GNUstep looks for resources as soon as it hears of sounds
         startClock();
         const int status = program(static_cast<int>(arguments.size() + 1), argv.data());
@@ -259,7 +259,7 @@ NSArray* viewsOfClass(Class kind) {
 
 NSButton* buttonTitled(std::string_view title) {
     for (NSButton* each in viewsOfClass([NSButton class])) {
-        if ([[each title] isEqualToString:cocoa::toCocoa(title)]) {
+        if ([[each title] isEqualToString:macos::toCocoa(title)]) {
             return each;
         }
     }
@@ -301,7 +301,7 @@ NSMenu* statusMenu() { return [statusItem menu]; }
 
 NSMenuItem* menuEntry(std::string_view title) {
     [statusMenu() update];
-    return static_cast<NSMenuItem*>([statusMenu() itemWithTitle:cocoa::toCocoa(title)]);
+    return static_cast<NSMenuItem*>([statusMenu() itemWithTitle:macos::toCocoa(title)]);
 }
 
 void pick(std::string_view title) {

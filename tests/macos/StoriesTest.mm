@@ -13,9 +13,9 @@
 namespace {
 
 using namespace macos_tests;
-using cocoa::fromCocoa;
-using cocoa::Retained;
-using cocoa::toCocoa;
+using macos::fromCocoa;
+using macos::Retained;
+using macos::toCocoa;
 
 Lines openedAddresses;
 

@@ -3,7 +3,7 @@
 #include "tests/models/CycleModel.hpp"
 
 #include "tests/models/Property.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <array>
 
@@ -279,7 +279,7 @@ private:
         _model.heard.clear();
     }
 
-    story::Desktop _desktop;
+    story::StoryDesktop _desktop;
     CycleModel _model;
     std::int64_t _morning = 0;
 };

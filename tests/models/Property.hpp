@@ -3,7 +3,7 @@
 // Properties that hold for thousands of random sequences. The seed of a failure is printed; RC_PARAMS in the
 // environment repeats it.
 
-#include "tests/models/Sanitizers.hpp"
+#include "tests/support/Sanitizers.hpp"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

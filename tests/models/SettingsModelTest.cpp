@@ -2,7 +2,7 @@
 
 #include "app/Events.hpp"
 #include "config/Cfg.hpp"
-#include "platform/simulated/Desktop.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
 #include "tests/models/Property.hpp"
 
 #include <cmath>
@@ -90,7 +90,7 @@ private:
 
 TEST(TheSettings, BehaveAsTheModelPredicts) {
     expectAlways("settings", [] {
-        platform::simulated::Desktop desktop{nullptr, nullptr};
+        platform::simulated::SimulatedDesktop desktop{nullptr, nullptr};
         const auto events = std::make_shared<Events>();
         std::vector<Parameter> published;
         events->subscribe([&](Parameter parameter) { published.push_back(parameter); });

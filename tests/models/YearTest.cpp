@@ -1,7 +1,7 @@
 // A year in the life of the program, which must leave no trace in its memory.
 
-#include "tests/models/Sanitizers.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
+#include "tests/support/Sanitizers.hpp"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ constexpr int days = models::isSanitized ? 30 : 365;
 constexpr int intervalsADay = 144;
 
 /// One work interval with whatever the user does that time. Gives the reminders seen.
-int interval(Desktop& desktop, int number) {
+int interval(StoryDesktop& desktop, int number) {
     int reminders = 1;
     if (number % 50 == 0) { // a nap
         desktop.wait(4min);
@@ -75,7 +75,7 @@ int interval(Desktop& desktop, int number) {
 }
 
 /// A day of intervals; every reminder is seen and heard.
-void day(Desktop& desktop) {
+void day(StoryDesktop& desktop) {
     for (int number = 0; number < intervalsADay; ++number) {
         const int reminders = interval(desktop, number);
         ASSERT_EQ(desktop.heard().size(), static_cast<std::size_t>(reminders));
@@ -86,7 +86,7 @@ void day(Desktop& desktop) {
 }
 
 TEST(AYear, OfWorkLosesNoReminderAndNoMemory) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.launch();
     day(desktop); // fills every buffer once

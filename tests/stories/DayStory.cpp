@@ -1,6 +1,6 @@
 // A day at work.
 
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@ namespace story {
 namespace {
 
 TEST(ADay, OfBreaksSnoozesSleepAndSettings) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["AlertSound"] = std::string{"Sonar"};
     desktop.launch();
@@ -74,7 +74,7 @@ TEST(ADay, OfBreaksSnoozesSleepAndSettings) {
 }
 
 TEST(ADay, OfCountingDown) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["TimerInterval"] = 7200.0;
     desktop.launch();
@@ -93,7 +93,7 @@ TEST(ADay, OfCountingDown) {
 }
 
 TEST(ADay, WithTheLidClosedWhileTheReminderIsUp) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.sleepAndWake(8h);
@@ -111,7 +111,7 @@ TEST(ADay, WithTheLidClosedWhileTheReminderIsUp) {
 }
 
 TEST(ADay, WhoseClockIsSetMovesTheTextButNotTheReminder) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.launch();
     desktop.wait(5min);
@@ -130,7 +130,7 @@ TEST(ADay, WhoseClockIsSetMovesTheTextButNotTheReminder) {
 }
 
 TEST(ADay, OnABusyMachineIsOnlyLate) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.launch();
     desktop.wait(9min + 58s);

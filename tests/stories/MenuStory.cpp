@@ -1,6 +1,6 @@
 // What the menu offers.
 
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 class TheMenu : public testing::Test {
 protected:
-    Desktop desktop;
+    StoryDesktop desktop;
 
     void SetUp() override {
         desktop.hadAFirstRun();

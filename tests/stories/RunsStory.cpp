@@ -1,6 +1,6 @@
 // From the first run to later ones.
 
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@ namespace story {
 namespace {
 
 TEST(FirstRun, BeginsWithTenMinutesAndEverythingSwitchedOn) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
 
     EXPECT_EQ(desktop.icon(), "Marvelode.png");
@@ -43,7 +43,7 @@ TEST(FirstRun, BeginsWithTenMinutesAndEverythingSwitchedOn) {
 }
 
 TEST(FirstRun, CannotTurnPopupsOff) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
     desktop.pick("Popup reminders");
     EXPECT_TRUE(desktop.isChecked("Popup reminders"));
@@ -56,7 +56,7 @@ TEST(FirstRun, CannotTurnPopupsOff) {
 }
 
 TEST(SecondRun, KeepsWhatTheUserChooses) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch();
     desktop.pick("Quit");
 
@@ -83,7 +83,7 @@ TEST(SecondRun, KeepsWhatTheUserChooses) {
 }
 
 TEST(ALaterVersion, IsNoFirstRunAndRecordsItself) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["PopupAlerts"] = false;
     desktop.launch();
@@ -92,7 +92,7 @@ TEST(ALaterVersion, IsNoFirstRunAndRecordsItself) {
 }
 
 TEST(TestMode, LastsThirtySecondsAndSnoozesForFive) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch({"-test"});
     EXPECT_EQ(desktop.icon(), "");
     desktop.wait(29s);
@@ -109,7 +109,7 @@ TEST(TestMode, LastsThirtySecondsAndSnoozesForFive) {
 }
 
 TEST(TheCommandLine, OverridesSettingsForOneRun) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.launch({"-TimerInterval", "1500", "-PopupAlerts", "NO", "-AutoRestart", "NO"});
     desktop.wait(25min);
@@ -126,7 +126,7 @@ TEST(TheCommandLine, OverridesSettingsForOneRun) {
 }
 
 TEST(PowerLoss, WhileTheReminderIsUpLosesNoSetting) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["AlertSound"] = std::string{"Whistle"};
     desktop.launch();

@@ -1,6 +1,6 @@
 // The settings window.
 
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 class TheSettings : public testing::Test {
 protected:
-    Desktop desktop;
+    StoryDesktop desktop;
 
     void SetUp() override {
         desktop.hadAFirstRun();

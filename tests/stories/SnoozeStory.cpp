@@ -1,6 +1,6 @@
 // A break is due, and the user has no time.
 
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@ namespace story {
 namespace {
 
 TEST(Snooze, KeepsTheDeadline) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.launch({"-test"});
     const double due = desktop.deadline();
     desktop.wait(30s);
@@ -24,7 +24,7 @@ TEST(Snooze, KeepsTheDeadline) {
 }
 
 TEST(Snooze, CanBeRepeatedForAsLongAsOneLikes) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     for (int snoozes = 1; snoozes <= 90; ++snoozes) {
         desktop.click("Snooze");
@@ -39,7 +39,7 @@ TEST(Snooze, CanBeRepeatedForAsLongAsOneLikes) {
 }
 
 TEST(Snooze, CountsUpInRed) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     desktop.click("Snooze");
     desktop.wait(30s);
@@ -50,7 +50,7 @@ TEST(Snooze, CountsUpInRed) {
 }
 
 TEST(Snooze, EndsWhenTheUserRestartsFromTheMenu) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     desktop.click("Snooze");
     desktop.heard();
@@ -65,7 +65,7 @@ TEST(Snooze, EndsWhenTheUserRestartsFromTheMenu) {
 }
 
 TEST(ThePopup, IsAnsweredWithRestartByTheReturnKey) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.pressReturn();
@@ -74,7 +74,7 @@ TEST(ThePopup, IsAnsweredWithRestartByTheReturnKey) {
 }
 
 TEST(ThePopup, LeavesTheMenuWithoutAnythingToPick) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     EXPECT_EQ(desktop.menu(), (Lines{"- About Marvelode Timer", "---", "- Restart timer (r)", "- Mute",
@@ -85,7 +85,7 @@ TEST(ThePopup, LeavesTheMenuWithoutAnythingToPick) {
 }
 
 TEST(ThePopup, LetsTheTextCountOnWhereTheDesktopDoes) {
-    Desktop desktop{platform::RepeatingTimersDuringModal::Fire};
+    StoryDesktop desktop{platform::RepeatingTimersDuringModal::Fire};
     desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.wait(42s);
@@ -94,7 +94,7 @@ TEST(ThePopup, LetsTheTextCountOnWhereTheDesktopDoes) {
 }
 
 TEST(ThePopup, HoldsTheTextWhereTheDesktopDoes) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.workUntilTheBreak();
     EXPECT_TRUE(desktop.alertIsUp());
     desktop.wait(42s);
@@ -103,7 +103,7 @@ TEST(ThePopup, HoldsTheTextWhereTheDesktopDoes) {
 }
 
 TEST(ThePopup, TurnedOffWithASnoozeGivesWayToTheSound) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["AutoRestart"] = false;
     desktop.launch();
@@ -122,7 +122,7 @@ TEST(ThePopup, TurnedOffWithASnoozeGivesWayToTheSound) {
 }
 
 TEST(ThePopup, KeepsItsTickFromOneReminderToTheNext) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["AutoRestart"] = false;
     desktop.launch();

@@ -1,4 +1,4 @@
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include "app/App.hpp"
 #include "app/main.hpp"
@@ -63,9 +63,9 @@ struct ParameterWriter {
 
 } // namespace
 
-Desktop::Desktop(platform::RepeatingTimersDuringModal policy)
-    : platform::simulated::Desktop{marvelode::marvelodeTimer,
-                                   [](const std::string& complaint) { ADD_FAILURE() << complaint; }, policy} {
+StoryDesktop::StoryDesktop(platform::RepeatingTimersDuringModal policy)
+    : platform::simulated::SimulatedDesktop{
+          marvelode::marvelodeTimer, [](const std::string& complaint) { ADD_FAILURE() << complaint; }, policy} {
     resources = {
         {"BuildInfo.txt", TextFile{"Build=1427\nDate=2025-06-09\nVersion=1.2.0\n"}},
         {"Sonar.m4a", SoundFile{}},
@@ -76,7 +76,7 @@ Desktop::Desktop(platform::RepeatingTimersDuringModal policy)
     };
 }
 
-void Desktop::hadAFirstRun() {
+void StoryDesktop::hadAFirstRun() {
     defaults = {{"Version", std::string{"1.1.0"}},
                 {"PopupAlerts", true},
                 {"AutoRestart", true},
@@ -84,23 +84,23 @@ void Desktop::hadAFirstRun() {
                 {"ShowCountdown", true}};
 }
 
-void Desktop::workUntilTheBreak() {
+void StoryDesktop::workUntilTheBreak() {
     hadAFirstRun();
     launch();
     wait(10min);
 }
 
-AppState Desktop::state() const { return marvelode::app->state; }
+AppState StoryDesktop::state() const { return marvelode::app->state; }
 
-double Desktop::deadline() const { return marvelode::app->systemTimerDeadline.timeIntervalSince1970(); }
+double StoryDesktop::deadline() const { return marvelode::app->systemTimerDeadline.timeIntervalSince1970(); }
 
-bool Desktop::isTimerPending() const {
+bool StoryDesktop::isTimerPending() const {
     return marvelode::app->systemTimer && marvelode::app->systemTimer->isValid();
 }
 
-Lines Desktop::published() { return std::exchange(_published, {}); }
+Lines StoryDesktop::published() { return std::exchange(_published, {}); }
 
-int Desktop::run(int argc, const char* const* argv) {
+int StoryDesktop::run(int argc, const char* const* argv) {
     marvelode::Events& events = *marvelode::app->events;
     events.subscribe(
         [this](Parameter parameter) { _published.push_back(std::visit(ParameterWriter{}, parameter.change)); });
@@ -108,7 +108,7 @@ int Desktop::run(int argc, const char* const* argv) {
     events.subscribe([this](AppState before, AppState after) {
         _published.push_back(std::string{nameOf(before)} + " to " + nameOf(after));
     });
-    return platform::simulated::Desktop::run(argc, argv);
+    return platform::simulated::SimulatedDesktop::run(argc, argv);
 }
 
 } // namespace story

@@ -4,7 +4,7 @@
 // its user sees.
 
 #include "app/AppState.hpp"
-#include "platform/simulated/Desktop.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
 
 #include <string>
 #include <vector>
@@ -19,12 +19,12 @@ using platform::simulated::SoundFile;
 using platform::simulated::TextFile;
 using platform::simulated::Unexpected;
 using platform::simulated::UnreadableFile;
-using Lines = platform::simulated::Desktop::Lines;
+using Lines = platform::simulated::SimulatedDesktop::Lines;
 
-class Desktop : public platform::simulated::Desktop {
+class StoryDesktop : public platform::simulated::SimulatedDesktop {
 public:
     /// A desktop with a complete installation and no settings. What nobody looked at fails the test.
-    explicit Desktop(platform::RepeatingTimersDuringModal policy = platform::RepeatingTimersDuringModal::Wait);
+    explicit StoryDesktop(platform::RepeatingTimersDuringModal policy = platform::RepeatingTimersDuringModal::Wait);
 
     /// Leaves the settings as a first run of version 1.1.0 leaves them.
     void hadAFirstRun();

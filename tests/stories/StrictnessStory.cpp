@@ -2,7 +2,7 @@
 
 #include "app/main.hpp"
 #include "platform/UserDefaults.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace story {
 namespace {
 
 TEST(AStory, FailsWhenItUsesWhatIsNotThere) {
-    Desktop desktop;
+    StoryDesktop desktop;
     EXPECT_THROW(desktop.title(), Unexpected);
     EXPECT_THROW(desktop.sleepAndWake(), Unexpected);
     desktop.hadAFirstRun();
@@ -45,7 +45,7 @@ TEST(AStory, FailsWhenItUsesWhatIsNotThere) {
 TEST(AStory, FailsForWhatItOverlooks) {
     std::vector<std::string> complaints;
     {
-        platform::simulated::Desktop desktop{
+        platform::simulated::SimulatedDesktop desktop{
             marvelode::marvelodeTimer, [&](const std::string& complaint) { complaints.push_back(complaint); }};
         desktop.resources = {{"Marvelode.png", PictureFile{{512, 832}}},
                              {"MarvelodeGrey.png", PictureFile{{512, 832}}},
@@ -63,7 +63,7 @@ TEST(AStory, FailsForWhatItOverlooks) {
 }
 
 TEST(AStory, SeesWhatEscapesFromTheProgram) {
-    platform::simulated::Desktop desktop{
+    platform::simulated::SimulatedDesktop desktop{
         [](int, const char* const*) -> int { throw std::runtime_error{"escaped"}; },
         [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
     EXPECT_THROW(desktop.launch(), std::runtime_error);

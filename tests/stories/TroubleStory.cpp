@@ -1,7 +1,7 @@
 // A damaged installation, and settings that somebody else wrote.
 
 #include "platform/UserDefaults.hpp"
-#include "tests/stories/Desktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using platform::simulated::LogEntry;
 LogEntry entry(const std::string& message) { return {"Marvelode Timer", "MarvelodeLog", message}; }
 
 TEST(MissingSounds, AreLoggedAndReplacedByTheBeep) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["AlertSound"] = std::string{"Bowl"};
     desktop.resources.erase("Bowl.m4a");
@@ -26,7 +26,7 @@ TEST(MissingSounds, AreLoggedAndReplacedByTheBeep) {
 }
 
 TEST(BrokenSounds, AreLoggedAndReplacedByTheBeep) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.resources["Whistle.m4a"] = TextFile{"no sound"};
     desktop.launch();
@@ -39,7 +39,7 @@ TEST(BrokenSounds, AreLoggedAndReplacedByTheBeep) {
 }
 
 TEST(AMissingBuildInfo, LeavesTheTextsUnknown) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.resources.erase("BuildInfo.txt");
     desktop.launch();
     desktop.pick("About Marvelode Timer");
@@ -49,7 +49,7 @@ TEST(AMissingBuildInfo, LeavesTheTextsUnknown) {
 }
 
 TEST(ALogThatTakesNoErrors, LeavesThePrintedLine) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.resources.erase("Sonar.m4a");
     desktop.logsErrors = false;
@@ -59,7 +59,7 @@ TEST(ALogThatTakesNoErrors, LeavesThePrintedLine) {
 }
 
 TEST(SettingsOfTheWrongType, AreReadAsWellAsTheyCanBe) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["TimerInterval"] = std::string{"300 seconds"};
     desktop.defaults["Mute"] = std::string{"YES"};
@@ -72,7 +72,7 @@ TEST(SettingsOfTheWrongType, AreReadAsWellAsTheyCanBe) {
 }
 
 TEST(ANegativeInterval, RemindsAtOnce) {
-    Desktop desktop;
+    StoryDesktop desktop;
     desktop.hadAFirstRun();
     desktop.defaults["TimerInterval"] = -60.0;
     desktop.launch();
@@ -90,7 +90,7 @@ protected:
 TEST_F(TroubleDeathTest, AMissingTimerPictureStopsTheProgram) {
     EXPECT_EXIT(
         {
-            Desktop desktop;
+            StoryDesktop desktop;
             desktop.resources.erase("Marvelode.png");
             desktop.launch();
         },
@@ -100,7 +100,7 @@ TEST_F(TroubleDeathTest, AMissingTimerPictureStopsTheProgram) {
 TEST_F(TroubleDeathTest, AMissingReminderPictureStopsTheProgramWhenItIsNeeded) {
     EXPECT_EXIT(
         {
-            Desktop desktop;
+            StoryDesktop desktop;
             desktop.resources.erase("MarvelodeGrey.png");
             desktop.launch();
             desktop.wait(9min);
@@ -113,7 +113,7 @@ TEST_F(TroubleDeathTest, AMissingReminderPictureStopsTheProgramWhenItIsNeeded) {
 TEST_F(TroubleDeathTest, ANegativeIntervalStopsTheProgramWhenTheSettingsOpen) {
     EXPECT_EXIT(
         {
-            Desktop desktop;
+            StoryDesktop desktop;
             desktop.hadAFirstRun();
             desktop.launch();
             desktop.defaults["TimerInterval"] = -60.0;
@@ -126,7 +126,7 @@ TEST_F(TroubleDeathTest, ANegativeIntervalStopsTheProgramWhenTheSettingsOpen) {
 TEST_F(TroubleDeathTest, ALineWithoutAValueInTheBuildInfoStopsTheProgram) {
     EXPECT_EXIT(
         {
-            Desktop desktop;
+            StoryDesktop desktop;
             desktop.resources["BuildInfo.txt"] = TextFile{"Build=\n"};
             desktop.launch();
         },

@@ -4,7 +4,7 @@
 // other verbs do nothing.
 
 #include "platform/Desktop.hpp"
-#include "platform/linux/WindowHelper.hpp"
+#include "platform/linux/window/WindowHelper.hpp"
 
 #include <glib.h>
 
@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class BareDesktop : public Desktop {
 public:
@@ -67,4 +67,4 @@ private:
     std::filesystem::path _resources;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -2,8 +2,8 @@
 
 // Stands in for the desktop's notification area: remembers what it was told.
 
-#include "platform/linux/ExportedInterface.hpp"
-#include "tests/linux/PrivateBuses.hpp"
+#include "platform/linux/glib/ExportedInterface.hpp"
+#include "tests/support/PrivateBuses.hpp"
 
 #include <cstdint>
 #include <map>
@@ -44,7 +44,7 @@ public:
     int shows = 0;
 
 private:
-    using VariantHandle = platform::freedesktop::VariantHandle;
+    using VariantHandle = platform::linux::VariantHandle;
 
     static constexpr const char* name = "org.freedesktop.Notifications";
     static constexpr const char* object = "/org/freedesktop/Notifications";
@@ -59,7 +59,7 @@ private:
     </interface></node>)";
 
     VariantHandle answer(std::string_view method, GVariant* arguments) {
-        using namespace platform::freedesktop;
+        using namespace platform::linux;
         if (method == "CloseNotification") {
             std::uint32_t number = 0;
             g_variant_get(arguments, "(u)", &number);
@@ -98,8 +98,8 @@ private:
         return owned(g_variant_new("(u)", number));
     }
 
-    platform::freedesktop::ObjectHandle<GDBusConnection> _bus{connectToSession()};
-    platform::freedesktop::ExportedInterface _interface{
+    platform::linux::ObjectHandle<GDBusConnection> _bus{connectToSession()};
+    platform::linux::ExportedInterface _interface{
         _bus.get(), object, description,
         [this](std::string_view method, GVariant* arguments) { return answer(method, arguments); }, nullptr};
     std::uint32_t _lastNumber = 6;

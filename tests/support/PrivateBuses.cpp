@@ -1,4 +1,4 @@
-#include "tests/linux/PrivateBuses.hpp"
+#include "tests/support/PrivateBuses.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -12,10 +12,10 @@
 #include <string_view>
 #include <utility>
 
-using platform::freedesktop::ErrorSlot;
-using platform::freedesktop::ObjectHandle;
-using platform::freedesktop::TextHandle;
-using platform::freedesktop::VariantHandle;
+using platform::linux::ErrorSlot;
+using platform::linux::ObjectHandle;
+using platform::linux::TextHandle;
+using platform::linux::VariantHandle;
 
 namespace {
 

@@ -3,17 +3,17 @@
 // A session bus and a stand-in for the system bus that belong to the test process alone, and GLib's way of
 // answering and waiting on them.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <chrono>
 #include <functional>
 #include <string>
 
 /// A new connection to the private session bus. Made anew each time, so that the ends of a conversation differ.
-platform::freedesktop::ObjectHandle<GDBusConnection> connectToSession();
+platform::linux::ObjectHandle<GDBusConnection> connectToSession();
 
 /// A new connection to the bus that the process takes for the system bus.
-platform::freedesktop::ObjectHandle<GDBusConnection> connectToSystem();
+platform::linux::ObjectHandle<GDBusConnection> connectToSystem();
 
 /// Lets the system bus die, and another take its place.
 void stopSystemBus();
@@ -32,6 +32,6 @@ bool runLoopUntil(const std::function<bool()>& isDone);
 void runLoopFor(std::chrono::milliseconds span);
 
 /// Calls a method whose answer may come from this very process; nothing if it fails, with the reason in `error`.
-platform::freedesktop::VariantHandle call(GDBusConnection* from, const std::string& to, const char* path,
-                                          const char* interface, const char* method, GVariant* arguments,
-                                          std::string* error = nullptr);
+platform::linux::VariantHandle call(GDBusConnection* from, const std::string& to, const char* path,
+                                    const char* interface, const char* method, GVariant* arguments,
+                                    std::string* error = nullptr);

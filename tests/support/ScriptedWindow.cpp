@@ -19,7 +19,7 @@
 
 namespace {
 
-using namespace platform::freedesktop;
+using namespace platform::linux;
 
 bool hand(std::string_view message, int to) {
     return send(to, message.data(), message.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(message.size());

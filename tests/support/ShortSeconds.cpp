@@ -1,4 +1,4 @@
-#include "tests/window/ShortSeconds.hpp"
+#include "tests/support/ShortSeconds.hpp"
 
 #include <glib.h>
 

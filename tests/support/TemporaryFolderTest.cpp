@@ -1,6 +1,6 @@
 // Tests leave nothing behind, however they end.
 
-#include "TemporaryFolder.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

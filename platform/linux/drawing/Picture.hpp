@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// Pixels row by row from the top left, each 0xAARRGGBB with straight alpha.
 struct Picture {
@@ -23,4 +23,4 @@ struct Picture {
     std::uint32_t at(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,13 +1,13 @@
-#include "platform/linux/Png.hpp"
+#include "platform/linux/drawing/Png.hpp"
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr std::string_view signature{"\x89PNG\r\n\x1a\n", 8};
@@ -144,4 +144,4 @@ std::optional<Picture> decodePng(std::string_view file) {
     return picture;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,4 +1,4 @@
-#include "platform/linux/StrokeFont.hpp"
+#include "platform/linux/drawing/StrokeFont.hpp"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 /// A point that a stroke runs through or, if round, turns before: in hundredths of the letter's width and height.
@@ -264,4 +264,4 @@ void StrokeText::addTo(DistanceField& field, int scale, int left, int top, doubl
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// For each pixel of a picture, row by row, how far its centre lies from the middle of the nearest stroke.
 class DistanceField {
@@ -60,4 +60,4 @@ private:
     double _squeeze; ///< What the widths are multiplied with.
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

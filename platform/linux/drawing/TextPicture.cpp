@@ -1,12 +1,12 @@
-#include "platform/linux/TextPicture.hpp"
+#include "platform/linux/drawing/TextPicture.hpp"
 
-#include "platform/linux/StrokeFont.hpp"
+#include "platform/linux/drawing/StrokeFont.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr NSColor textColour{1, 1, 1};
@@ -149,4 +149,4 @@ Picture inColour(Picture icon, const NSColor& colour) {
     return icon;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -5,12 +5,12 @@
 // them and they stay sharp.
 
 #include "platform/NSImage.hpp"
-#include "platform/linux/Picture.hpp"
+#include "platform/linux/drawing/Picture.hpp"
 
 #include <optional>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// Draws `text` into a square of `size` pixels as large as it fits, in white if no colour is given. `shareLeft`,
 /// from 1 down to 0, is the length of the bar below it; without it there is none.
@@ -24,4 +24,4 @@ Picture drawTextBesideIcon(const Picture& icon, std::string_view text, const std
 /// Gives the grey `icon` in shades of that colour.
 Picture inColour(Picture icon, const NSColor& colour);
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,10 +1,10 @@
-#include "platform/linux/ExportedInterface.hpp"
+#include "platform/linux/glib/ExportedInterface.hpp"
 
 #include "platform/Fatal.hpp"
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 ExportedInterface::Call answeringAtOnce(ExportedInterface::Method method) {
@@ -60,4 +60,4 @@ void ExportedInterface::emit(const char* signal, GVariant* arguments) const {
                                   arguments, nullptr); // fails only on a closed bus, which ends the program
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -2,13 +2,13 @@
 
 // One D-Bus interface at one object path, answered by two functions. It is on the bus for as long as it lives.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <functional>
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class ExportedInterface {
 public:
@@ -42,4 +42,4 @@ private:
     unsigned _registration;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 template <auto release>
 struct Release {
@@ -59,4 +59,4 @@ private:
     ObjectHandle<GCancellable> _cancellable{g_cancellable_new()};
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,4 +1,4 @@
-#include "platform/linux/Mpeg4.hpp"
+#include "platform/linux/sound/Mpeg4.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 /// A named part of the file; what it holds stands in the bytes from `begin` to before `end`.
@@ -152,4 +152,4 @@ bool holdsAac(const std::filesystem::path& path) {
                        [&](const Box& part) { return isNamed("trak")(part) && container.isAacTrack(part); });
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,7 +1,7 @@
-#include "platform/linux/SoundPlayer.hpp"
+#include "platform/linux/sound/SoundPlayer.hpp"
 
-#include "platform/linux/Handles.hpp"
-#include "platform/linux/Mpeg4.hpp"
+#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/sound/Mpeg4.hpp"
 
 #include <glib-unix.h>
 #include <glib.h>
@@ -14,7 +14,7 @@
 #include <csignal>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 /// The last line of what was written to the pipe and not read yet, without waiting for more.
@@ -163,4 +163,4 @@ void SoundPlayer::ended(const Helper& helper, const std::string& complaint) {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

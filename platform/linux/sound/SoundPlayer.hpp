@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class SoundPlayer {
 public:
@@ -49,4 +49,4 @@ private:
     std::vector<std::unique_ptr<Helper>> _helpers;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,9 +1,9 @@
-#include "platform/linux/MenuExport.hpp"
+#include "platform/linux/tray/MenuExport.hpp"
 
 #include <algorithm>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* description = R"xml(<node><interface name="com.canonical.dbusmenu">
@@ -252,4 +252,4 @@ bool MenuExport::handle(std::int32_t identifier, std::string_view event) {
     return true;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

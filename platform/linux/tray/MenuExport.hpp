@@ -4,7 +4,7 @@
 // tells what was picked. Entries are known by their place, from 1 on.
 
 #include "platform/NSMenu.hpp"
-#include "platform/linux/ExportedInterface.hpp"
+#include "platform/linux/glib/ExportedInterface.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class MenuExport {
 public:
@@ -54,4 +54,4 @@ private:
     ExportedInterface _interface;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

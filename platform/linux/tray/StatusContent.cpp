@@ -1,9 +1,9 @@
-#include "platform/linux/StatusContent.hpp"
+#include "platform/linux/tray/StatusContent.hpp"
 
 #include <cmath>
 #include <cstdint>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 std::string counted(double number, const char* unit) {
@@ -32,4 +32,4 @@ std::string inWords(TimeInterval secondsLeft) {
     return beginning + counted(span / minute + (isDue ? 0 : 1), "minute"); // the minute that has begun is counted
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

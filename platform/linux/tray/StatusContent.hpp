@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 struct StatusContent {
     std::string text;                ///< The text beside the picture; may be empty.
@@ -24,4 +24,4 @@ struct StatusContent {
 /// break is due, `secondsLeft` is negative.
 std::string inWords(TimeInterval secondsLeft);
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,10 +1,10 @@
-#include "platform/linux/StatusNotifierItem.hpp"
+#include "platform/linux/tray/StatusNotifierItem.hpp"
 
 #include <bit>
 #include <cstdint>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* description = R"xml(<node><interface name="org.kde.StatusNotifierItem">
@@ -153,4 +153,4 @@ VariantHandle StatusNotifierItem::pictures() const {
     return owned(g_variant_builder_end(&builder));
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,16 +3,16 @@
 // The status item on the session bus, in the protocol org.kde.StatusNotifierItem: the panel reads the item's
 // properties and is sent a signal when one of them has changed, and only then.
 
-#include "platform/linux/ExportedInterface.hpp"
 #include "platform/linux/Resources.hpp"
-#include "platform/linux/StatusContent.hpp"
-#include "platform/linux/Tray.hpp"
-#include "platform/linux/TrayHost.hpp"
+#include "platform/linux/glib/ExportedInterface.hpp"
+#include "platform/linux/tray/StatusContent.hpp"
+#include "platform/linux/tray/Tray.hpp"
+#include "platform/linux/tray/TrayHost.hpp"
 
 #include <functional>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class StatusNotifierItem {
 public:
@@ -44,4 +44,4 @@ private:
     Tray _tray;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

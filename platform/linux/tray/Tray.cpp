@@ -1,11 +1,11 @@
-#include "platform/linux/Tray.hpp"
+#include "platform/linux/tray/Tray.hpp"
 
 #include "platform/Text.hpp"
 #include "platform/linux/Resources.hpp"
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
@@ -113,4 +113,4 @@ void Tray::askForHost() {
                            G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

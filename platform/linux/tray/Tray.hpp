@@ -3,7 +3,7 @@
 // The panel that collects status items, found on the session bus by the name of its watcher. Panels come late,
 // restart and give way to others; the program's item is offered to each in turn.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <array>
 #include <functional>
@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class Tray {
 public:
@@ -38,4 +38,4 @@ private:
     std::array<unsigned, 2> _hostSubscriptions{};
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

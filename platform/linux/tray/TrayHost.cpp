@@ -1,14 +1,14 @@
-#include "platform/linux/TrayHost.hpp"
+#include "platform/linux/tray/TrayHost.hpp"
 
-#include "platform/linux/Png.hpp"
-#include "platform/linux/TextPicture.hpp"
+#include "platform/linux/drawing/Png.hpp"
+#include "platform/linux/drawing/TextPicture.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using Style = TrayHost::Style;
@@ -99,4 +99,4 @@ std::string TrayHost::pictureFile(const StatusContent& content, const Resources&
     return smallPictureFile(content.image, size, resources).value_or("").string();
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

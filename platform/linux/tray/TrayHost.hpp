@@ -3,16 +3,16 @@
 // How each panel is given the status item, since none shows picture, text and colour as another does. A panel that
 // wants something else is a line in the table of known hosts, or one more style.
 
-#include "platform/linux/Picture.hpp"
 #include "platform/linux/Resources.hpp"
-#include "platform/linux/StatusContent.hpp"
+#include "platform/linux/drawing/Picture.hpp"
+#include "platform/linux/tray/StatusContent.hpp"
 
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// What is known of a program that shows status items.
 struct TrayHost {
@@ -46,4 +46,4 @@ struct TrayHost {
     std::string pictureFile(const StatusContent& content, const Resources& resources) const;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

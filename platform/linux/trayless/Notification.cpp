@@ -1,8 +1,8 @@
-#include "platform/linux/Notification.hpp"
+#include "platform/linux/trayless/Notification.hpp"
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr const char* service = "org.freedesktop.Notifications";
@@ -103,4 +103,4 @@ void Notification::withdraw() {
     _id = 0;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,7 +3,7 @@
 // One message of the program in the desktop's notification area, with actions to choose from. Where the desktop
 // shows no notifications, nothing happens.
 
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class Notification {
 public:
@@ -48,4 +48,4 @@ private:
     bool _isWanted = false;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

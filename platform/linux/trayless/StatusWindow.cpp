@@ -1,10 +1,10 @@
-#include "platform/linux/StatusWindow.hpp"
+#include "platform/linux/trayless/StatusWindow.hpp"
 
 #include <glib.h>
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr std::uint32_t theWindow = 1;
@@ -140,4 +140,4 @@ void StatusWindow::apply(const Event& event) {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

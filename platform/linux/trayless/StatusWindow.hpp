@@ -5,8 +5,8 @@
 
 #include "platform/NSMenu.hpp"
 #include "platform/View.hpp"
-#include "platform/linux/StatusContent.hpp"
-#include "platform/linux/WindowProcess.hpp"
+#include "platform/linux/tray/StatusContent.hpp"
+#include "platform/linux/window/WindowProcess.hpp"
 
 #include <filesystem>
 #include <functional>
@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class StatusWindow {
 public:
@@ -68,4 +68,4 @@ private:
     unsigned _idle = 0;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

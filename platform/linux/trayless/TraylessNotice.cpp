@@ -1,8 +1,8 @@
-#include "platform/linux/TraylessNotice.hpp"
+#include "platform/linux/trayless/TraylessNotice.hpp"
 
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr unsigned secondsOfPatience = 3;
@@ -104,4 +104,4 @@ void TraylessNotice::tell() {
     _appear();
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

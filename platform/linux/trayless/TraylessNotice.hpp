@@ -4,13 +4,13 @@
 // It waits a moment first, since panels start late and restart, and while the screen is locked, since GNOME has
 // none then; it takes its message back when one appears.
 
-#include "platform/linux/Handles.hpp"
-#include "platform/linux/Notification.hpp"
+#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/trayless/Notification.hpp"
 
 #include <functional>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class TraylessNotice {
 public:
@@ -44,4 +44,4 @@ private:
     bool _isTold = false;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

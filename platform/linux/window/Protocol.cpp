@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr std::array eventKinds{"shown", "changed", "pressed", "submitted", "closed"};
@@ -69,4 +69,4 @@ std::optional<Event> decodeEvent(std::string_view message) {
     return isComplete && event.value.has_value() == (boxed != nullptr) ? std::optional{event} : std::nullopt;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -39,7 +39,7 @@
 #include <variant>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// No packet is longer, in bytes.
 inline constexpr std::size_t longestMessage = 65'536;
@@ -104,4 +104,4 @@ std::optional<Request> decodeRequest(std::string_view message, const std::functi
 /// The event in `message`; nothing if it is malformed.
 std::optional<Event> decodeEvent(std::string_view message);
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

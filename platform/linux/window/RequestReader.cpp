@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 template <typename... Outputs>
@@ -300,4 +300,4 @@ std::optional<Request> decodeRequest(std::string_view message, const std::functi
     return std::nullopt;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

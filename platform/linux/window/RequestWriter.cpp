@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 GVariant* encodeTexts(const std::vector<std::string>& texts) {
@@ -168,4 +168,4 @@ std::string encode(const Request& request) {
         request));
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -4,7 +4,7 @@
 // protocol's own sources include this.
 
 #include "platform/Overloaded.hpp"
-#include "platform/linux/Handles.hpp"
+#include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/window/Protocol.hpp"
 
 #include <optional>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <variant>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// `message`, a floating reference, as text; takes it over.
 inline std::string printed(GVariant* message) {
@@ -52,4 +52,4 @@ inline std::optional<ControlValue> decodeValue(GVariant* value) {
     return std::nullopt;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

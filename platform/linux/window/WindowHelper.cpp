@@ -1,13 +1,13 @@
-#include "platform/linux/WindowHelper.hpp"
+#include "platform/linux/window/WindowHelper.hpp"
 
 #include "platform/NSImage.hpp"
-#include "platform/linux/WindowProcess.hpp"
+#include "platform/linux/window/WindowProcess.hpp"
 
 #include <algorithm>
 #include <deque>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 /// Ticks the alert's check box as the user did. Gives false if the event tells nothing of the kind.
@@ -206,4 +206,4 @@ void WindowHelper::closeAll() {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

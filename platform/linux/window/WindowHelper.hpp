@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class WindowProcess;
 
@@ -58,4 +58,4 @@ private:
     std::uint32_t _lastWindow = 0;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,4 +1,4 @@
-#include "platform/linux/WindowProcess.hpp"
+#include "platform/linux/window/WindowProcess.hpp"
 
 #include <glib-unix.h>
 #include <sys/socket.h>
@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using namespace std::string_literals;
@@ -162,4 +162,4 @@ void WindowProcess::receive() {
     _somethingHappened();
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class WindowProcess {
 public:
@@ -58,4 +58,4 @@ private:
     std::deque<Event> _events;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -11,12 +11,12 @@ from pathlib import Path
 
 from gi.repository import GLib
 
-import processes
-from accessible import Accessible
-from bus import Bus
-from picture import Picture
-from statusitem import WATCHER, StatusItem
-from waiting import wait_until
+from . import processes
+from .accessible import Accessible
+from .bus import Bus
+from .picture import Picture
+from .statusitem import WATCHER, StatusItem
+from .waiting import wait_until
 
 PANEL_HEIGHT = 28
 TRAY_PICTURE = 22

@@ -7,14 +7,14 @@ from pathlib import Path
 
 from gi.repository import GLib
 
-import processes
-from legibility import contrast, find, likeness
-from picture import Picture
-from statusitem import WATCHER
-from sway import Sway
-from waiting import wait_until
+from . import processes
+from .legibility import contrast, find, likeness
+from .picture import Picture
+from .statusitem import WATCHER
+from .sway import Sway
+from .waiting import wait_until
 
-RESOURCES = Path(__file__).resolve().parents[2] / "resources"
+RESOURCES = Path(__file__).resolve().parents[3] / "resources"
 WRITE_LABEL = str(Path(__file__).resolve().with_name("write-label"))
 
 

@@ -2,7 +2,7 @@
 
 from gi.repository import GLib
 
-from waiting import wait_until
+from .waiting import wait_until
 
 NAME = "org.freedesktop.Notifications"
 PATH = "/org/freedesktop/Notifications"

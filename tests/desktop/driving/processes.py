@@ -4,7 +4,7 @@ import ctypes
 import os
 import signal
 
-from waiting import wait_until
+from .waiting import wait_until
 
 PR_SET_PDEATHSIG = 1
 PR_SET_CHILD_SUBREAPER = 36

@@ -2,8 +2,8 @@
 
 from gi.repository import GLib
 
-from picture import Picture
-from waiting import wait_until
+from .picture import Picture
+from .waiting import wait_until
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 ITEM = "org.kde.StatusNotifierItem"

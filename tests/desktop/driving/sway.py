@@ -3,7 +3,7 @@
 import os
 import signal
 
-from waiting import wait_until
+from .waiting import wait_until
 
 NOBODY = 65534
 GROUND = (0x33, 0x66, 0x99)

@@ -3,8 +3,8 @@
 import os
 import time
 
-from statusitem import StatusItem
-from waiting import wait_until
+from .statusitem import StatusItem
+from .waiting import wait_until
 
 NAME = "org.marvelode.Timer"
 PATH = "/org/marvelode/Timer"

@@ -1,7 +1,7 @@
 // Which files the resident program takes for sounds, without a decoder to ask.
 
-#include "TemporaryFolder.hpp"
-#include "platform/linux/SoundPlayer.hpp"
+#include "platform/linux/sound/SoundPlayer.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,7 +20,7 @@ using namespace std::string_literals;
 const std::filesystem::path resources = RESOURCES;
 
 bool canPlay(const std::filesystem::path& file) {
-    return platform::freedesktop::SoundPlayer{"", [](std::string_view) {}}.canPlay(file);
+    return platform::linux::SoundPlayer{"", [](std::string_view) {}}.canPlay(file);
 }
 
 std::string contentsOf(const std::filesystem::path& path) {

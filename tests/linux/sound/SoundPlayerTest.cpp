@@ -1,9 +1,9 @@
 // The resident program and the helpers that it starts for sounds, whatever those do. Small scripts stand in for
 // them.
 
-#include "platform/linux/SoundPlayer.hpp"
+#include "platform/linux/sound/SoundPlayer.hpp"
 
-#include "TemporaryFolder.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <glib.h>
 #include <gmock/gmock.h>
@@ -25,7 +25,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using platform::freedesktop::SoundPlayer;
+using platform::linux::SoundPlayer;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;

@@ -1,8 +1,8 @@
 // The program's message in the notification area, with a stand-in for that area.
 
-#include "platform/linux/Notification.hpp"
+#include "platform/linux/trayless/Notification.hpp"
 
-#include "tests/reach/NotificationDaemon.hpp"
+#include "tests/support/NotificationDaemon.hpp"
 
 #include <gmock/gmock.h>
 
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using testing::ElementsAre;
@@ -125,4 +125,4 @@ TEST_F(NotificationTest, DoesNothingWhereThereAreNoNotifications) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,12 +1,12 @@
 // The status item as a window, with a script in place of the program that shows it: the test says when the script
 // reads a request, what its user does and how it ends.
 
-#include "platform/linux/StatusWindow.hpp"
+#include "platform/linux/trayless/StatusWindow.hpp"
 
-#include "tests/linux/PrivateBuses.hpp"
-#include "tests/sound/TemporaryFolder.hpp"
-#include "tests/window/BareDesktop.hpp"
-#include "tests/window/ShortSeconds.hpp"
+#include "tests/support/BareDesktop.hpp"
+#include "tests/support/PrivateBuses.hpp"
+#include "tests/support/ShortSeconds.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -22,7 +22,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using testing::ElementsAre;
@@ -247,4 +247,4 @@ TEST_F(StatusWindowTest, CanAppearAfterItsProgramCouldNotBeStarted) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

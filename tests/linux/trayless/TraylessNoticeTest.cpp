@@ -1,16 +1,16 @@
 // What the user is told where no panel shows the status item, with a stand-in for the notification area. The
 // patience with panels that come late is waited out.
 
-#include "platform/linux/TraylessNotice.hpp"
+#include "platform/linux/trayless/TraylessNotice.hpp"
 
-#include "tests/reach/NotificationDaemon.hpp"
+#include "tests/support/NotificationDaemon.hpp"
 
 #include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using testing::ElementsAre;
@@ -84,4 +84,4 @@ TEST_F(TraylessNoticeTest, EndsWhileItIsStillWaiting) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,10 +1,10 @@
 // Each control of a window gets a letter of its own, as long as there are letters.
 
-#include "platform/linux/window/Mnemonics.hpp"
+#include "platform/linux/window/helper/Mnemonics.hpp"
 
 #include <gtest/gtest.h>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 TEST(Mnemonics, PreferBeginningsOfWords) {
@@ -34,4 +34,4 @@ TEST(Mnemonics, KeepUnderscoresOfTheTitle) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

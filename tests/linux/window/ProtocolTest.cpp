@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using namespace std::string_literals;
@@ -296,4 +296,4 @@ TEST(MalformedRequest, IsRefused) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,8 +1,8 @@
 // The resident program's side of the windows, with small scripts in place of the program that shows them: whatever
 // that program does, each window comes to a defined end, and nothing of it stays behind.
 
-#include "tests/window/BareDesktop.hpp"
-#include "tests/window/ShortSeconds.hpp"
+#include "tests/support/BareDesktop.hpp"
+#include "tests/support/ShortSeconds.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 using namespace std::chrono_literals;
@@ -437,4 +437,4 @@ TEST(NoWindow, StoppingDoesNothing) {
 }
 
 } // namespace
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -2,8 +2,8 @@
 // each argument is a `popup`, `settings` or `about`, or the small window, `status` if the user asked for it and
 // else `unasked`. The views are shaped like the program's own.
 
-#include "platform/linux/StatusWindow.hpp"
-#include "tests/window/BareDesktop.hpp"
+#include "platform/linux/trayless/StatusWindow.hpp"
+#include "tests/support/BareDesktop.hpp"
 
 #include <glib-unix.h>
 
@@ -197,7 +197,7 @@ private:
     int _minutes = 9;
     bool _isOver = false;
     std::shared_ptr<NSMenu> _menu = std::make_shared<NSMenu>();
-    freedesktop::StatusWindow _window;
+    linux::StatusWindow _window;
     std::array<unsigned, 2> _signals{};
 };
 
@@ -208,7 +208,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: window_shower HELPER RESOURCES popup|settings|about|status|unasked...\n";
         return EXIT_FAILURE;
     }
-    freedesktop::BareDesktop desktop{argv[1], argv[2]};
+    linux::BareDesktop desktop{argv[1], argv[2]};
     desktop.activationToken = "of-the-click";
     const Settings settings;
     for (int index = 3; index < argc; ++index) {

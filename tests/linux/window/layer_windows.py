@@ -3,9 +3,9 @@
 the small window is a window like any other program's."""
 
 from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
-from desktop import Desktop
-from sway import Sway
-from waiting import wait_until
+from driving.desktop import Desktop
+from driving.sway import Sway
+from driving.waiting import wait_until
 
 import time
 

@@ -3,8 +3,8 @@
 and as assistive software uses it."""
 
 from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
-from desktop import Desktop
-from waiting import wait_until
+from driving.desktop import Desktop
+from driving.waiting import wait_until
 
 import os
 import signal

@@ -12,9 +12,9 @@ import time
 import unittest
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "desktop"))
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "desktop"))
 
-from waiting import wait_until  # noqa: E402 (found through the line above)
+from driving.waiting import wait_until  # noqa: E402 (found through the line above)
 
 ALERT = "('alert', <(uint32 7, b'', 0, @ms nothing, 'Message', '', ['OK'], @m(sb) nothing)>)"
 PANEL = "('panel', <(uint32 7, 'Title', true, false, false, <(('text', <[('Text', @ms nothing)]>), @a(sv) [])>)>)"

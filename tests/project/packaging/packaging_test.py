@@ -18,7 +18,7 @@ import tempfile
 import unittest
 from xml.etree import ElementTree
 
-PROJECT = pathlib.Path(__file__).resolve().parents[2]
+PROJECT = pathlib.Path(__file__).resolve().parents[3]
 BUILD = os.environ["BUILD"]
 VERSION = os.environ["VERSION"]
 

@@ -13,7 +13,7 @@ import subprocess
 import tempfile
 import unittest
 
-RESOURCES = pathlib.Path(__file__).resolve().parents[2] / "resources"
+RESOURCES = pathlib.Path(__file__).resolve().parents[3] / "resources"
 SOURCE = RESOURCES / "source"
 ICONS = RESOURCES / "icons" / "hicolor"
 ICONSET = RESOURCES / "Marvelode.iconset"

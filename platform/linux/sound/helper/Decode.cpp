@@ -1,4 +1,4 @@
-#include "platform/linux/sound/Sound.hpp"
+#include "platform/linux/sound/helper/Sound.hpp"
 
 extern "C" {
 #include <libavcodec/avcodec.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/sound/Loudspeaker.hpp"
+#include "platform/linux/sound/helper/Loudspeaker.hpp"
 
 #include <canberra.h>
 #include <sys/mman.h>

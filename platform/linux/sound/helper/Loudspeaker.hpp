@@ -3,7 +3,7 @@
 // The loudspeaker of the person's desktop: the sound server, or the sound card itself where no server runs. What is
 // played counts as an event of the desktop, so that its volume is that of the other alert sounds.
 
-#include "platform/linux/sound/Sound.hpp"
+#include "platform/linux/sound/helper/Sound.hpp"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // The helper program that plays one sound and ends: `marvelode-timer-sound play FILE` or `marvelode-timer-sound
 // beep`. A failure leaves one plain sentence as the last line of standard error, and status 1.
 
-#include "platform/linux/sound/Loudspeaker.hpp"
+#include "platform/linux/sound/helper/Loudspeaker.hpp"
 
 #include <sys/prctl.h>
 

@@ -1,12 +1,12 @@
-#include "platform/linux/window/Content.hpp"
+#include "platform/linux/window/helper/Content.hpp"
 
 #include "platform/Overloaded.hpp"
-#include "platform/linux/window/Pictures.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr int usualSpacing = 8;
@@ -365,4 +365,4 @@ void Content::name(GtkWidget* widget, GtkWidget* label) {
     gtk_label_set_mnemonic_widget(GTK_LABEL(label), widget);
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

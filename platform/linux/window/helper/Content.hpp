@@ -4,8 +4,8 @@
 // and show again what the controls are bound to when told to.
 
 #include "platform/View.hpp"
-#include "platform/linux/window/Gtk.hpp"
-#include "platform/linux/window/Mnemonics.hpp"
+#include "platform/linux/window/helper/Gtk.hpp"
+#include "platform/linux/window/helper/Mnemonics.hpp"
 
 #include <functional>
 #include <map>
@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class Content {
 public:
@@ -88,4 +88,4 @@ private:
     Mnemonics _mnemonics;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// Calls `handler` with the signal's arguments, without the object itself, each time `object` emits `signal`.
 template <typename Result, typename... Arguments>
@@ -36,4 +36,4 @@ inline void setAccessibleName(GtkWidget* widget, const char* name) {
     atk_object_set_name(gtk_widget_get_accessible(widget), name);
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

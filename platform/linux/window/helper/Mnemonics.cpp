@@ -1,8 +1,8 @@
-#include "platform/linux/window/Mnemonics.hpp"
+#include "platform/linux/window/helper/Mnemonics.hpp"
 
 #include <cstddef>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 bool isLetter(char character) {
@@ -38,4 +38,4 @@ std::string Mnemonics::mark(const std::string& title) {
     return result;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class Mnemonics {
 public:
@@ -17,4 +17,4 @@ private:
     std::set<char> _taken;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

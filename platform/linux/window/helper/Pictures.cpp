@@ -1,9 +1,9 @@
-#include "platform/linux/window/Pictures.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
 
 #include <cmath>
 #include <memory>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr double asWideAsNeeded = -1;
@@ -43,4 +43,4 @@ GtkWidget* applicationIcon(int size) {
     return image;
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -2,11 +2,11 @@
 
 // Pictures from files and from the icon theme, sharp on screens of every density.
 
-#include "platform/linux/window/Gtk.hpp"
+#include "platform/linux/window/helper/Gtk.hpp"
 
 #include <filesystem>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 /// The picture at `path` in that size; an empty widget if it cannot be read. The reference is floating.
 GtkWidget* picture(const std::filesystem::path& path, double width, double height);
@@ -20,4 +20,4 @@ GtkWidget* applicationIcon(int size);
 /// The name of the application's icon and desktop file.
 inline constexpr const char* applicationId = "org.marvelode.Timer";
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -1,6 +1,6 @@
-#include "platform/linux/window/TopLevel.hpp"
+#include "platform/linux/window/helper/TopLevel.hpp"
 
-#include "platform/linux/window/Pictures.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
 
 #include <gtk-layer-shell.h>
 #ifdef GDK_WINDOWING_X11
@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr guint keylessMilliseconds = 500;
@@ -297,4 +297,4 @@ void TopLevel::replace(GtkWidget* content) {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

@@ -3,13 +3,13 @@
 // A window as all windows of this program are: a small frameless card with rounded corners in the middle of the
 // screen with the pointer, above other windows, with the keyboard. It never closes by itself.
 
-#include "platform/linux/window/Gtk.hpp"
+#include "platform/linux/window/helper/Gtk.hpp"
 
 #include <functional>
 #include <memory>
 #include <string>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class TopLevel {
 public:
@@ -70,4 +70,4 @@ private:
 /// Lets this program's windows look as they should; call once, after GTK was initialised.
 void setUpAppearance();
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

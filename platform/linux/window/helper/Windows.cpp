@@ -1,14 +1,14 @@
-#include "platform/linux/window/Windows.hpp"
+#include "platform/linux/window/helper/Windows.hpp"
 
-#include "platform/linux/window/Content.hpp"
-#include "platform/linux/window/Mnemonics.hpp"
-#include "platform/linux/window/Pictures.hpp"
+#include "platform/linux/window/helper/Content.hpp"
+#include "platform/linux/window/helper/Mnemonics.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
 
 #include <algorithm>
 #include <string>
 #include <utility>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 namespace {
 
 constexpr int alertPictureHeight = 64;
@@ -238,4 +238,4 @@ void Windows::handle(Request request) {
     }
 }
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

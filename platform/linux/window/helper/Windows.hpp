@@ -3,14 +3,14 @@
 // The windows that the resident program asked for, the topmost last. Requests come in, what the user does goes out.
 
 #include "platform/linux/window/Protocol.hpp"
-#include "platform/linux/window/TopLevel.hpp"
+#include "platform/linux/window/helper/TopLevel.hpp"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
 
-namespace platform::freedesktop {
+namespace platform::linux {
 
 class Windows {
 public:
@@ -36,4 +36,4 @@ private:
     std::vector<std::unique_ptr<Window>> _windows;
 };
 
-} // namespace platform::freedesktop
+} // namespace platform::linux

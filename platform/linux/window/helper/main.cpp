@@ -1,10 +1,10 @@
 // The program that shows windows for the resident program, which starts it, tells it through its standard input
 // what to show, and is told there what the user does. It ends with the last window, or with the resident program.
 
-#include "platform/linux/window/Pictures.hpp"
 #include "platform/linux/window/Protocol.hpp"
-#include "platform/linux/window/TopLevel.hpp"
-#include "platform/linux/window/Windows.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
+#include "platform/linux/window/helper/TopLevel.hpp"
+#include "platform/linux/window/helper/Windows.hpp"
 
 #include <glib-unix.h>
 #include <sys/socket.h>
@@ -17,7 +17,7 @@
 
 namespace {
 
-using namespace platform::freedesktop;
+using namespace platform::linux;
 
 constexpr int residentProgram = STDIN_FILENO;
 

@@ -2,7 +2,7 @@
 #include "app/Offender.hpp"
 #include "platform/Timer.hpp"
 #include <vector>
-#include "platform/linux/Desktop.hpp"
+#include "platform/linux/LinuxDesktop.hpp"
 #include "Offender.hpp"
 #include <chrono>
 #include <thread>
