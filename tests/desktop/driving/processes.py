@@ -75,3 +75,12 @@ def end_descendants():
             continue
     left = {pid: executable(pid) for pid in descendants()}
     raise AssertionError(f"left behind: {left}")
+
+
+def kilobytes(pid):
+    """How much memory the process takes, by kind."""
+    with open(f"/proc/{pid}/smaps_rollup") as file:
+        sizes = dict(line.split(":") for line in file.read().splitlines()[1:])
+    size = {key: int(value.split()[0]) for key, value in sizes.items()}
+    return {"resident": size["Rss"], "proportional": size["Pss"],
+            "unshared": size["Private_Clean"] + size["Private_Dirty"]}

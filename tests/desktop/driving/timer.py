@@ -13,6 +13,10 @@ PROGRAM = os.path.abspath(os.environ["MARVELODE_TIMER"])
 # What the settings hold after a first run; during a first run, switches that are turned off turn on again.
 AFTER_FIRST_RUN = {"Version": "'1.0.0'", "ShowCountdown": "true", "PopupAlerts": "true", "AutoRestart": "false",
                    "ResartOnWake": "true"}
+QUIET = AFTER_FIRST_RUN | {"Mute": "true"}
+
+# The menu's entries from top to bottom.
+MENU = ["About Marvelode Timer", "Restart timer", "Mute", "Popup reminders", "Settings", "Quit"]
 
 
 class Timer:
