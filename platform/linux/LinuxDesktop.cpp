@@ -24,7 +24,7 @@ Places Places::ofThisProcess() {
 }
 
 LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments)
-    : _sessionBus{G_DBUS_CONNECTION(g_object_ref(sessionBus))}
+    : _sessionBus{shared(sessionBus)}
     , _argumentDomain{argumentDomain(arguments)}
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
             [this] { settle(); }}

@@ -90,7 +90,7 @@ bool RemoteControl::claimName(GDBusConnection* sessionBus) {
 bool RemoteControl::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
     return VariantHandle{g_dbus_connection_call_sync(sessionBus, busName, objectPath, applicationInterface,
                                                      "Activate", g_variant_new("(@a{sv})", platformData()), nullptr,
-                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, &error)} !=
+                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, error.out())} !=
            nullptr;
 }
 

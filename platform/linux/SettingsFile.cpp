@@ -105,7 +105,7 @@ void SettingsFile::read() {
     char* bytes = nullptr;
     std::size_t length = 0;
     ErrorSlot error;
-    const bool isRead = g_file_get_contents(_path.c_str(), &bytes, &length, &error);
+    const bool isRead = g_file_get_contents(_path.c_str(), &bytes, &length, error.out());
     const TextHandle content{bytes};
     if (!isRead && !error.matches(G_FILE_ERROR, G_FILE_ERROR_NOENT)) {
         _mayWrite = false;
@@ -117,7 +117,7 @@ void SettingsFile::read() {
     if (isRead && length > 0) {
         const auto flags = static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
         const bool isText = g_utf8_validate(content.get(), static_cast<gssize>(length), nullptr);
-        if (!isText || !g_key_file_load_from_data(file.get(), content.get(), length, flags, &error)) {
+        if (!isText || !g_key_file_load_from_data(file.get(), content.get(), length, flags, error.out())) {
             keepAside(followed(_path), isText ? error.message() : "no text");
             return;
         }
@@ -169,7 +169,7 @@ void SettingsFile::write() {
     g_mkdir_with_parents(target.parent_path().c_str(), ownerOnlyFolder); // a failure shows at once below
     ErrorSlot error;
     if (!g_file_set_contents_full(target.c_str(), content.get(), static_cast<gssize>(length),
-                                  G_FILE_SET_CONTENTS_CONSISTENT, ownerOnlyFile, &error)) {
+                                  G_FILE_SET_CONTENTS_CONSISTENT, ownerOnlyFile, error.out())) {
         report("Cannot write the settings", error.message());
         return;
     }
@@ -181,8 +181,7 @@ void SettingsFile::write() {
 
 void SettingsFile::parseValues() {
     _stored.clear();
-    const std::unique_ptr<char*, Release<g_strfreev>> keys{
-        g_key_file_get_keys(_file.get(), group, nullptr, nullptr)};
+    const TextsHandle keys{g_key_file_get_keys(_file.get(), group, nullptr, nullptr)};
     for (char** key = keys.get(); key && *key; ++key) {
         const TextHandle text{g_key_file_get_value(_file.get(), group, *key, nullptr)};
         _stored.insert_or_assign(*key, parsed(text.get()));

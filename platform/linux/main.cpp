@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
     keepMemorySmall();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
     ErrorSlot error;
-    const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error)};
+    const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, error.out())};
     if (!sessionBus) {
         std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n",
                      error.message());

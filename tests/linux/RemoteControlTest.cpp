@@ -120,7 +120,7 @@ TEST_F(ControlTest, SuccessIsNotToldBeforeTheEntryWasPicked) {
     bool isAnswered = false;
     const auto answered = [](GObject* from, GAsyncResult* result, gpointer data) {
         ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(from), result, &error)};
+        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(from), result, error.out())};
         EXPECT_TRUE(answer) << error.message();
         *static_cast<bool*>(data) = true;
     };

@@ -31,7 +31,7 @@ public:
         if (!g_spawn_async_with_pipes(nullptr, const_cast<char**>(command.data()), nullptr,
                                       static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD |
                                                                G_SPAWN_STDERR_TO_DEV_NULL),
-                                      endWithTest, nullptr, &_process, nullptr, &output, nullptr, &error)) {
+                                      endWithTest, nullptr, &_process, nullptr, &output, nullptr, error.out())) {
             ADD_FAILURE() << error.message();
             std::abort();
         }
@@ -70,7 +70,7 @@ ObjectHandle<GDBusConnection> connectTo(const char* address) {
     constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     ObjectHandle<GDBusConnection> bus{
-        g_dbus_connection_new_for_address_sync(address, flags, nullptr, nullptr, &error)};
+        g_dbus_connection_new_for_address_sync(address, flags, nullptr, nullptr, error.out())};
     if (!bus) {
         ADD_FAILURE() << error.message();
         std::abort();
@@ -119,7 +119,7 @@ void takeName(GDBusConnection* bus, const char* name) {
     const VariantHandle answer{
         g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                     "RequestName", g_variant_new("(su)", name, doNotQueue), G_VARIANT_TYPE("(u)"),
-                                    G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error)};
+                                    G_DBUS_CALL_FLAGS_NONE, -1, nullptr, error.out())};
     ASSERT_TRUE(answer) << error.message();
     unsigned result = 0;
     g_variant_get(answer.get(), "(u)", &result);
@@ -164,7 +164,7 @@ VariantHandle call(GDBusConnection* from, const std::string& to, const char* pat
     const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
         ErrorSlot problem;
         auto& slot = *static_cast<Answer*>(data);
-        slot.value.reset(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &problem));
+        slot.value.reset(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, problem.out()));
         slot.error = problem.message();
         slot.hasCome = true;
     };

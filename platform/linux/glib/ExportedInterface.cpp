@@ -27,7 +27,7 @@ ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, con
 
 ExportedInterface::ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Call call,
                                      Property property)
-    : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
+    : _bus{shared(bus)}
     , _path{std::move(path)}
     , _description{g_dbus_node_info_new_for_xml(description, nullptr)}
     , _call{std::move(call)}

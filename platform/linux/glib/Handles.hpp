@@ -1,7 +1,6 @@
 #pragma once
 
-// Owners for what GLib hands out: each gives back what it holds when it goes. They behave like `std::unique_ptr`,
-// which they are.
+// Owners of what GLib hands out. Each is a `std::unique_ptr` that releases its object in GLib's own way.
 
 #include <gio/gio.h>
 
@@ -19,16 +18,22 @@ struct Release {
 
 template <typename Object>
 using ObjectHandle = std::unique_ptr<Object, Release<g_object_unref>>;
-using ErrorHandle = std::unique_ptr<GError, Release<g_error_free>>;
 using TextHandle = std::unique_ptr<char, Release<g_free>>;
+using TextsHandle = std::unique_ptr<char*, Release<g_strfreev>>;
 using VariantHandle = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 
-/// Takes over a variant that nobody owns yet, or shares one that somebody does.
+/// Shares an object that has an owner already.
+template <typename Object>
+ObjectHandle<Object> shared(Object* object) {
+    return ObjectHandle<Object>{static_cast<Object*>(g_object_ref(object))};
+}
+
+/// Takes a new variant over, or shares one that has an owner already.
 inline VariantHandle owned(GVariant* variant) {
     return VariantHandle{variant ? g_variant_ref_sink(variant) : nullptr};
 }
 
-/// Passed to functions that report an error through a `GError**`; holds what they reported.
+/// Owns the error that a function reports through a `GError**`, if it reports one.
 class ErrorSlot {
 public:
     ErrorSlot() = default;
@@ -36,7 +41,7 @@ public:
     ErrorSlot(const ErrorSlot&) = delete;
     ErrorSlot& operator=(const ErrorSlot&) = delete;
 
-    GError** operator&() { return &_error; }
+    GError** out() { return &_error; }
     explicit operator bool() const { return _error != nullptr; }
     const char* message() const { return _error ? _error->message : ""; }
     bool matches(GQuark domain, int code) const { return g_error_matches(_error, domain, code); }
@@ -45,7 +50,7 @@ private:
     GError* _error = nullptr;
 };
 
-/// A cancellable that is cancelled when its owner goes: answers that are still under way are dropped.
+/// A cancellable that is cancelled when its owner destroys it.
 class CancelledAtEnd {
 public:
     CancelledAtEnd() = default;

@@ -75,7 +75,7 @@ public:
                                                     G_SPAWN_STDOUT_TO_DEV_NULL);
         ErrorSlot error;
         if (!g_spawn_async_with_pipes(nullptr, command.data(), nullptr, flags, nullptr, nullptr, &_process, nullptr,
-                                      nullptr, &_errors, &error)) {
+                                      nullptr, &_errors, error.out())) {
             return error.message();
         }
         _watch = g_child_watch_add(_process, onEnd, this);

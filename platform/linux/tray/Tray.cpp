@@ -20,16 +20,15 @@ std::string processName(unsigned identifier) {
 
 Tray::Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
            std::function<void(bool)> presenceChanged, std::function<void(std::string_view)> logError)
-    : _bus{G_DBUS_CONNECTION(g_object_ref(bus))}
+    : _bus{shared(bus)}
     , _appeared{std::move(appeared)}
     , _presenceChanged{std::move(presenceChanged)}
     , _logError{std::move(logError)} {
     const auto nameAppeared = [](GDBusConnection*, const char*, const char* owner, gpointer self) {
-        static_cast<Tray*>(self)->askWho(owner);
+        static_cast<Tray*>(self)->panelAppeared(owner);
     };
     const auto nameVanished = [](GDBusConnection*, const char*, gpointer self) {
-        static_cast<Tray*>(self)->_panel.reset();
-        static_cast<Tray*>(self)->_presenceChanged(false);
+        static_cast<Tray*>(self)->panelVanished();
     };
     const auto hostsChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                                  gpointer self) { static_cast<Tray*>(self)->askForHost(); };
@@ -49,68 +48,58 @@ Tray::~Tray() {
     g_bus_unwatch_name(_watch);
 }
 
-void Tray::askWho(const char* owner) {
-    _panel.emplace();
-    const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
-        ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            return;
-        }
-        Tray* const self = static_cast<Tray*>(data);
-        unsigned process = 0;
-        if (answer) {
-            g_variant_get(answer.get(), "(u)", &process);
-        }
-        self->_appeared(processName(process));
-        self->registerItem();
-    };
-    g_dbus_connection_call(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                           "GetConnectionUnixProcessID", g_variant_new("(s)", owner), G_VARIANT_TYPE("(u)"),
-                           G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
+void Tray::panelAppeared(const char* owner) {
+    _isWatcherThere = true;
+    const BusMethod question{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                             "GetConnectionUnixProcessID"};
+    _processQuestion.start(_bus.get(), question, g_variant_new("(s)", owner), "(u)",
+                           [this](const VariantHandle& answer, const ErrorSlot&) {
+                               unsigned process = 0;
+                               if (answer) {
+                                   g_variant_get(answer.get(), "(u)", &process);
+                               }
+                               _appeared(processName(process));
+                               registerItem();
+                           });
+}
+
+void Tray::panelVanished() {
+    _isWatcherThere = false;
+    _processQuestion.cancel();
+    _registration.cancel();
+    _hostQuestion.cancel();
+    _presenceChanged(false);
 }
 
 /// Registers under the bus's own name for us: of the ways there are, the one that every panel takes.
 void Tray::registerItem() {
-    const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
-        ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            return;
-        }
-        Tray* const self = static_cast<Tray*>(data);
-        if (error) {
-            self->_logError("The panel refused the status item: " + std::string{error.message()});
-            self->_presenceChanged(false);
-        } else {
-            self->askForHost();
-        }
-    };
-    g_dbus_connection_call(_bus.get(), watcher, watcherPath, watcher, "RegisterStatusNotifierItem",
-                           g_variant_new("(s)", g_dbus_connection_get_unique_name(_bus.get())), nullptr,
-                           G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
+    const BusMethod method{watcher, watcherPath, watcher, "RegisterStatusNotifierItem"};
+    _registration.start(_bus.get(), method, g_variant_new("(s)", g_dbus_connection_get_unique_name(_bus.get())),
+                        nullptr, [this](const VariantHandle& answer, const ErrorSlot& error) {
+                            if (answer) {
+                                askForHost();
+                            } else {
+                                _logError("The panel refused the status item: " + std::string{error.message()});
+                                _presenceChanged(false);
+                            }
+                        });
 }
 
 /// The watcher may run without any panel that shows what it collects. One that does not tell is taken to have one.
 void Tray::askForHost() {
-    if (!_panel) {
+    if (!_isWatcherThere) {
         return;
     }
-    const auto answered = [](GObject* bus, GAsyncResult* result, gpointer data) {
-        ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            return;
-        }
-        const VariantHandle box{answer ? g_variant_get_child_value(answer.get(), 0) : nullptr};
-        const VariantHandle value{box ? g_variant_get_variant(box.get()) : nullptr};
-        const bool isMissing = value && g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) &&
-                               !g_variant_get_boolean(value.get());
-        static_cast<Tray*>(data)->_presenceChanged(!isMissing);
-    };
-    g_dbus_connection_call(_bus.get(), watcher, watcherPath, "org.freedesktop.DBus.Properties", "Get",
-                           g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"), G_VARIANT_TYPE("(v)"),
-                           G_DBUS_CALL_FLAGS_NONE, -1, _panel->get(), answered, this);
+    const BusMethod question{watcher, watcherPath, "org.freedesktop.DBus.Properties", "Get"};
+    _hostQuestion.start(_bus.get(), question, g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"),
+                        "(v)", [this](const VariantHandle& answer, const ErrorSlot&) {
+                            const VariantHandle box{answer ? g_variant_get_child_value(answer.get(), 0) : nullptr};
+                            const VariantHandle value{box ? g_variant_get_variant(box.get()) : nullptr};
+                            const bool isMissing = value &&
+                                                   g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) &&
+                                                   !g_variant_get_boolean(value.get());
+                            _presenceChanged(!isMissing);
+                        });
 }
 
 } // namespace platform::linux

@@ -3,11 +3,10 @@
 // The panel that collects status items, found on the session bus by the name of its watcher. Panels come late,
 // restart and give way to others; the program's item is offered to each in turn.
 
-#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/glib/BusCall.hpp"
 
 #include <array>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,7 +24,8 @@ public:
     Tray& operator=(const Tray&) = delete;
 
 private:
-    void askWho(const char* owner);
+    void panelAppeared(const char* owner);
+    void panelVanished();
     void registerItem();
     void askForHost();
 
@@ -33,7 +33,10 @@ private:
     std::function<void(std::string_view)> _appeared;
     std::function<void(bool)> _presenceChanged;
     std::function<void(std::string_view)> _logError;
-    std::optional<CancelledAtEnd> _panel; // cancels what is under way when the panel goes
+    BusCall _processQuestion;
+    BusCall _registration;
+    BusCall _hostQuestion;
+    bool _isWatcherThere = false;
     unsigned _watch;
     std::array<unsigned, 2> _hostSubscriptions{};
 };

@@ -12,7 +12,7 @@ constexpr const char* object = "/org/freedesktop/Notifications";
 
 Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::string_view)> chosen,
                            std::function<void(const char*)> activationTokenCame)
-    : _sessionBus{sessionBus}
+    : _sessionBus{shared(sessionBus)}
     , _chosen{std::move(chosen)}
     , _activationTokenCame{std::move(activationTokenCame)} {
     const auto userActed = [](GDBusConnection*, const char*, const char*, const char*, const char* signal,
@@ -56,11 +56,11 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
 Notification::~Notification() {
     if (_id != 0) {
         withdraw();
-        g_dbus_connection_flush_sync(_sessionBus, nullptr, nullptr); // the program ends with this, as a rule
+        g_dbus_connection_flush_sync(_sessionBus.get(), nullptr, nullptr); // the program ends with this, as a rule
     }
-    g_dbus_connection_signal_unsubscribe(_sessionBus, _actionSubscription);
-    g_dbus_connection_signal_unsubscribe(_sessionBus, _tokenSubscription);
-    g_dbus_connection_signal_unsubscribe(_sessionBus, _closedSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _actionSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _tokenSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _closedSubscription);
 }
 
 void Notification::show(const std::string& summary, const std::string& body, const std::vector<Action>& actions) {
@@ -74,23 +74,19 @@ void Notification::show(const std::string& summary, const std::string& body, con
     g_variant_builder_init(&hints, G_VARIANT_TYPE("a{sv}"));
     g_variant_builder_add(&hints, "{sv}", "desktop-entry", g_variant_new_string("org.marvelode.Timer"));
     constexpr int untilTheDesktopDecides = -1;
-    const auto shown = [](GObject* bus, GAsyncResult* result, gpointer self) {
-        ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (answer) {
-            auto& notification = *static_cast<Notification*>(self);
-            g_variant_get(answer.get(), "(u)", &notification._id);
-            if (!notification._isWanted) {
-                notification.withdraw();
-            }
-        }
-    };
     _isWanted = true;
-    g_dbus_connection_call(_sessionBus, service, object, service, "Notify",
-                           g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer",
-                                         summary.c_str(), body.c_str(), &keysAndLabels, &hints,
-                                         untilTheDesktopDecides),
-                           G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, _cancelled.get(), shown, this);
+    GVariant* const message =
+        g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer", summary.c_str(),
+                      body.c_str(), &keysAndLabels, &hints, untilTheDesktopDecides);
+    _showing.start(_sessionBus.get(), {service, object, service, "Notify", true}, message, "(u)",
+                   [this](const VariantHandle& answer, const ErrorSlot&) {
+                       if (answer) {
+                           g_variant_get(answer.get(), "(u)", &_id);
+                       }
+                       if (!_isWanted) {
+                           withdraw();
+                       }
+                   });
 }
 
 void Notification::withdraw() {
@@ -98,8 +94,9 @@ void Notification::withdraw() {
     if (_id == 0) {
         return;
     }
-    g_dbus_connection_call(_sessionBus, service, object, service, "CloseNotification", g_variant_new("(u)", _id),
-                           nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
+    g_dbus_connection_call(_sessionBus.get(), service, object, service, "CloseNotification",
+                           g_variant_new("(u)", _id), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr,
+                           nullptr, nullptr);
     _id = 0;
 }
 

@@ -3,7 +3,7 @@
 // One message of the program in the desktop's notification area, with actions to choose from. Where the desktop
 // shows no notifications, nothing happens.
 
-#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/glib/BusCall.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -37,10 +37,10 @@ public:
     void withdraw();
 
 private:
-    GDBusConnection* _sessionBus;
+    ObjectHandle<GDBusConnection> _sessionBus;
     std::function<void(std::string_view)> _chosen;
     std::function<void(const char*)> _activationTokenCame;
-    CancelledAtEnd _cancelled;
+    BusCall _showing;
     unsigned _actionSubscription;
     unsigned _tokenSubscription;
     unsigned _closedSubscription;

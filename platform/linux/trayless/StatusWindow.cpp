@@ -1,7 +1,5 @@
 #include "platform/linux/trayless/StatusWindow.hpp"
 
-#include <glib.h>
-
 #include <utility>
 
 namespace platform::linux {
@@ -45,15 +43,9 @@ void StatusWindow::appear() {
 
 void StatusWindow::start(bool isUnasked) {
     const auto handleSoon = [this] {
-        if (_idle != 0) {
-            return;
+        if (!_handling.isPending()) {
+            _handling.startSoon([this] { handleEvents(); });
         }
-        const auto handle = [](gpointer self) -> gboolean {
-            static_cast<StatusWindow*>(self)->_idle = 0;
-            static_cast<StatusWindow*>(self)->handleEvents();
-            return G_SOURCE_REMOVE;
-        };
-        _idle = g_idle_add_full(G_PRIORITY_DEFAULT, handle, this, nullptr);
     };
     _process = std::make_unique<WindowProcess>(_helperProgram, _logError, handleSoon,
                                                isUnasked ? std::string{} : _takeActivationToken());
@@ -62,9 +54,7 @@ void StatusWindow::start(bool isUnasked) {
 
 void StatusWindow::close() {
     _process.reset();
-    if (_idle != 0) {
-        g_source_remove(std::exchange(_idle, 0));
-    }
+    _handling.cancel();
 }
 
 void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {

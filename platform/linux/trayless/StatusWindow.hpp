@@ -5,6 +5,7 @@
 
 #include "platform/NSMenu.hpp"
 #include "platform/View.hpp"
+#include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/tray/StatusContent.hpp"
 #include "platform/linux/window/WindowProcess.hpp"
 
@@ -65,7 +66,7 @@ private:
     std::vector<Entry> _shown;
     std::vector<NSMenuItem*> _controls; ///< The entry behind each control on screen.
     std::unique_ptr<WindowProcess> _process;
-    unsigned _idle = 0;
+    DelayedCall _handling; ///< Of what the window's program has told.
 };
 
 } // namespace platform::linux

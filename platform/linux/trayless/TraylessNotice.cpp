@@ -5,7 +5,7 @@
 namespace platform::linux {
 namespace {
 
-constexpr unsigned secondsOfPatience = 3;
+constexpr std::chrono::seconds patience{3};
 constexpr const char* lockScreen = "org.gnome.Shell.ScreenShield";
 constexpr const char* lockScreenPath = "/org/gnome/ScreenSaver";
 constexpr const char* lockScreenInterface = "org.gnome.ScreenSaver";
@@ -18,7 +18,7 @@ TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, std::function<void()
                                std::function<void(const char*)> activationTokenCame)
     : _appear{std::move(appear)}
     , _disappear{std::move(disappear)}
-    , _sessionBus{sessionBus}
+    , _sessionBus{shared(sessionBus)}
     , _notification{sessionBus,
                     [open = std::move(open), pick = std::move(pick)](std::string_view key) {
                         key == "default" ? open() : pick(key);
@@ -36,12 +36,7 @@ TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, std::function<void()
                                                            G_DBUS_SIGNAL_FLAGS_NONE, lockChanged, this, nullptr);
 }
 
-TraylessNotice::~TraylessNotice() {
-    g_dbus_connection_signal_unsubscribe(_sessionBus, _lockSubscription);
-    if (_patience != 0) {
-        g_source_remove(_patience);
-    }
-}
+TraylessNotice::~TraylessNotice() { g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _lockSubscription); }
 
 void TraylessNotice::trayChanged(bool isPresent) {
     _isTrayMissing = !isPresent;
@@ -49,9 +44,7 @@ void TraylessNotice::trayChanged(bool isPresent) {
         wait();
         return;
     }
-    if (_patience != 0) {
-        g_source_remove(std::exchange(_patience, 0));
-    }
+    _patience.cancel();
     if (std::exchange(_isTold, false)) {
         _notification.withdraw();
         _disappear();
@@ -59,36 +52,21 @@ void TraylessNotice::trayChanged(bool isPresent) {
 }
 
 void TraylessNotice::wait() {
-    if (_patience != 0) {
-        g_source_remove(_patience);
-    }
-    const auto isOver = [](gpointer self) -> gboolean {
-        static_cast<TraylessNotice*>(self)->_patience = 0;
-        static_cast<TraylessNotice*>(self)->tellUnlessLocked();
-        return G_SOURCE_REMOVE;
-    };
-    _patience = g_timeout_add_seconds(secondsOfPatience, isOver, this);
+    _patience.start(patience, [this] { tellUnlessLocked(); });
 }
 
 void TraylessNotice::tellUnlessLocked() {
-    const auto answered = [](GObject* bus, GAsyncResult* result, gpointer self) {
-        ErrorSlot error;
-        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
-        if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-            return;
-        }
-        gboolean isLocked = FALSE; // and not where nobody answers
-        if (answer) {
-            g_variant_get(answer.get(), "(b)", &isLocked);
-        }
-        auto& notice = *static_cast<TraylessNotice*>(self);
-        if (!isLocked && notice._isTrayMissing && !notice._isTold) {
-            notice.tell();
-        }
-    };
-    g_dbus_connection_call(_sessionBus, lockScreen, lockScreenPath, lockScreenInterface, "GetActive", nullptr,
-                           G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, _cancelled.get(), answered,
-                           this);
+    const BusMethod question{lockScreen, lockScreenPath, lockScreenInterface, "GetActive"};
+    _lockQuestion.start(_sessionBus.get(), question, nullptr, "(b)",
+                        [this](const VariantHandle& answer, const ErrorSlot&) {
+                            gboolean isLocked = FALSE; // and not where there is no answer
+                            if (answer) {
+                                g_variant_get(answer.get(), "(b)", &isLocked);
+                            }
+                            if (!isLocked && _isTrayMissing && !_isTold) {
+                                tell();
+                            }
+                        });
 }
 
 void TraylessNotice::tell() {

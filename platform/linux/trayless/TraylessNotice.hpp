@@ -4,7 +4,8 @@
 // It waits a moment first, since panels start late and restart, and while the screen is locked, since GNOME has
 // none then; it takes its message back when one appears.
 
-#include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/glib/BusCall.hpp"
+#include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/trayless/Notification.hpp"
 
 #include <functional>
@@ -35,11 +36,11 @@ private:
 
     std::function<void()> _appear;
     std::function<void()> _disappear;
-    GDBusConnection* _sessionBus;
+    ObjectHandle<GDBusConnection> _sessionBus;
     Notification _notification;
-    CancelledAtEnd _cancelled;
+    BusCall _lockQuestion;
+    DelayedCall _patience;
     unsigned _lockSubscription;
-    unsigned _patience = 0;
     bool _isTrayMissing = false;
     bool _isTold = false;
 };

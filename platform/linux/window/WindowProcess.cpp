@@ -1,5 +1,7 @@
 #include "platform/linux/window/WindowProcess.hpp"
 
+#include "platform/linux/glib/Handles.hpp"
+
 #include <glib-unix.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -27,17 +29,15 @@ std::string messageOf(int error) { return std::generic_category().message(error)
 /// utmost; and half a snooze is not too long to wait for a reminder that comes again.
 constexpr unsigned secondsToShow = 30;
 
-using Environment = std::unique_ptr<gchar*, decltype(&g_strfreev)>;
-
 /// This program's environment with another activation token: its own was used up when it started.
-Environment environmentWith(const std::string& activationToken) {
+TextsHandle environmentWith(const std::string& activationToken) {
     gchar** environment = g_get_environ();
     for (const char* variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) { // GTK 3 reads the older one
         environment = activationToken.empty()
                           ? g_environ_unsetenv(environment, variable)
                           : g_environ_setenv(environment, variable, activationToken.c_str(), TRUE);
     }
-    return {environment, g_strfreev};
+    return TextsHandle{environment};
 }
 
 } // namespace
@@ -59,14 +59,13 @@ WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<vo
 void WindowProcess::start(const std::filesystem::path& path, const std::string& activationToken, int childSocket) {
     std::string program = path.string();
     std::array<gchar*, 2> arguments{program.data(), nullptr};
-    const Environment environment = environmentWith(activationToken);
+    const TextsHandle environment = environmentWith(activationToken);
     constexpr int inherited = -1;
-    GError* error = nullptr;
+    ErrorSlot error;
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
     if (!g_spawn_async_with_fds(nullptr, arguments.data(), environment.get(), flags, nullptr, nullptr, &_process,
-                                childSocket, inherited, inherited, &error)) {
-        const std::unique_ptr<GError, decltype(&g_error_free)> owned{error, g_error_free};
-        _logError("no window can be shown: "s + error->message);
+                                childSocket, inherited, inherited, error.out())) {
+        _logError("no window can be shown: "s + error.message());
         close(std::exchange(_socket, -1));
         return;
     }
