@@ -1,23 +1,32 @@
 # Writes the resource that tells the program which build it is: the number of commits, the day of the last one, and
-# the project's version. Outside a git checkout the build counts as number 0 of an unknown day.
+# the project's version. A source archive has the first two in a file, written when it was made; a checkout of the whole
+# history asks git. Elsewhere they are unknown, and the build says so.
 find_package(Git QUIET)
 
-function(ask_git result default)
+function(ask_git result)
     set(answer "")
-    if(GIT_FOUND)
+    if(GIT_FOUND AND EXISTS ${PROJECT_SOURCE_DIR}/.git)
         execute_process(COMMAND ${GIT_EXECUTABLE} ${ARGN}
             WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
             OUTPUT_VARIABLE answer OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
     endif()
-    if(answer STREQUAL "")
-        set(answer ${default})
-    endif()
-    set(${result} ${answer} PARENT_SCOPE)
+    set(${result} "${answer}" PARENT_SCOPE)
 endfunction()
 
-ask_git(build 0 rev-list --count HEAD)
-ask_git(date unknown log -1 --format=%cs)
+set(build_of_archive ${PROJECT_SOURCE_DIR}/BUILD)
+ask_git(is_shallow rev-parse --is-shallow-repository)
+if(EXISTS ${build_of_archive})
+    file(READ ${build_of_archive} build_and_date)
+elseif(is_shallow STREQUAL false)
+    ask_git(build_and_date log -1 --format=Date=%cs)
+    ask_git(build rev-list --count HEAD)
+    set(build_and_date "Build=${build}\n${build_and_date}\n")
+else()
+    message(WARNING "The build's number and day are unknown: this is neither a source archive nor a checkout with "
+        "the whole history.")
+    set(build_and_date "")
+endif()
 
 set(MARVELODE_BUILD_INFO ${PROJECT_BINARY_DIR}/resources/BuildInfo.txt)
 file(CONFIGURE OUTPUT ${MARVELODE_BUILD_INFO} NEWLINE_STYLE UNIX
-    CONTENT "Build=@build@\nDate=@date@\nVersion=@PROJECT_VERSION@\n" @ONLY)
+    CONTENT "@build_and_date@Version=@PROJECT_VERSION@\n" @ONLY)
