@@ -22,10 +22,10 @@ NAME_IN_PYTHON = re.compile(r"([A-Z]\w*)(?:\.(test_\w+))?")
 
 
 def registered():
-    """The command lines of all CTest entries, each as one text."""
+    """All CTest entries, as CTest describes them."""
     listing = subprocess.run([os.environ["CTEST"], "--test-dir", os.environ["BUILD"], "--show-only=json-v1"],
                              check=True, capture_output=True, text=True).stdout
-    return [" ".join(test.get("command", [])) for test in json.loads(listing)["tests"]]
+    return json.loads(listing)["tests"]
 
 
 def is_left_out(path):
@@ -54,7 +54,8 @@ def python_classes():
 class Completeness(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.commands = registered()
+        cls.entries = registered()
+        cls.commands = [" ".join(entry.get("command", [])) for entry in cls.entries]
 
     def test_every_test_in_cpp_is_run(self):
         run = set(re.findall(r"\w+\.\w+", " ".join(self.commands)))
@@ -88,6 +89,11 @@ class Completeness(unittest.TestCase):
             for test in each.tests:
                 with self.subTest(each.path.relative_to(PROJECT), test=f"{each.name}.{test}"):
                     self.assertTrue((each.name, test) in run, "run by nothing")
+
+    def test_every_test_has_a_limit_of_time(self):
+        limited = [entry["name"] for entry in self.entries
+                   if any(each["name"] == "TIMEOUT" for each in entry.get("properties", []))]
+        self.assertEqual(sorted({entry["name"] for entry in self.entries} - set(limited)), [])
 
     def test_every_folder_in_the_readme_holds_tests_that_are_run(self):
         folders = re.findall(r"`(tests/[\w/]+)`", (PROJECT / "README.md").read_text())
