@@ -1,5 +1,7 @@
 #include "tests/support/PrivateBuses.hpp"
 
+#include "tests/support/TemporaryFolder.hpp"
+
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -19,11 +21,30 @@ using platform::linux::VariantHandle;
 
 namespace {
 
+/// A bus that starts no services, whatever is installed, and has room for any flood.
+constexpr const char* configuration = R"xml(<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+  <limit name="max_incoming_bytes">1000000000</limit>
+  <limit name="max_outgoing_bytes">1000000000</limit>
+  <limit name="max_message_size">1000000000</limit>
+  <limit name="max_replies_per_connection">50000</limit>
+  <limit name="max_match_rules_per_connection">50000</limit>
+</busconfig>)xml";
+
 /// A daemon that ends with the test process, whichever way that ends.
 class Daemon {
 public:
     explicit Daemon(const char* variable) {
-        std::array<const char*, 6> command{"dbus-daemon", "--session",         "--nofork",
+        const TemporaryFolder folder;
+        const std::string option = "--config-file=" + folder.write("bus.conf", configuration).string();
+        std::array<const char*, 6> command{"dbus-daemon", option.c_str(),      "--nofork",
                                            "--nopidfile", "--print-address=1", nullptr};
         const auto endWithTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGTERM); };
         int output = -1;

@@ -1,0 +1,22 @@
+#include "tests/support/PrivateBuses.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace platform::linux {
+namespace {
+
+std::string activatableNames(GDBusConnection* bus) {
+    const VariantHandle names = call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                     "ListActivatableNames", nullptr);
+    return TextHandle{g_variant_print(names.get(), FALSE)}.get();
+}
+
+TEST(PrivateBuses, StartNoServiceThatHappensToBeInstalled) {
+    EXPECT_EQ(activatableNames(connectToSession().get()), "(['org.freedesktop.DBus'],)");
+    EXPECT_EQ(activatableNames(connectToSystem().get()), "(['org.freedesktop.DBus'],)");
+}
+
+} // namespace
+} // namespace platform::linux
