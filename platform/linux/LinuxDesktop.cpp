@@ -29,20 +29,13 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
             [this] { settle(); }}
     , _resources{std::move(places.resources)}
-    , _settings{std::move(places.settings), [this](std::string_view problem) { logError(problem); }}
-    , _windows{places.helpers / "marvelode-timer-window", [this] { _loop.iterate(); },
-               [this](std::string_view problem) { logError(problem); },
-               [this] { return std::exchange(_activationToken, {}); }}
-    , _sounds{places.helpers / "marvelode-timer-sound", [this](std::string_view problem) { logError(problem); }}
+    , _settings{std::move(places.settings), _errorLog}
+    , _windows{places.helpers / "marvelode-timer-window", [this] { _loop.iterate(); }, _errorLog, _activationToken}
+    , _sounds{places.helpers / "marvelode-timer-sound", _errorLog}
     , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item.title); },
-                    [this](std::string_view problem) { logError(problem); },
-                    [this] { return std::exchange(_activationToken, {}); }}
-    , _traylessNotice{sessionBus,
-                      [this] { _statusWindow.appear(); },
-                      [this] { _statusWindow.close(); },
-                      [this] { _statusWindow.open(); },
-                      [this](std::string_view entry) { pick(entry); },
-                      [this](const char* token) { keepActivationToken(token); }} {
+                    _errorLog, _activationToken}
+    , _traylessNotice{sessionBus, _statusWindow, [this](std::string_view entry) { pick(entry); },
+                      _activationToken} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
     const auto busClosed = +[](GDBusConnection*, gboolean, GError*, LinuxDesktop* self) { self->terminate(); };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
@@ -187,8 +180,7 @@ void LinuxDesktop::settle() {
         _statusNotifierItem.emplace(
             _sessionBus.get(), _resources, statusContent(),
             [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { showMenuWindow(); },
-            [this](const char* token) { keepActivationToken(token); },
-            [this](std::string_view problem) { logError(problem); });
+            _activationToken, _errorLog);
     }
 }
 
@@ -206,14 +198,6 @@ std::optional<DefaultsValue> LinuxDesktop::defaultsValue(std::string_view key) {
         return found->second;
     }
     return _settings.value(key);
-}
-
-/// Tells of a problem of the desktop's own: on standard error, and in the journal unless that is the same.
-void LinuxDesktop::logError(std::string_view problem) {
-    std::fprintf(stderr, "marvelode-timer: %.*s\n", static_cast<int>(problem.size()), problem.data());
-    if (isJournalRunning() && !g_log_writer_is_journald(fileno(stderr))) {
-        writeToJournal(_logger, Logger::Level::Error, problem);
-    }
 }
 
 } // namespace platform::linux

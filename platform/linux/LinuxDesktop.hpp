@@ -4,6 +4,8 @@
 // It needs the session bus and nothing else; whatever else is missing is done without.
 
 #include "platform/Desktop.hpp"
+#include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/SettingsFile.hpp"
@@ -87,9 +89,8 @@ public:
     /// Shows the status item and its menu as a window.
     void showMenuWindow();
 
-    /// Keeps what the desktop handed out for the window that the user's next pick opens, so that it comes to the
-    /// front with the keyboard.
-    void keepActivationToken(std::string token) { _activationToken = std::move(token); }
+    /// What was handed out for the window that the user's next pick opens.
+    ActivationToken& activationToken() { return _activationToken; }
 
     /// Lets tooltips and screen readers say how long it is until the break: `secondsLeft` is asked after each
     /// event, and gives a negative number once the break is due. Without it they say the program's name and no
@@ -103,14 +104,13 @@ private:
     void settle();
     StatusContent statusContent() const;
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
-    void logError(std::string_view problem);
 
     ObjectHandle<GDBusConnection> _sessionBus;
     std::map<std::string, std::string, std::less<>> _argumentDomain;
-    Logger _logger{"Marvelode Timer", "Desktop"};
+    StandardErrorLog _errorLog;
     EventLoop _loop;
     Resources _resources;
-    std::string _activationToken;
+    ActivationToken _activationToken;
     SettingsFile _settings;
     WindowHelper _windows;
     SoundPlayer _sounds;

@@ -115,8 +115,11 @@ void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBus
     const std::size_t last = g_variant_n_children(arguments) - 1;
     const VariantHandle platformData{g_variant_get_child_value(arguments, last)};
     const char* token = nullptr;
-    if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token)) {
-        _program.activationTokenCame(token);
+    if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token) &&
+        !_program.activationToken.keep(token)) {
+        g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                              "The activation token is too long.");
+        return;
     }
     if (method == "ActivateAction") {
         const char* action = nullptr;

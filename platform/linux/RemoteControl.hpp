@@ -3,6 +3,7 @@
 // The program's own name on the session bus. It keeps a second timer from starting beside the first, and lets
 // scripts and the desktop do what the menu does.
 
+#include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 
 #include <cstdint>
@@ -27,7 +28,7 @@ struct ControlledProgram {
     /// cannot be picked by then, `picked` is never called.
     std::function<void(std::string_view entry, std::function<void()> picked)> pick;
     std::function<void()> showMenu;
-    std::function<void(const char*)> activationTokenCame; ///< What lets the next window come to the front.
+    ActivationToken& activationToken; ///< For the window that a call opens.
     std::function<bool()> isReminding;
     std::function<std::string()> text;
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.

@@ -59,9 +59,9 @@ std::filesystem::path followed(std::filesystem::path path) {
 
 } // namespace
 
-SettingsFile::SettingsFile(std::filesystem::path path, std::function<void(std::string_view)> logError)
+SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog)
     : _path{std::move(path)}
-    , _logError{std::move(logError)}
+    , _errorLog{errorLog}
     , _file{g_key_file_new()} {}
 
 SettingsFile::~SettingsFile() {
@@ -201,7 +201,7 @@ SettingsFile::Fingerprint SettingsFile::fingerprint() const {
 void SettingsFile::report(const std::string& problem, const std::string& reason) {
     if (_reported != problem) {
         _reported = problem;
-        _logError(problem + ": " + reason);
+        _errorLog.add(problem + ": " + reason);
     }
 }
 

@@ -5,11 +5,11 @@
 // whole.
 
 #include "platform/UserDefaults.hpp"
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/glib/Handles.hpp"
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,9 +20,9 @@ namespace platform::linux {
 
 class SettingsFile {
 public:
-    /// Opens the settings at `path`, which need not exist. What goes wrong is told to `logError`, once each time
+    /// Opens the settings at `path`, which need not exist. What goes wrong is told to `errorLog`, once each time
     /// that it begins to go wrong.
-    SettingsFile(std::filesystem::path path, std::function<void(std::string_view)> logError);
+    SettingsFile(std::filesystem::path path, ErrorLog& errorLog);
 
     /// Tries once more to write what could not be written before.
     ~SettingsFile();
@@ -59,7 +59,7 @@ private:
     void report(const std::string& problem, const std::string& reason);
 
     std::filesystem::path _path;
-    std::function<void(std::string_view)> _logError;
+    ErrorLog& _errorLog;
     KeyFileHandle _file;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
     Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever

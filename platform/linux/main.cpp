@@ -80,7 +80,7 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
         .pick = [&desktop](std::string_view entry,
                            std::function<void()> picked) { desktop.pick(entry, std::move(picked)); },
         .showMenu = [&desktop] { desktop.showMenuWindow(); },
-        .activationTokenCame = [&desktop](const char* token) { desktop.keepActivationToken(token); },
+        .activationToken = desktop.activationToken(),
         .isReminding = [] { return app->state == App::State::Reminding; },
         .text = [&desktop] { return desktop.statusText(); },
         .remainingSeconds = [] { return static_cast<std::int64_t>(app->countdown()); },

@@ -63,7 +63,7 @@ protected:
     bool answersAtOnce = true;
     bool isBusy = false;
     int menus = 0;
-    std::vector<std::string> tokens;
+    ActivationToken token;
     bool isReminding = false;
     std::int64_t seconds = 540;
     bool isMuted = false;
@@ -85,7 +85,7 @@ protected:
                                   }
                               },
                           .showMenu = [this] { ++menus; },
-                          .activationTokenCame = [this](const char* token) { tokens.emplace_back(token); },
+                          .activationToken = token,
                           .isReminding = [this] { return isReminding; },
                           .text = [] { return std::string{"9m"}; },
                           .remainingSeconds = [this] { return seconds; },
@@ -156,13 +156,29 @@ TEST_F(ControlTest, TheMenuIsShownHoweverItIsAskedFor) {
 TEST_F(ControlTest, TheDesktopLetsItsWindowsComeToTheFront) {
     EXPECT_TRUE(
         ask("org.freedesktop.Application", "Activate", g_variant_new_parsed("({'activation-token': <'first'>},)")));
+    EXPECT_EQ(token.take(), "first");
     EXPECT_TRUE(ask("org.freedesktop.Application", "Open",
                     g_variant_new_parsed("(@as [], {'activation-token': <'second'>})")));
+    EXPECT_EQ(token.take(), "second");
     EXPECT_TRUE(ask("org.freedesktop.Application", "ActivateAction",
                     g_variant_new_parsed("('quit', @av [], {'activation-token': <'third'>})")));
+    EXPECT_EQ(token.take(), "third");
     EXPECT_TRUE(
         ask("org.freedesktop.Application", "Activate", g_variant_new_parsed("({'activation-token': <4>},)")));
-    EXPECT_THAT(tokens, ElementsAre("first", "second", "third"));
+    EXPECT_EQ(token.take(), "");
+}
+
+TEST_F(ControlTest, ACallWithATokenThatIsTooLongIsRefusedAndHasNoEffect) {
+    const std::string tooLong(ActivationToken::longest + 1, 'x');
+    GVariantDict data;
+    g_variant_dict_init(&data, nullptr);
+    g_variant_dict_insert(&data, "activation-token", "s", tooLong.c_str());
+    std::string error;
+    EXPECT_FALSE(ask("org.freedesktop.Application", "Activate",
+                     g_variant_new("(@a{sv})", g_variant_dict_end(&data)), &error));
+    EXPECT_THAT(error, HasSubstr("org.freedesktop.DBus.Error.InvalidArgs"));
+    EXPECT_EQ(token.take(), "");
+    EXPECT_EQ(menus, 0);
 }
 
 TEST_F(ControlTest, ThePropertiesAreReadAfresh) {

@@ -2,6 +2,7 @@
 
 #include "platform/linux/SettingsFile.hpp"
 
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
@@ -29,8 +30,7 @@ protected:
     SettingsFile& open() { return open(file); }
     SettingsFile& open(const fs::path& path) {
         settings.reset();
-        settings =
-            std::make_unique<SettingsFile>(path, [this](std::string_view error) { errors.emplace_back(error); });
+        settings = std::make_unique<SettingsFile>(path, errorLog);
         return *settings;
     }
 
@@ -57,7 +57,8 @@ protected:
 
     TemporaryFolder folder;
     const fs::path file = folder.path / "marvelode-timer/settings";
-    std::vector<std::string> errors;
+    CollectedErrors errorLog;
+    std::vector<std::string>& errors = errorLog.problems;
     std::unique_ptr<SettingsFile> settings;
 };
 

@@ -5,6 +5,7 @@
 
 #include "platform/Desktop.hpp"
 #include "platform/linux/window/WindowHelper.hpp"
+#include "tests/support/CollectedErrors.hpp"
 
 #include <glib.h>
 
@@ -19,13 +20,13 @@ class BareDesktop : public Desktop {
 public:
     /// Shows windows with the program at `helperProgram`, and takes pictures from the folder `resources`.
     explicit BareDesktop(std::filesystem::path helperProgram, std::filesystem::path resources = {})
-        : windows{std::move(helperProgram), [] { g_main_context_iteration(nullptr, TRUE); },
-                  [this](std::string_view message) { errors.emplace_back(message); },
-                  [this] { return std::exchange(activationToken, {}); }}
+        : windows{std::move(helperProgram), [] { g_main_context_iteration(nullptr, TRUE); }, errorLog,
+                  activationToken}
         , _resources{std::move(resources)} {}
 
-    std::vector<std::string> errors; ///< What was logged.
-    std::string activationToken;     ///< For the next panel; empty for none.
+    CollectedErrors errorLog;
+    const std::vector<std::string>& errors = errorLog.problems;
+    ActivationToken activationToken; ///< For the next panel.
     WindowHelper windows;
 
     int runAlert(NSAlert& alert) override { return windows.runAlert(alert); }

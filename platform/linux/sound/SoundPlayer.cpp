@@ -124,10 +124,10 @@ private:
     bool _wasOverdue = false;
 };
 
-SoundPlayer::SoundPlayer(std::filesystem::path helperProgram, LogError logError,
+SoundPlayer::SoundPlayer(std::filesystem::path helperProgram, ErrorLog& errorLog,
                          std::chrono::milliseconds longestSound)
     : _helperProgram{std::move(helperProgram)}
-    , _logError{std::move(logError)}
+    , _errorLog{errorLog}
     , _longestSound{longestSound} {}
 
 SoundPlayer::~SoundPlayer() = default;
@@ -148,7 +148,7 @@ bool SoundPlayer::start(std::vector<std::string> arguments, const std::string& d
     }
     auto helper = std::make_unique<Helper>(*this, std::move(arguments), description);
     if (const std::string reason = helper->start(); !reason.empty()) {
-        _logError(description + " could not be played: " + reason);
+        _errorLog.add(description + " could not be played: " + reason);
         return false;
     }
     _helpers.push_back(std::move(helper));
@@ -159,7 +159,7 @@ void SoundPlayer::ended(const Helper& helper, const std::string& complaint) {
     const std::string description = helper.description;
     std::erase_if(_helpers, [&](const auto& one) { return one.get() == &helper; });
     if (!complaint.empty()) {
-        _logError(description + " could not be played: " + complaint);
+        _errorLog.add(description + " could not be played: " + complaint);
     }
 }
 

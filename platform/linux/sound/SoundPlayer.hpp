@@ -3,23 +3,21 @@
 // The resident program's side of sounds: it has no decoder and no way to a sound server, so it starts a short-lived
 // helper program for each sound and looks after it. Whatever befalls a helper is told to the log and delays nobody.
 
+#include "platform/linux/ErrorLog.hpp"
+
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace platform::linux {
 
 class SoundPlayer {
 public:
-    using LogError = std::function<void(std::string_view)>;
-
-    /// Plays through `helperProgram`. `logError` gets one sentence for each sound that could not be heard; it is
+    /// Plays through `helperProgram`. `errorLog` gets one sentence for each sound that could not be heard; it is
     /// called on the main thread and may play the next. A helper still there after `longestSound` is ended.
-    SoundPlayer(std::filesystem::path helperProgram, LogError logError,
+    SoundPlayer(std::filesystem::path helperProgram, ErrorLog& errorLog,
                 std::chrono::milliseconds longestSound = std::chrono::seconds{30});
 
     /// Ends what is playing.
@@ -44,7 +42,7 @@ private:
     void ended(const Helper& helper, const std::string& complaint);
 
     const std::filesystem::path _helperProgram;
-    const LogError _logError;
+    ErrorLog& _errorLog;
     const std::chrono::milliseconds _longestSound;
     std::vector<std::unique_ptr<Helper>> _helpers;
 };

@@ -47,27 +47,26 @@ GVariant* bytesOf(const Picture& picture) {
 
 StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
                                        std::function<void(bool)> trayChanged, std::function<void()> activated,
-                                       std::function<void(const char*)> activationTokenCame,
-                                       std::function<void(std::string_view)> logError)
+                                       ActivationToken& activationToken, ErrorLog& errorLog)
     : _resources{resources}
     , _content{std::move(content)}
-    , _interface{bus, "/StatusNotifierItem", description,
-                 [this, activated = std::move(activated), activationTokenCame = std::move(activationTokenCame)](
-                     std::string_view method, GVariant* arguments) {
-                     if (method == "ProvideXdgActivationToken") {
-                         const char* token = nullptr;
-                         g_variant_get(arguments, "(&s)", &token);
-                         activationTokenCame(token);
-                     } else if (method == "Activate" && _host->opensMenuIfRefused) {
-                         return VariantHandle{};
-                     } else {
-                         activated();
-                     }
-                     return owned(g_variant_new("()"));
-                 },
-                 [this](std::string_view name) { return property(name); }}
+    , _interface{
+          bus, "/StatusNotifierItem", description,
+          [this, activated = std::move(activated), &activationToken](std::string_view method, GVariant* arguments) {
+              if (method == "ProvideXdgActivationToken") {
+                  const char* token = nullptr;
+                  g_variant_get(arguments, "(&s)", &token);
+                  return activationToken.keep(token) ? owned(g_variant_new("()")) : VariantHandle{};
+              } else if (method == "Activate" && _host->opensMenuIfRefused) {
+                  return VariantHandle{};
+              } else {
+                  activated();
+              }
+              return owned(g_variant_new("()"));
+          },
+          [this](std::string_view name) { return property(name); }}
     , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); },
-            std::move(trayChanged), std::move(logError)} {}
+            std::move(trayChanged), errorLog} {}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);

@@ -3,6 +3,8 @@
 // The status item on the session bus, in the protocol org.kde.StatusNotifierItem: the panel reads the item's
 // properties and is sent a signal when one of them has changed, and only then.
 
+#include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 #include "platform/linux/tray/StatusContent.hpp"
@@ -21,12 +23,11 @@ public:
 
     /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
     /// `trayChanged` learns whether there is a panel, at first and whenever that changes. `activated` is called
-    /// when the user clicks the item in a panel that then shows no menu. `activationTokenCame` is given what lets
-    /// the window come to the front that the user's next pick opens.
+    /// when the user clicks the item in a panel that then shows no menu. `activationToken` keeps what the
+    /// panel hands out for the window that the user's next pick opens.
     StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
                        std::function<void(bool isPresent)> trayChanged, std::function<void()> activated,
-                       std::function<void(const char*)> activationTokenCame,
-                       std::function<void(std::string_view)> logError);
+                       ActivationToken& activationToken, ErrorLog& errorLog);
 
     /// Shows `content` from now on.
     void show(StatusContent content);

@@ -19,11 +19,11 @@ std::string processName(unsigned identifier) {
 } // namespace
 
 Tray::Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-           std::function<void(bool)> presenceChanged, std::function<void(std::string_view)> logError)
+           std::function<void(bool)> presenceChanged, ErrorLog& errorLog)
     : _bus{shared(bus)}
     , _appeared{std::move(appeared)}
     , _presenceChanged{std::move(presenceChanged)}
-    , _logError{std::move(logError)} {
+    , _errorLog{errorLog} {
     const auto nameAppeared = [](GDBusConnection*, const char*, const char* owner, gpointer self) {
         static_cast<Tray*>(self)->panelAppeared(owner);
     };
@@ -79,7 +79,7 @@ void Tray::registerItem() {
                             if (answer) {
                                 askForHost();
                             } else {
-                                _logError("The panel refused the status item: " + std::string{error.message()});
+                                _errorLog.add("The panel refused the status item: " + std::string{error.message()});
                                 _presenceChanged(false);
                             }
                         });

@@ -3,6 +3,7 @@
 // The panel that collects status items, found on the session bus by the name of its watcher. Panels come late,
 // restart and give way to others; the program's item is offered to each in turn.
 
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/glib/BusCall.hpp"
 
 #include <array>
@@ -15,10 +16,10 @@ namespace platform::linux {
 class Tray {
 public:
     /// Each time a panel appears, first tells the name of its process (empty if unknown) to `appeared`, then
-    /// registers this connection as the item. A refusal is told to `logError`. `presenceChanged` learns whether the
+    /// registers this connection as the item. A refusal is told to `errorLog`. `presenceChanged` learns whether the
     /// item is in a panel where the user can see it, at first and whenever that may have changed.
     Tray(GDBusConnection* bus, std::function<void(std::string_view processName)> appeared,
-         std::function<void(bool isPresent)> presenceChanged, std::function<void(std::string_view)> logError);
+         std::function<void(bool isPresent)> presenceChanged, ErrorLog& errorLog);
     ~Tray();
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
@@ -32,7 +33,7 @@ private:
     ObjectHandle<GDBusConnection> _bus;
     std::function<void(std::string_view)> _appeared;
     std::function<void(bool)> _presenceChanged;
-    std::function<void(std::string_view)> _logError;
+    ErrorLog& _errorLog;
     BusCall _processQuestion;
     BusCall _registration;
     BusCall _hostQuestion;

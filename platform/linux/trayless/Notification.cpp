@@ -11,10 +11,10 @@ constexpr const char* object = "/org/freedesktop/Notifications";
 } // namespace
 
 Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::string_view)> chosen,
-                           std::function<void(const char*)> activationTokenCame)
+                           ActivationToken& activationToken)
     : _sessionBus{shared(sessionBus)}
     , _chosen{std::move(chosen)}
-    , _activationTokenCame{std::move(activationTokenCame)} {
+    , _activationToken{activationToken} {
     const auto userActed = [](GDBusConnection*, const char*, const char*, const char*, const char* signal,
                               GVariant* parameters, gpointer self) {
         auto& notification = *static_cast<Notification*>(self);
@@ -28,7 +28,7 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
             return;
         }
         if (std::string_view{signal} == "ActivationToken") {
-            notification._activationTokenCame(keyOrToken);
+            notification._activationToken.keep(keyOrToken);
         } else {
             notification._chosen(keyOrToken);
         }

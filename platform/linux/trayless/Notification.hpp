@@ -3,6 +3,7 @@
 // One message of the program in the desktop's notification area, with actions to choose from. Where the desktop
 // shows no notifications, nothing happens.
 
+#include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/glib/BusCall.hpp"
 
 #include <cstdint>
@@ -21,11 +22,10 @@ public:
     };
 
     /// Calls `chosen` from the main loop with the key of an action that the user chose; "default" stands for a
-    /// click on the message itself. Before that, `activationTokenCame` is given what lets a window come to the
-    /// front that the action opens, if the desktop hands it out.
-    Notification(
-        GDBusConnection* sessionBus, std::function<void(std::string_view key)> chosen,
-        std::function<void(const char*)> activationTokenCame = [](const char*) {});
+    /// click on the message itself. Before that, `activationToken` keeps what the desktop may hand out for the
+    /// window that the action opens.
+    Notification(GDBusConnection* sessionBus, std::function<void(std::string_view key)> chosen,
+                 ActivationToken& activationToken);
     ~Notification();
     Notification(const Notification&) = delete;
     Notification& operator=(const Notification&) = delete;
@@ -39,7 +39,7 @@ public:
 private:
     ObjectHandle<GDBusConnection> _sessionBus;
     std::function<void(std::string_view)> _chosen;
-    std::function<void(const char*)> _activationTokenCame;
+    ActivationToken& _activationToken;
     BusCall _showing;
     unsigned _actionSubscription;
     unsigned _tokenSubscription;

@@ -21,12 +21,11 @@ modifier::Frame trailing(double width) { return {.width = width, .height = {}, .
 } // namespace
 
 StatusWindow::StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
-                           std::function<void(std::string_view)> logError,
-                           std::function<std::string()> takeActivationToken)
+                           ErrorLog& errorLog, ActivationToken& activationToken)
     : _helperProgram{std::move(helperProgram)}
     , _pick{std::move(pick)}
-    , _logError{std::move(logError)}
-    , _takeActivationToken{std::move(takeActivationToken)} {}
+    , _errorLog{errorLog}
+    , _activationToken{activationToken} {}
 
 StatusWindow::~StatusWindow() { close(); }
 
@@ -47,8 +46,8 @@ void StatusWindow::start(bool isUnasked) {
             _handling.startSoon([this] { handleEvents(); });
         }
     };
-    _process = std::make_unique<WindowProcess>(_helperProgram, _logError, handleSoon,
-                                               isUnasked ? std::string{} : _takeActivationToken());
+    _process = std::make_unique<WindowProcess>(_helperProgram, _errorLog, handleSoon,
+                                               isUnasked ? std::string{} : _activationToken.take());
     send(isUnasked);
 }
 

@@ -5,8 +5,11 @@
 
 #include "platform/NSMenu.hpp"
 #include "platform/View.hpp"
+#include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/tray/StatusContent.hpp"
+#include "platform/linux/trayless/StandInWindow.hpp"
 #include "platform/linux/window/WindowProcess.hpp"
 
 #include <filesystem>
@@ -14,30 +17,23 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace platform::linux {
 
-class StatusWindow {
+class StatusWindow final : public StandInWindow {
 public:
     /// Shows the window with the program at `helperProgram`, when it is asked to. `pick` is given each entry that
-    /// the user picks in it; `takeActivationToken` gives what lets the window come to the front, or nothing.
-    StatusWindow(
-        std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
-        std::function<void(std::string_view)> logError,
-        std::function<std::string()> takeActivationToken = [] { return std::string{}; });
+    /// the user picks in it; `activationToken` is taken when the user asks for the window.
+    StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick, ErrorLog& errorLog,
+                 ActivationToken& activationToken);
     ~StatusWindow();
     StatusWindow(const StatusWindow&) = delete;
     StatusWindow& operator=(const StatusWindow&) = delete;
 
-    /// Brings the window to the front. It stays until the user closes it.
-    void open();
-
-    /// Shows the window unless it is there already, and leaves the keyboard to whoever is typing.
-    void appear();
-
-    void close();
+    void open() override;
+    void appear() override;
+    void close() override;
 
     /// What the window shows from now on, whether it is open or not.
     void show(const StatusContent& content, std::shared_ptr<NSMenu> menu);
@@ -58,8 +54,8 @@ private:
 
     std::filesystem::path _helperProgram;
     std::function<void(NSMenuItem&)> _pick;
-    std::function<void(std::string_view)> _logError;
-    std::function<std::string()> _takeActivationToken;
+    ErrorLog& _errorLog;
+    ActivationToken& _activationToken;
     std::optional<NSImage> _picture;
     std::string _words;
     std::shared_ptr<NSMenu> _menu;

@@ -12,18 +12,14 @@ constexpr const char* lockScreenInterface = "org.gnome.ScreenSaver";
 
 } // namespace
 
-TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, std::function<void()> appear,
-                               std::function<void()> disappear, std::function<void()> open,
-                               std::function<void(std::string_view)> pick,
-                               std::function<void(const char*)> activationTokenCame)
-    : _appear{std::move(appear)}
-    , _disappear{std::move(disappear)}
+TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, StandInWindow& window,
+                               std::function<void(std::string_view)> pick, ActivationToken& activationToken)
+    : _window{window}
     , _sessionBus{shared(sessionBus)}
-    , _notification{sessionBus,
-                    [open = std::move(open), pick = std::move(pick)](std::string_view key) {
-                        key == "default" ? open() : pick(key);
-                    },
-                    std::move(activationTokenCame)} {
+    , _notification{
+          sessionBus,
+          [&window, pick = std::move(pick)](std::string_view key) { key == "default" ? window.open() : pick(key); },
+          activationToken} {
     const auto lockChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                                 gpointer self) {
         auto& notice = *static_cast<TraylessNotice*>(self);
@@ -47,7 +43,7 @@ void TraylessNotice::trayChanged(bool isPresent) {
     _patience.cancel();
     if (std::exchange(_isTold, false)) {
         _notification.withdraw();
-        _disappear();
+        _window.close();
     }
 }
 
@@ -79,7 +75,7 @@ void TraylessNotice::tell() {
          {"Restart timer", "Restart timer"},
          {"Settings", "Settings"},
          {"Quit", "Quit"}});
-    _appear();
+    _window.appear();
 }
 
 } // namespace platform::linux

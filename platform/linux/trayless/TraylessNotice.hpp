@@ -7,6 +7,7 @@
 #include "platform/linux/glib/BusCall.hpp"
 #include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/trayless/Notification.hpp"
+#include "platform/linux/trayless/StandInWindow.hpp"
 
 #include <functional>
 #include <string_view>
@@ -15,13 +16,11 @@ namespace platform::linux {
 
 class TraylessNotice {
 public:
-    /// Calls `appear` when the timer's own window should stand in for the status item, `disappear` when it need not
-    /// any longer, `open` when the user asks for that window, and `pick` with the title of a menu entry; before the
-    /// last two, `activationTokenCame` with what lets a window come to the front.
-    TraylessNotice(
-        GDBusConnection* sessionBus, std::function<void()> appear, std::function<void()> disappear,
-        std::function<void()> open, std::function<void(std::string_view entry)> pick,
-        std::function<void(const char*)> activationTokenCame = [](const char*) {});
+    /// Shows `window` while the status item is in no panel, opens it when the user asks for it in the message, and
+    /// calls `pick` with the title of a menu entry that the user chose there; `activationToken` keeps what the
+    /// desktop hands out with either.
+    TraylessNotice(GDBusConnection* sessionBus, StandInWindow& window,
+                   std::function<void(std::string_view entry)> pick, ActivationToken& activationToken);
     ~TraylessNotice();
     TraylessNotice(const TraylessNotice&) = delete;
     TraylessNotice& operator=(const TraylessNotice&) = delete;
@@ -34,8 +33,7 @@ private:
     void tellUnlessLocked();
     void tell();
 
-    std::function<void()> _appear;
-    std::function<void()> _disappear;
+    StandInWindow& _window;
     ObjectHandle<GDBusConnection> _sessionBus;
     Notification _notification;
     BusCall _lockQuestion;

@@ -84,8 +84,8 @@ public:
         if (_helper._sessions.empty()) {
             // nobody has asked for an alert: a token that is there was handed out for something else
             _helper._process = std::make_unique<WindowProcess>(
-                _helper._helperProgram, _helper._logError, [] {},
-                isPanel ? _helper._takeActivationToken() : std::string{});
+                _helper._helperProgram, _helper._errorLog, [] {},
+                isPanel ? _helper._activationToken.take() : std::string{});
         }
         _helper._sessions.push_back(this);
     }
@@ -145,13 +145,12 @@ private:
     std::deque<Event> _kept;
 };
 
-WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate,
-                           std::function<void(std::string_view)> logError,
-                           std::function<std::string()> takeActivationToken)
+WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate, ErrorLog& errorLog,
+                           ActivationToken& activationToken)
     : _helperProgram{std::move(helperProgram)}
     , _iterate{std::move(iterate)}
-    , _logError{std::move(logError)}
-    , _takeActivationToken{std::move(takeActivationToken)} {}
+    , _errorLog{errorLog}
+    , _activationToken{activationToken} {}
 
 WindowHelper::~WindowHelper() = default;
 

@@ -6,6 +6,8 @@
 #include "platform/NSAlert.hpp"
 #include "platform/NSPanel.hpp"
 #include "platform/View.hpp"
+#include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/ErrorLog.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -22,12 +24,10 @@ class WindowProcess;
 class WindowHelper {
 public:
     /// Shows windows with the program at `helperProgram`. `iterate` runs the main context once and may block until
-    /// something happened; `logError` is told why windows could not be shown; `takeActivationToken` gives what lets
-    /// a panel that the user asked for come to the front, or nothing. All are kept.
-    WindowHelper(
-        std::filesystem::path helperProgram, std::function<void()> iterate,
-        std::function<void(std::string_view)> logError,
-        std::function<std::string()> takeActivationToken = [] { return std::string{}; });
+    /// something happened; `errorLog` is told why windows could not be shown; `activationToken` is taken by a
+    /// panel, which the user has asked for.
+    WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate, ErrorLog& errorLog,
+                 ActivationToken& activationToken);
     ~WindowHelper();
     WindowHelper(const WindowHelper&) = delete;
     WindowHelper& operator=(const WindowHelper&) = delete;
@@ -51,8 +51,8 @@ private:
 
     std::filesystem::path _helperProgram;
     std::function<void()> _iterate;
-    std::function<void(std::string_view)> _logError;
-    std::function<std::string()> _takeActivationToken;
+    ErrorLog& _errorLog;
+    ActivationToken& _activationToken;
     std::unique_ptr<WindowProcess> _process; ///< Exists exactly while there are sessions.
     std::vector<Session*> _sessions;         ///< One for each window, the topmost last.
     std::uint32_t _lastWindow = 0;

@@ -42,13 +42,13 @@ TextsHandle environmentWith(const std::string& activationToken) {
 
 } // namespace
 
-WindowProcess::WindowProcess(const std::filesystem::path& path, std::function<void(std::string_view)> logError,
+WindowProcess::WindowProcess(const std::filesystem::path& path, ErrorLog& errorLog,
                              std::function<void()> somethingHappened, const std::string& activationToken)
-    : _logError{std::move(logError)}
+    : _errorLog{errorLog}
     , _somethingHappened{std::move(somethingHappened)} {
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-        _logError("no window can be shown: " + messageOf(errno));
+        _errorLog.add("no window can be shown: " + messageOf(errno));
         return;
     }
     _socket = ends[0];
@@ -65,7 +65,7 @@ void WindowProcess::start(const std::filesystem::path& path, const std::string& 
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
     if (!g_spawn_async_with_fds(nullptr, arguments.data(), environment.get(), flags, nullptr, nullptr, &_process,
                                 childSocket, inherited, inherited, error.out())) {
-        _logError("no window can be shown: "s + error.message());
+        _errorLog.add("no window can be shown: "s + error.message());
         close(std::exchange(_socket, -1));
         return;
     }
@@ -131,7 +131,7 @@ void WindowProcess::send(const Request& request) {
 
 void WindowProcess::giveUp(std::string_view reason) {
     if (isAlive()) {
-        _logError(reason);
+        _errorLog.add(reason);
         end();
     }
 }

@@ -4,6 +4,7 @@
 // has certainly ended, leaving no zombie, when the destructor returns. If its first window is not on the screen
 // after half a minute, it is given up: nobody must wait for an answer to what cannot be seen.
 
+#include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/window/Protocol.hpp"
 
 #include <deque>
@@ -18,12 +19,12 @@ namespace platform::linux {
 class WindowProcess {
 public:
     /// Starts the program at `path`, and reads what it says whenever the calling thread's main context is iterated.
-    /// If it cannot start, or goes away before it is told to, `logError` learns why. `somethingHappened` is called
+    /// If it cannot start, or goes away before it is told to, `errorLog` learns why. `somethingHappened` is called
     /// whenever there is an event to take or the program has gone; it must leave this object alone. The desktop
     /// gives the first window the keyboard for `activationToken`, which it handed out; it may be empty.
     WindowProcess(
-        const std::filesystem::path& path, std::function<void(std::string_view)> logError,
-        std::function<void()> somethingHappened = [] {}, const std::string& activationToken = {});
+        const std::filesystem::path& path, ErrorLog& errorLog, std::function<void()> somethingHappened = [] {},
+        const std::string& activationToken = {});
 
     /// Lets the program close all its windows and end; kills it if that takes more than half a second.
     ~WindowProcess();
@@ -49,7 +50,7 @@ private:
     void stopWaiting();
     void end();
 
-    std::function<void(std::string_view)> _logError;
+    ErrorLog& _errorLog;
     std::function<void()> _somethingHappened;
     int _socket = -1; ///< Open exactly while the program is alive.
     int _process = 0;

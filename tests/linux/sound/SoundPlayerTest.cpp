@@ -3,6 +3,7 @@
 
 #include "platform/linux/sound/SoundPlayer.hpp"
 
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 #include <glib.h>
@@ -41,10 +42,6 @@ protected:
         auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         return script;
-    }
-
-    SoundPlayer::LogError log() {
-        return [this](std::string_view sentence) { _logged.emplace_back(sentence); };
     }
 
     /// Runs the main loop until something has happened; fails if that takes unreasonably long.
@@ -86,23 +83,24 @@ protected:
     const TemporaryFolder _folder;
     const std::filesystem::path _pipe = _folder.path / "pipe";
     const std::filesystem::path _sound = R"(/sounds/A sound; with "odd" 'letters' $HOME.m4a)";
-    std::vector<std::string> _logged;
+    CollectedErrors _log;
+    const std::vector<std::string>& _logged = _log.problems;
 };
 
 TEST_F(SoundPlayerTest, PlaysTheSoundThroughTheHelper) {
-    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), log()};
+    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), _log};
     EXPECT_TRUE(player.play(_sound));
     EXPECT_EQ(lineFromHelper(), "play|" + _sound.string() + "|");
 }
 
 TEST_F(SoundPlayerTest, BeepsThroughTheHelper) {
-    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), log()};
+    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), _log};
     player.beep();
     EXPECT_EQ(lineFromHelper(), "beep|");
 }
 
 TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
-    SoundPlayer player{helper(R"(read go < "$pipe")"), log()};
+    SoundPlayer player{helper(R"(read go < "$pipe")"), _log};
     EXPECT_TRUE(player.play(_sound));
     EXPECT_FALSE(player.play(_sound));
     lineToHelper();
@@ -112,7 +110,7 @@ TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
 }
 
 TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
-    SoundPlayer player{helper(R"(echo started > "$pipe"; exec sleep 60)"), log()};
+    SoundPlayer player{helper(R"(echo started > "$pipe"; exec sleep 60)"), _log};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     EXPECT_EQ(lineFromHelper(), "started");
     EXPECT_TRUE(player.play("/Sonar.m4a"));
@@ -123,7 +121,7 @@ TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
 }
 
 TEST_F(SoundPlayerTest, OneBeepAtATime) {
-    SoundPlayer player{helper(R"(echo beep >> "$0.beeps"; read go < "$pipe"; exit 1)"), log()};
+    SoundPlayer player{helper(R"(echo beep >> "$0.beeps"; read go < "$pipe"; exit 1)"), _log};
     player.beep();
     player.beep();
     lineToHelper();
@@ -133,14 +131,14 @@ TEST_F(SoundPlayerTest, OneBeepAtATime) {
 }
 
 TEST_F(SoundPlayerTest, SuccessIsNotLoggedWhateverTheHelperWrites) {
-    SoundPlayer player{helper("echo a warning from deep down >&2"), log()};
+    SoundPlayer player{helper("echo a warning from deep down >&2"), _log};
     EXPECT_TRUE(player.play(_sound));
     runUntil([&] { return player.play(_sound); });
     EXPECT_THAT(_logged, IsEmpty());
 }
 
 TEST_F(SoundPlayerTest, MissingHelperIsLoggedEachTime) {
-    SoundPlayer player{_folder.path / "missing", log()};
+    SoundPlayer player{_folder.path / "missing", _log};
     EXPECT_FALSE(player.play("/Bowl.m4a"));
     ASSERT_THAT(_logged, SizeIs(1));
     EXPECT_THAT(_logged[0], HasSubstr("The sound Bowl.m4a could not be played: "));
@@ -152,7 +150,7 @@ TEST_F(SoundPlayerTest, MissingHelperIsLoggedEachTime) {
 
 TEST_F(SoundPlayerTest, FailureIsLoggedOnceInTheHelpersLastWords) {
     SoundPlayer player{helper("echo a warning from deep down >&2; echo 'There is no sound card.' >&2; exit 1"),
-                       log()};
+                       _log};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     runUntilLogged();
     EXPECT_THAT(_logged, ElementsAre("The sound Bowl.m4a could not be played: There is no sound card."));
@@ -162,14 +160,14 @@ TEST_F(SoundPlayerTest, FailureIsLoggedOnceInTheHelpersLastWords) {
 }
 
 TEST_F(SoundPlayerTest, SilentFailureIsLogged) {
-    SoundPlayer player{helper("exit 3"), log()};
+    SoundPlayer player{helper("exit 3"), _log};
     player.beep();
     runUntilLogged();
     EXPECT_THAT(_logged, ElementsAre("The alert beep could not be played: its player failed with status 3."));
 }
 
 TEST_F(SoundPlayerTest, CrashIsLogged) {
-    SoundPlayer player{helper("kill -KILL $$"), log()};
+    SoundPlayer player{helper("kill -KILL $$"), _log};
     player.beep();
     runUntilLogged();
     ASSERT_THAT(_logged, SizeIs(1));
@@ -177,14 +175,14 @@ TEST_F(SoundPlayerTest, CrashIsLogged) {
 }
 
 TEST_F(SoundPlayerTest, OddLettersInAFailureAreMadeReadable) {
-    SoundPlayer player{helper(R"(printf 'No \377 device' >&2; exit 1)"), log()};
+    SoundPlayer player{helper(R"(printf 'No \377 device' >&2; exit 1)"), _log};
     player.beep();
     runUntilLogged();
     EXPECT_THAT(_logged, ElementsAre("The alert beep could not be played: No \uFFFD device"));
 }
 
 TEST_F(SoundPlayerTest, HangingHelperIsEndedAndLogged) {
-    SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log(), 100ms};
+    SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), _log, 100ms};
     EXPECT_TRUE(player.play("/Bowl.m4a"));
     const std::string process = lineFromHelper();
     runUntilLogged();
@@ -194,31 +192,32 @@ TEST_F(SoundPlayerTest, HangingHelperIsEndedAndLogged) {
 }
 
 TEST_F(SoundPlayerTest, EndlesslyComplainingHelperIsEndedAndLogged) {
-    SoundPlayer player{helper("exec yes >&2"), log(), 100ms};
+    SoundPlayer player{helper("exec yes >&2"), _log, 100ms};
     player.beep();
     runUntilLogged();
     EXPECT_THAT(_logged, ElementsAre(EndsWith("its player did not come to an end.")));
 }
 
 TEST_F(SoundPlayerTest, LogMayPlayTheNextSound) {
-    SoundPlayer* again = nullptr;
-    const auto logAndRetry = [&](std::string_view sentence) {
-        _logged.emplace_back(sentence);
-        if (_logged.size() < 3) {
-            again->beep();
+    struct Retrying final : platform::linux::ErrorLog {
+        void add(std::string_view) override {
+            if (++problems < 3) {
+                player->beep();
+            }
         }
-    };
-    SoundPlayer player{helper("exit 1"), logAndRetry};
-    again = &player;
+        SoundPlayer* player = nullptr;
+        int problems = 0;
+    } log;
+    SoundPlayer player{helper("exit 1"), log};
+    log.player = &player;
     player.beep();
-    runUntilLogged(3);
-    EXPECT_THAT(_logged, SizeIs(3));
+    runUntil([&] { return log.problems == 3; });
 }
 
 TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
     std::string process;
     {
-        SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log()};
+        SoundPlayer player{helper(R"(echo $$ > "$pipe"; exec sleep 60)"), _log};
         player.play(_sound);
         process = lineFromHelper();
         EXPECT_FALSE(isGone(process));
@@ -252,7 +251,7 @@ private:
 
 TEST_F(SoundPlayerTest, LeavesNoZombieWhenItIsInterrupted) {
     std::vector<std::string> processes;
-    std::optional<SoundPlayer> player{std::in_place, helper(R"(echo $$ > "$pipe"; exec sleep 60)"), log()};
+    std::optional<SoundPlayer> player{std::in_place, helper(R"(echo $$ > "$pipe"; exec sleep 60)"), _log};
     for (int count = 0; count < 20; ++count) {
         player->play(_folder.path / std::to_string(count));
         processes.push_back(lineFromHelper());
@@ -267,7 +266,7 @@ TEST_F(SoundPlayerTest, LeavesNoDescriptorOpen) {
         const std::filesystem::directory_iterator descriptors{"/proc/self/fd"};
         return std::distance(begin(descriptors), end(descriptors));
     };
-    SoundPlayer player{helper("exit 1"), log()};
+    SoundPlayer player{helper("exit 1"), _log};
     player.beep();
     runUntilLogged();
     const auto before = openDescriptors();

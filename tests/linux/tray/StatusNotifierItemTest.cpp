@@ -3,6 +3,7 @@
 #include "platform/linux/tray/StatusNotifierItem.hpp"
 
 #include "tests/support/BusSignals.hpp"
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/PrivateBuses.hpp"
 
 #include <gtest/gtest.h>
@@ -28,8 +29,9 @@ protected:
     StatusContent content{"9m", {}, "Marvelode.png", {}, "Break in 9 minutes"};
     ObjectHandle<GDBusConnection> program = connectToSession();
     ObjectHandle<GDBusConnection> panel = connectToSession();
-    StatusNotifierItem item{program.get(),          resources, content, [](bool) {}, [] {}, [](const char*) {},
-                            [](std::string_view) {}};
+    ActivationToken token;
+    CollectedErrors errors;
+    StatusNotifierItem item{program.get(), resources, content, [](bool) {}, [] {}, token, errors};
     BusSignals signals{panel.get(), program.get(), interface};
 };
 
@@ -56,6 +58,18 @@ TEST_F(Item, AnnouncesOnlyWhatHasChanged) {
     content.colour = NSColor::red;
     item.show(content);
     EXPECT_EQ(signals.take(), std::vector<std::string>{"NewIcon()"});
+}
+
+TEST_F(Item, RefusesAnActivationTokenThatIsTooLong) {
+    const auto refusal = [&](const std::string& text) {
+        std::string error;
+        call(panel.get(), g_dbus_connection_get_unique_name(program.get()), "/StatusNotifierItem", interface,
+             "ProvideXdgActivationToken", g_variant_new("(s)", text.c_str()), &error);
+        return error;
+    };
+    EXPECT_EQ(refusal("of-the-click"), "");
+    EXPECT_NE(refusal(std::string(ActivationToken::longest + 1, 'x')), "");
+    EXPECT_EQ(token.take(), "of-the-click");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "platform/linux/tray/Tray.hpp"
 
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/PrivateBuses.hpp"
 #include "tests/support/TrayWatcher.hpp"
 
@@ -20,11 +21,11 @@ protected:
     ObjectHandle<GDBusConnection> program = connectToSession();
     const std::string name = g_dbus_connection_get_unique_name(program.get());
     std::vector<std::string> hosts;
-    std::vector<std::string> errors;
+    CollectedErrors errorLog;
+    const std::vector<std::string>& errors = errorLog.problems;
     std::vector<bool> presences;
     Tray tray{program.get(), [this](std::string_view host) { hosts.emplace_back(host); },
-              [this](bool isPresent) { presences.push_back(isPresent); },
-              [this](std::string_view error) { errors.emplace_back(error); }};
+              [this](bool isPresent) { presences.push_back(isPresent); }, errorLog};
 };
 
 TEST_F(Panels, AreOfferedTheItemEachTimeTheyAppear) {

@@ -37,8 +37,9 @@ protected:
     ObjectHandle<GDBusConnection> other = connectToSession();
     std::optional<NotificationDaemon> daemon{std::in_place};
     std::vector<std::string> chosen;
+    ActivationToken token;
     std::optional<Notification> notification{std::in_place, bus.get(),
-                                             [this](std::string_view key) { chosen.emplace_back(key); }};
+                                             [this](std::string_view key) { chosen.emplace_back(key); }, token};
 };
 
 TEST_F(NotificationTest, SaysWhatItIsGiven) {

@@ -130,11 +130,13 @@ protected:
     BareDesktop desktop{"none"};
     std::shared_ptr<NSMenu> menu = std::make_shared<NSMenu>();
     std::vector<std::string> picked;
-    std::vector<std::string> errors;
+    CollectedErrors errorLog;
+    const std::vector<std::string>& errors = errorLog.problems;
+    ActivationToken token;
     int requests = 0;
     std::optional<StatusWindow> window{std::in_place, folder.path / "program",
-                                       [this](NSMenuItem& entry) { picked.push_back(entry.title); },
-                                       [this](std::string_view error) { errors.emplace_back(error); }};
+                                       [this](NSMenuItem& entry) { picked.push_back(entry.title); }, errorLog,
+                                       token};
 };
 
 TEST_F(StatusWindowTest, ShowsWordsAndMenu) {

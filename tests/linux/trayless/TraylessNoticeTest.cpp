@@ -17,13 +17,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-struct Notice {
+struct Notice final : StandInWindow {
     explicit Notice(GDBusConnection* bus)
-        : notice{bus, [this] { calls.emplace_back("appear"); }, [this] { calls.emplace_back("disappear"); },
-                 [this] { calls.emplace_back("open"); },
-                 [this](std::string_view entry) { calls.push_back("pick " + std::string{entry}); }} {}
+        : notice{bus, *this, [this](std::string_view entry) { calls.push_back("pick " + std::string{entry}); },
+                 token} {}
+
+    void appear() override { calls.emplace_back("appear"); }
+    void close() override { calls.emplace_back("close"); }
+    void open() override { calls.emplace_back("open"); }
 
     std::vector<std::string> calls;
+    ActivationToken token;
     TraylessNotice notice;
 };
 
@@ -56,7 +60,7 @@ TEST_F(TraylessNoticeTest, TakesItsMessageBackWhenAPanelAppears) {
     ASSERT_TRUE(runLoopUntil([&] { return daemon.shows == 1; }));
     user.notice.trayChanged(true);
     user.notice.trayChanged(true);
-    EXPECT_THAT(user.calls, ElementsAre("appear", "disappear"));
+    EXPECT_THAT(user.calls, ElementsAre("appear", "close"));
     EXPECT_TRUE(runLoopUntil([&] { return daemon.onScreen.empty(); }));
 }
 

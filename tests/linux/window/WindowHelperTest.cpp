@@ -191,7 +191,7 @@ TEST_F(AnAlert, KeepsTheTickMadeBeforeTheProgramDied) {
 
 TEST_F(AnAlert, LeavesTheTokenToThePanelThatTheUserAskedFor) {
     play("echo \"[$XDG_ACTIVATION_TOKEN]\" >>tokens; next; say \"('closed', $(wc -l <tokens), 0, nothing)\"; next");
-    desktop->activationToken = "of-the-click";
+    desktop->activationToken.keep("of-the-click");
     alert.runModal();
     runPanel(form());
     runPanel(form());

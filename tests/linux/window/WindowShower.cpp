@@ -148,9 +148,8 @@ void popup() {
 /// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass, SIGUSR2 enables or disables "Quit".
 class Status {
 public:
-    Status(const std::filesystem::path& helper, bool isUnasked)
-        : _window{helper, [this](NSMenuItem& item) { pick(item); },
-                  [](std::string_view error) { std::cout << "error: " << error << std::endl; }} {
+    Status(const std::filesystem::path& helper, bool isUnasked, linux::ErrorLog& errorLog)
+        : _window{helper, [this](NSMenuItem& item) { pick(item); }, errorLog, _token} {
         for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
             _menu->addItem(std::make_shared<NSMenuItem>(
                 title, [](NSMenuItem&) {}, ""));
@@ -197,6 +196,7 @@ private:
     int _minutes = 9;
     bool _isOver = false;
     std::shared_ptr<NSMenu> _menu = std::make_shared<NSMenu>();
+    linux::ActivationToken _token;
     linux::StatusWindow _window;
     std::array<unsigned, 2> _signals{};
 };
@@ -209,7 +209,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     linux::BareDesktop desktop{argv[1], argv[2]};
-    desktop.activationToken = "of-the-click";
+    desktop.activationToken.keep("of-the-click");
     const Settings settings;
     for (int index = 3; index < argc; ++index) {
         const std::string_view window{argv[index]};
@@ -220,7 +220,7 @@ int main(int argc, char** argv) {
         } else if (window == "about") {
             runPanel(about);
         } else if (window == "status" || window == "unasked") {
-            Status{argv[1], window == "unasked"}.run();
+            Status{argv[1], window == "unasked", desktop.errorLog}.run();
         }
     }
     for (const std::string& error : desktop.errors) {
