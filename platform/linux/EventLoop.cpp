@@ -64,13 +64,13 @@ void EventLoop::schedule(const std::shared_ptr<Timer>& timer) {
     }
 }
 
-std::optional<double> EventLoop::shareLeft() const {
+std::optional<EventLoop::OneShot> EventLoop::latestOneShot() const {
     const std::shared_ptr<Timer> timer = _latestOneShot.lock();
-    if (!timer || !timer->isValid() || timer->interval() <= 0) {
+    if (!timer || !timer->isValid()) {
         return std::nullopt;
     }
     const std::chrono::duration<double> left = _latestOneShotDue - monotonicNow();
-    return std::clamp(left.count() / timer->interval(), 0.0, 1.0);
+    return OneShot{left.count(), timer->interval()};
 }
 
 bool EventLoop::isReady() const { return millisecondsToWait() == 0; }

@@ -35,9 +35,12 @@ public:
     void schedule(const std::shared_ptr<Timer>& timer);
     void cancel(const Timer& timer) { _timers.remove(timer); }
 
-    /// How much of the latest one-shot timer's interval is still to come, from 1 down to 0; nothing if that timer
-    /// is no longer pending.
-    std::optional<double> shareLeft() const;
+    /// The latest one-shot timer, as long as it is pending.
+    struct OneShot {
+        TimeInterval secondsLeft; ///< Until it fires; negative while its mode keeps it waiting.
+        TimeInterval interval;    ///< From its start until it fires.
+    };
+    std::optional<OneShot> latestOneShot() const;
 
     /// Has `settle` called soon and once, however often this is asked for; for events that are not this loop's.
     void settleSoon() { _isUnsettled = true; }

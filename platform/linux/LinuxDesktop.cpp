@@ -4,14 +4,23 @@
 
 #include <glib-unix.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <utility>
 
 namespace platform::linux {
 namespace {
 
 constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
+
+/// By a clock that goes on while the machine sleeps, and that cannot be set.
+TimeInterval secondsSinceBoot() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
 
 } // namespace
 
@@ -184,13 +193,29 @@ void LinuxDesktop::settle() {
     }
 }
 
-StatusContent LinuxDesktop::statusContent() const {
+std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() {
+    const TimeInterval now = secondsSinceBoot();
+    if (const auto timer = _loop.latestOneShot(); timer && !_isBreakDue()) {
+        _breakSinceBoot = now + timer->secondsLeft;
+    }
+    return _breakSinceBoot ? std::optional{*_breakSinceBoot - now} : std::nullopt;
+}
+
+StatusContent LinuxDesktop::statusContent() {
     const NSStatusBarButton& button = *_statusItem->button();
     const NSAttributedString& title = button.attributedTitle();
-    // What is due is due: then the bar is full, in the text's own colour.
+    const std::optional<TimeInterval> secondsLeft = secondsUntilBreak();
     return {title.string, title.foregroundColor, button.image() ? button.image()->name : std::string{},
-            title.foregroundColor ? 1.0 : _loop.shareLeft(),
-            _secondsLeft ? inWords(_secondsLeft()) : "Marvelode Timer"};
+            shareLeft(secondsLeft), secondsLeft ? inWords(*secondsLeft) : "Marvelode Timer"};
+}
+
+/// The bar is full again once the break is due.
+std::optional<double> LinuxDesktop::shareLeft(const std::optional<TimeInterval>& secondsLeft) const {
+    const auto timer = _loop.latestOneShot();
+    if (secondsLeft && *secondsLeft <= 0) {
+        return 1.0;
+    }
+    return secondsLeft && timer ? std::optional{std::min(*secondsLeft / timer->interval, 1.0)} : std::nullopt;
 }
 
 std::optional<DefaultsValue> LinuxDesktop::defaultsValue(std::string_view key) {

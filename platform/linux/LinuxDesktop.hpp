@@ -92,17 +92,21 @@ public:
     /// What was handed out for the window that the user's next pick opens.
     ActivationToken& activationToken() { return _activationToken; }
 
-    /// Lets tooltips and screen readers say how long it is until the break: `secondsLeft` is asked after each
-    /// event, and gives a negative number once the break is due. Without it they say the program's name and no
-    /// more.
-    void tellTimeLeft(std::function<TimeInterval()> secondsLeft) { _secondsLeft = std::move(secondsLeft); }
+    /// Takes the latest one-shot timer for the one that makes the break due, as long as `isBreakDue` says that the
+    /// break is not; it is asked after each event.
+    void watchBreak(std::function<bool()> isBreakDue) { _isBreakDue = std::move(isBreakDue); }
+
+    /// Seconds until the timer fires that makes the break due; negative once it is due. They are counted by the
+    /// machine: setting the clock changes nothing. Nothing if there was no such timer yet.
+    std::optional<TimeInterval> secondsUntilBreak();
 
     /// The text beside the icon.
     std::string statusText() const;
 
 private:
     void settle();
-    StatusContent statusContent() const;
+    StatusContent statusContent();
+    std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft) const;
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
 
     ObjectHandle<GDBusConnection> _sessionBus;
@@ -114,7 +118,8 @@ private:
     SettingsFile _settings;
     WindowHelper _windows;
     SoundPlayer _sounds;
-    std::function<TimeInterval()> _secondsLeft;
+    std::function<bool()> _isBreakDue = [] { return false; };
+    std::optional<TimeInterval> _breakSinceBoot; ///< When the break comes or came due.
     std::shared_ptr<NSStatusItem> _statusItem;
     std::optional<MenuExport> _menu;
     StatusWindow _statusWindow;

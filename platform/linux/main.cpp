@@ -9,7 +9,6 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -59,16 +58,10 @@ void keepMemorySmall() {
     mallopt(M_TOP_PAD, large);
 }
 
-/// Negative once the break is due. No clock that is set back makes a break that is due lie ahead once more.
-platform::TimeInterval secondsUntilBreak() {
-    using marvelode::App;
-    const platform::TimeInterval left = marvelode::app->countdown();
-    return marvelode::app->state == App::State::Reminding ? std::min(left, 0.0) : left;
-}
+bool isReminding() { return marvelode::app->state == marvelode::App::State::Reminding; }
 
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
 platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& desktop) {
-    using marvelode::App;
     using marvelode::app;
     return {
         .commands = {{"Restart", "restart", "Restart timer"},
@@ -81,9 +74,10 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
                            std::function<void()> picked) { desktop.pick(entry, std::move(picked)); },
         .showMenu = [&desktop] { desktop.showMenuWindow(); },
         .activationToken = desktop.activationToken(),
-        .isReminding = [] { return app->state == App::State::Reminding; },
+        .isReminding = isReminding,
         .text = [&desktop] { return desktop.statusText(); },
-        .remainingSeconds = [] { return static_cast<std::int64_t>(app->countdown()); },
+        .remainingSeconds =
+            [&desktop] { return static_cast<std::int64_t>(desktop.secondsUntilBreak().value_or(0)); },
         .isMuted = [] { return app->cfg->isMuted(); },
         .showsPopups = [] { return app->cfg->popups(); },
     };
@@ -113,7 +107,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
-    desktop.tellTimeLeft(secondsUntilBreak);
+    desktop.watchBreak(isReminding);
     const RemoteControl control{sessionBus.get(), controlled(desktop)};
     if (!RemoteControl::claimName(sessionBus.get())) {
         if (!RemoteControl::showMenuOfOwner(sessionBus.get(), error)) {

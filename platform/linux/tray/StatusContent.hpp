@@ -21,7 +21,7 @@ struct StatusContent {
 };
 
 /// The time until the break in words, as exact as the text beside the picture is: "Break in 9 minutes". Once the
-/// break is due, `secondsLeft` is negative.
+/// break is due, `secondsLeft` is negative: "Break due for 2 minutes".
 std::string inWords(TimeInterval secondsLeft);
 
 } // namespace platform::linux
