@@ -46,7 +46,10 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     , _traylessNotice{sessionBus, _statusWindow, [this](std::string_view entry) { pick(entry); },
                       _activationToken} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);
-    const auto busClosed = +[](GDBusConnection*, gboolean, GError*, LinuxDesktop* self) { self->terminate(); };
+    const auto busClosed = +[](GDBusConnection*, gboolean, GError*, LinuxDesktop* self) {
+        self->_errorLog.add("the session bus has gone, and the timer with it");
+        self->terminate();
+    };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
     const auto end = [](gpointer self) -> gboolean {
         static_cast<LinuxDesktop*>(self)->terminate();

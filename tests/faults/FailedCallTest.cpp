@@ -2,7 +2,8 @@
 // and the settings file is the old or the new one.
 //
 // Each day a share of the calls has its turn, and every one within a few weeks. DAY=20000 before the command tries
-// that day's share again, DAY=every tries all; most kinds take a minute or two then, “Poll” five, “Memory” an hour or two.
+// that day's share again, DAY=every tries all; most kinds take a minute or two then, “Poll” five, “Memory” an hour
+// or two.
 
 #include "tests/faults/WholeProgram.hpp"
 

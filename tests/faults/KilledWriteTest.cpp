@@ -2,8 +2,10 @@
 // the old or the new settings, whole.
 
 #include "platform/linux/SettingsFile.hpp"
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -60,9 +62,7 @@ protected:
             fs::remove_all(home);
             fs::create_directory(home);
             prepare();
-            isKilled = killAt(places + 1, [this] {
-                SettingsFile{file, [](std::string_view) {}}.set(true, "Mute");
-            });
+            isKilled = killAt(places + 1, [this] { SettingsFile{file, errors}.set(true, "Mute"); });
             found.insert(content());
             ASSERT_TRUE(allowed.contains(content())) << "killed at place " << places + 1 << ":\n" << content();
             expectNextRunToWrite();
@@ -74,9 +74,10 @@ protected:
 
     /// The next run finds what is there in order, and can change it.
     void expectNextRunToWrite() {
-        SettingsFile{file, [](std::string_view error) { ADD_FAILURE() << error; }}.set(false, "Mute");
-        SettingsFile again{file, [](std::string_view error) { ADD_FAILURE() << error; }};
+        SettingsFile{file, errors}.set(false, "Mute");
+        SettingsFile again{file, errors};
         EXPECT_EQ(again.value("Mute"), platform::DefaultsValue{false});
+        EXPECT_THAT(errors.problems, testing::IsEmpty());
     }
 
     void store(std::string_view text) const { std::ofstream{file, std::ios::binary} << text; }
@@ -87,6 +88,7 @@ protected:
         return stream ? std::string{std::istreambuf_iterator{stream}, {}} : "no file";
     }
 
+    CollectedErrors errors;
     TemporaryFolder folder;
     const fs::path home = folder.path / "home";
     const fs::path file = home / "settings";
