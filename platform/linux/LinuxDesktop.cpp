@@ -39,10 +39,11 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
             [this] { settle(); }}
     , _resources{std::move(places.resources)}
     , _settings{std::move(places.settings), _errorLog}
-    , _windows{places.helpers / "marvelode-timer-window", [this] { _loop.iterate(); }, _errorLog, _activationToken}
-    , _sounds{places.helpers / "marvelode-timer-sound", _errorLog}
-    , _statusWindow{places.helpers / "marvelode-timer-window", [this](NSMenuItem& item) { pick(item.title); },
-                    _errorLog, _activationToken}
+    , _windowProgram{places.helpers / "marvelode-timer-window", _session}
+    , _soundProgram{places.helpers / "marvelode-timer-sound", _session}
+    , _windows{_windowProgram, [this] { _loop.iterate(); }, _errorLog, _activationToken}
+    , _sounds{_soundProgram, _errorLog}
+    , _statusWindow{_windowProgram, [this](NSMenuItem& item) { pick(item.title); }, _errorLog, _activationToken}
     , _traylessNotice{sessionBus, _statusWindow, [this](std::string_view entry) { pick(entry); },
                       _activationToken} {
     g_dbus_connection_set_exit_on_close(sessionBus, FALSE);

@@ -7,7 +7,9 @@
 #include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
+#include "platform/linux/HelperProgram.hpp"
 #include "platform/linux/Resources.hpp"
+#include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/SettingsFile.hpp"
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/glib/Handles.hpp"
@@ -116,6 +118,9 @@ private:
     Resources _resources;
     ActivationToken _activationToken;
     SettingsFile _settings;
+    SessionEnvironment _session;
+    HelperProgram _windowProgram;
+    HelperProgram _soundProgram;
     WindowHelper _windows;
     SoundPlayer _sounds;
     std::function<bool()> _isBreakDue = [] { return false; };

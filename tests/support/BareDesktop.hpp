@@ -20,13 +20,15 @@ class BareDesktop : public Desktop {
 public:
     /// Shows windows with the program at `helperProgram`, and takes pictures from the folder `resources`.
     explicit BareDesktop(std::filesystem::path helperProgram, std::filesystem::path resources = {})
-        : windows{std::move(helperProgram), [] { g_main_context_iteration(nullptr, TRUE); }, errorLog,
-                  activationToken}
+        : program{std::move(helperProgram), session}
+        , windows{program, [] { g_main_context_iteration(nullptr, TRUE); }, errorLog, activationToken}
         , _resources{std::move(resources)} {}
 
     CollectedErrors errorLog;
     const std::vector<std::string>& errors = errorLog.problems;
     ActivationToken activationToken; ///< For the next panel.
+    SessionEnvironment session;
+    HelperProgram program;
     WindowHelper windows;
 
     int runAlert(NSAlert& alert) override { return windows.runAlert(alert); }

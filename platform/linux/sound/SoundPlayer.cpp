@@ -1,9 +1,11 @@
 #include "platform/linux/sound/SoundPlayer.hpp"
 
+#include "platform/linux/HelperProcess.hpp"
+#include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/sound/Mpeg4.hpp"
 
-#include <glib-unix.h>
+#include <fcntl.h>
 #include <glib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,18 +13,19 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
+#include <optional>
+#include <system_error>
 #include <utility>
 
 namespace platform::linux {
 namespace {
 
-/// The last line of what was written to the pipe and not read yet, without waiting for more.
+/// The last line of what was written to the pipe and not read yet, as far as a pipe holds it.
 std::string lastLine(int pipe) {
+    constexpr std::size_t capacity = 65'536;
     std::string text;
     std::array<char, 1024> chunk{};
-    g_unix_set_fd_nonblocking(pipe, TRUE, nullptr);
-    for (;;) {
+    while (text.size() < capacity) {
         const ssize_t count = read(pipe, chunk.data(), chunk.size());
         if (count <= 0) {
             break;
@@ -49,58 +52,35 @@ public:
     Helper& operator=(const Helper&) = delete;
 
     ~Helper() {
-        if (_deadline) {
-            g_source_remove(_deadline);
-        }
-        if (_watch) {
-            g_source_remove(_watch);
-            kill(_process, SIGKILL);
-            while (waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
-            }
-        }
         if (_errors >= 0) {
             close(_errors);
         }
     }
 
-    /// Starts it; gives the reason if that is impossible, otherwise an empty text.
+    /// Starts it; returns the reason if that is impossible, otherwise an empty text.
     std::string start() {
-        std::string program = _player._helperProgram.string();
-        std::vector<char*> command{program.data()};
-        for (std::string& argument : arguments) {
-            command.push_back(argument.data());
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+            return std::generic_category().message(errno);
         }
-        command.push_back(nullptr);
-        const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_CLOEXEC_PIPES |
-                                                    G_SPAWN_STDOUT_TO_DEV_NULL);
-        ErrorSlot error;
-        if (!g_spawn_async_with_pipes(nullptr, command.data(), nullptr, flags, nullptr, nullptr, &_process, nullptr,
-                                      nullptr, &_errors, error.out())) {
-            return error.message();
+        _errors = ends[0];
+        fcntl(_errors, F_SETFL, O_NONBLOCK);
+        const HelperProgram::Started started = _player._program.start({.arguments = arguments, .errors = ends[1]});
+        close(ends[1]);
+        if (started.process != 0) {
+            _process.emplace(started.process, [this](int status) { _player.ended(*this, complaint(status)); });
+            _deadline.start(_player._longestSound, [this] {
+                _wasOverdue = true;
+                _process->kill();
+            });
         }
-        _watch = g_child_watch_add(_process, onEnd, this);
-        _deadline = g_timeout_add(static_cast<guint>(_player._longestSound.count()), onDeadline, this);
-        return {};
+        return started.problem;
     }
 
     std::vector<std::string> arguments;
     const std::string description;
 
 private:
-    static gboolean onDeadline(gpointer data) {
-        auto& self = *static_cast<Helper*>(data);
-        self._deadline = 0;
-        self._wasOverdue = true;
-        kill(self._process, SIGKILL);
-        return G_SOURCE_REMOVE;
-    }
-
-    static void onEnd(GPid, int status, gpointer data) {
-        auto& self = *static_cast<Helper*>(data);
-        self._watch = 0;
-        self._player.ended(self, self.complaint(status));
-    }
-
     std::string complaint(int status) const {
         if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
             return {};
@@ -117,16 +97,14 @@ private:
     }
 
     SoundPlayer& _player;
-    GPid _process = 0;
+    std::optional<HelperProcess> _process;
     int _errors = -1;
-    guint _watch = 0;
-    guint _deadline = 0;
+    DelayedCall _deadline;
     bool _wasOverdue = false;
 };
 
-SoundPlayer::SoundPlayer(std::filesystem::path helperProgram, ErrorLog& errorLog,
-                         std::chrono::milliseconds longestSound)
-    : _helperProgram{std::move(helperProgram)}
+SoundPlayer::SoundPlayer(const HelperProgram& program, ErrorLog& errorLog, std::chrono::milliseconds longestSound)
+    : _program{program}
     , _errorLog{errorLog}
     , _longestSound{longestSound} {}
 
@@ -143,7 +121,7 @@ void SoundPlayer::beep() { start({"beep"}, "The alert beep"); }
 bool SoundPlayer::start(std::vector<std::string> arguments, const std::string& description) {
     const bool isPlaying = std::any_of(_helpers.begin(), _helpers.end(),
                                        [&](const auto& helper) { return helper->arguments == arguments; });
-    if (isPlaying) {
+    if (isPlaying || _program.session().isOver()) {
         return false;
     }
     auto helper = std::make_unique<Helper>(*this, std::move(arguments), description);

@@ -4,6 +4,7 @@
 // helper program for each sound and looks after it. Whatever befalls a helper is told to the log and delays nobody.
 
 #include "platform/linux/ErrorLog.hpp"
+#include "platform/linux/HelperProgram.hpp"
 
 #include <chrono>
 #include <filesystem>
@@ -15,9 +16,10 @@ namespace platform::linux {
 
 class SoundPlayer {
 public:
-    /// Plays through `helperProgram`. `errorLog` gets one sentence for each sound that could not be heard; it is
-    /// called on the main thread and may play the next. A helper still there after `longestSound` is ended.
-    SoundPlayer(std::filesystem::path helperProgram, ErrorLog& errorLog,
+    /// Plays through `program`, which must outlive this object. `errorLog` gets one sentence for each sound that
+    /// could not be heard; it is called on the main thread and may play the next. A helper still there after
+    /// `longestSound` is killed.
+    SoundPlayer(const HelperProgram& program, ErrorLog& errorLog,
                 std::chrono::milliseconds longestSound = std::chrono::seconds{30});
 
     /// Ends what is playing.
@@ -29,10 +31,11 @@ public:
     /// Whether the file is a sound of the kind that the helper is certain to play: AAC in an MPEG-4 container.
     bool canPlay(const std::filesystem::path& sound) const;
 
-    /// Starts the sound and returns at once; false if it is playing already or its helper cannot be started.
+    /// Starts the sound and returns at once; false if it is playing already, its helper cannot be started or the
+    /// graphical session is over, so that there is nobody to hear it.
     bool play(const std::filesystem::path& sound);
 
-    /// Starts the desktop's alert sound and returns at once; does nothing while it is playing.
+    /// Starts the desktop's alert sound and returns at once; does nothing where `play` would return false.
     void beep();
 
 private:
@@ -41,7 +44,7 @@ private:
     bool start(std::vector<std::string> arguments, const std::string& description);
     void ended(const Helper& helper, const std::string& complaint);
 
-    const std::filesystem::path _helperProgram;
+    const HelperProgram& _program;
     ErrorLog& _errorLog;
     const std::chrono::milliseconds _longestSound;
     std::vector<std::unique_ptr<Helper>> _helpers;

@@ -20,9 +20,9 @@ modifier::Frame trailing(double width) { return {.width = width, .height = {}, .
 
 } // namespace
 
-StatusWindow::StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick,
-                           ErrorLog& errorLog, ActivationToken& activationToken)
-    : _helperProgram{std::move(helperProgram)}
+StatusWindow::StatusWindow(const HelperProgram& program, std::function<void(NSMenuItem&)> pick, ErrorLog& errorLog,
+                           ActivationToken& activationToken)
+    : _program{program}
     , _pick{std::move(pick)}
     , _errorLog{errorLog}
     , _activationToken{activationToken} {}
@@ -46,7 +46,7 @@ void StatusWindow::start(bool isUnasked) {
             _handling.startSoon([this] { handleEvents(); });
         }
     };
-    _process = std::make_unique<WindowProcess>(_helperProgram, _errorLog, handleSoon,
+    _process = std::make_unique<WindowProcess>(_program, _errorLog, handleSoon,
                                                isUnasked ? std::string{} : _activationToken.take());
     send(isUnasked);
 }

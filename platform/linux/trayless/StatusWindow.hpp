@@ -7,12 +7,12 @@
 #include "platform/View.hpp"
 #include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/ErrorLog.hpp"
+#include "platform/linux/HelperProgram.hpp"
 #include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/tray/StatusContent.hpp"
 #include "platform/linux/trayless/StandInWindow.hpp"
 #include "platform/linux/window/WindowProcess.hpp"
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,9 +23,9 @@ namespace platform::linux {
 
 class StatusWindow final : public StandInWindow {
 public:
-    /// Shows the window with the program at `helperProgram`, when it is asked to. `pick` is given each entry that
-    /// the user picks in it; `activationToken` is taken when the user asks for the window.
-    StatusWindow(std::filesystem::path helperProgram, std::function<void(NSMenuItem&)> pick, ErrorLog& errorLog,
+    /// Shows the window with `program`, which must outlive this object, when it is asked to. `pick` is given each
+    /// entry that the user picks in it; `activationToken` is taken when the user asks for the window.
+    StatusWindow(const HelperProgram& program, std::function<void(NSMenuItem&)> pick, ErrorLog& errorLog,
                  ActivationToken& activationToken);
     ~StatusWindow();
     StatusWindow(const StatusWindow&) = delete;
@@ -52,7 +52,7 @@ private:
     void handleEvents();
     void apply(const Event& event);
 
-    std::filesystem::path _helperProgram;
+    const HelperProgram& _program;
     std::function<void(NSMenuItem&)> _pick;
     ErrorLog& _errorLog;
     ActivationToken& _activationToken;

@@ -8,7 +8,7 @@
 namespace platform::linux {
 namespace {
 
-constexpr std::array eventKinds{"shown", "changed", "pressed", "submitted", "closed"};
+constexpr std::array eventKinds{"noDisplay", "shown", "changed", "pressed", "submitted", "closed"};
 
 } // namespace
 

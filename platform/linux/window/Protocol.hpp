@@ -15,6 +15,7 @@
 //
 // The window program tells what becomes of it and waits for what follows from that; it closes nothing by itself:
 //
+//     ('noDisplay', 0, 0, nothing)                 there is no display to show a window on: its only message
 //     ('shown', window, 0, nothing)                the window is on the screen
 //     ('changed', window, control, just <value>)   a control has another value
 //     ('pressed', window, control, nothing)        a button was pressed
@@ -41,15 +42,18 @@
 
 namespace platform::linux {
 
-/// No packet is longer, in bytes.
+/// No request is longer, in bytes.
 inline constexpr std::size_t longestMessage = 65'536;
+
+/// No event is longer, in bytes.
+inline constexpr std::size_t longestEvent = 256;
 
 /// What a control shows: whether it is on, or its number or the index of its selected item.
 using ControlValue = std::variant<bool, std::int64_t>;
 
 /// Something that the user did, or that became of a window.
 struct Event {
-    enum class Kind { Shown, Changed, Pressed, Submitted, Closed };
+    enum class Kind { NoDisplay, Shown, Changed, Pressed, Submitted, Closed };
 
     Kind kind = Kind::Closed;
     std::uint32_t window = 0;

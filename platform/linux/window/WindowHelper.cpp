@@ -84,7 +84,7 @@ public:
         if (_helper._sessions.empty()) {
             // nobody has asked for an alert: a token that is there was handed out for something else
             _helper._process = std::make_unique<WindowProcess>(
-                _helper._helperProgram, _helper._errorLog, [] {},
+                _helper._program, _helper._errorLog, [] {},
                 isPanel ? _helper._activationToken.take() : std::string{});
         }
         _helper._sessions.push_back(this);
@@ -145,9 +145,9 @@ private:
     std::deque<Event> _kept;
 };
 
-WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate, ErrorLog& errorLog,
+WindowHelper::WindowHelper(const HelperProgram& program, std::function<void()> iterate, ErrorLog& errorLog,
                            ActivationToken& activationToken)
-    : _helperProgram{std::move(helperProgram)}
+    : _program{program}
     , _iterate{std::move(iterate)}
     , _errorLog{errorLog}
     , _activationToken{activationToken} {}
@@ -155,6 +155,9 @@ WindowHelper::WindowHelper(std::filesystem::path helperProgram, std::function<vo
 WindowHelper::~WindowHelper() = default;
 
 int WindowHelper::runAlert(NSAlert& alert) {
+    if (_sessions.empty() && !_program.session().isWorthAReminder()) {
+        return NSAlert::Stopped;
+    }
     const auto picture = NSImage::named(alert.icon.value_or("Marvelode.png"));
     Session session{*this, false};
     session.send(AlertRequest{session.window, alert, picture ? picture->url : std::filesystem::path{}});

@@ -8,9 +8,9 @@
 #include "platform/View.hpp"
 #include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/ErrorLog.hpp"
+#include "platform/linux/HelperProgram.hpp"
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -23,17 +23,18 @@ class WindowProcess;
 
 class WindowHelper {
 public:
-    /// Shows windows with the program at `helperProgram`. `iterate` runs the main context once and may block until
-    /// something happened; `errorLog` is told why windows could not be shown; `activationToken` is taken by a
-    /// panel, which the user has asked for.
-    WindowHelper(std::filesystem::path helperProgram, std::function<void()> iterate, ErrorLog& errorLog,
+    /// Shows windows with `program`, which must outlive this object. `iterate` runs the main context once and may
+    /// block until something happened; `errorLog` is told why windows could not be shown; `activationToken` is
+    /// taken by a panel, which the user has asked for.
+    WindowHelper(const HelperProgram& program, std::function<void()> iterate, ErrorLog& errorLog,
                  ActivationToken& activationToken);
     ~WindowHelper();
     WindowHelper(const WindowHelper&) = delete;
     WindowHelper& operator=(const WindowHelper&) = delete;
 
-    /// Shows the alert on top of all windows and waits for the answer, keeping its check box up to date; gives
-    /// `NSAlert::Stopped` if it was closed without one.
+    /// Shows the alert on top of all windows and waits for the answer, keeping its check box up to date; returns
+    /// `NSAlert::Stopped` if it was closed without one, and most of the time without trying to show it once the
+    /// graphical session is over.
     int runAlert(NSAlert& alert);
 
     /// Shows the panel on top of all windows and runs the operations of the controls in `content` as the user uses
@@ -49,7 +50,7 @@ public:
 private:
     class Session;
 
-    std::filesystem::path _helperProgram;
+    const HelperProgram& _program;
     std::function<void()> _iterate;
     ErrorLog& _errorLog;
     ActivationToken& _activationToken;

@@ -1,112 +1,111 @@
 #include "platform/linux/window/WindowProcess.hpp"
 
-#include "platform/linux/glib/Handles.hpp"
-
 #include <glib-unix.h>
+#include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <memory>
+#include <chrono>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace platform::linux {
 namespace {
 
-using namespace std::string_literals;
-
-/// How long a program that was told to end may take.
-constexpr timeval patience{0, 500'000};
-
-std::string messageOf(int error) { return std::generic_category().message(error); }
+/// How long a program that was told to end may take, in microseconds.
+constexpr gint64 patience = G_USEC_PER_SEC / 2;
 
 /// How long the first window may take. It takes a tenth of a second, and a few on a machine that is busy to the
 /// utmost; and half a snooze is not too long to wait for a reminder that comes again.
-constexpr unsigned secondsToShow = 30;
+constexpr std::chrono::seconds timeToShow{30};
 
-/// This program's environment with another activation token: its own was used up when it started.
-TextsHandle environmentWith(const std::string& activationToken) {
-    gchar** environment = g_get_environ();
-    for (const char* variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) { // GTK 3 reads the older one
-        environment = activationToken.empty()
-                          ? g_environ_unsetenv(environment, variable)
-                          : g_environ_setenv(environment, variable, activationToken.c_str(), TRUE);
+/// The most packets that are left in a socket that a program has died at.
+constexpr int mostLastWords = 100;
+
+/// What no user can do in a second.
+constexpr int mostEventsInSecond = 1000;
+
+constexpr const char* endedEarly = "the window program ended before its window was closed";
+
+using Packet = std::array<char, longestEvent>;
+
+std::string messageOf(int error) { return std::generic_category().message(error); }
+
+/// GTK 3 reads the older of the two.
+std::vector<std::string> variablesFor(const std::string& activationToken) {
+    if (activationToken.empty()) {
+        return {};
     }
-    return TextsHandle{environment};
+    return {"XDG_ACTIVATION_TOKEN=" + activationToken, "DESKTOP_STARTUP_ID=" + activationToken};
+}
+
+/// Throws away what comes from the socket, until the other side closes it or time is up.
+void drain(int socket) {
+    const gint64 deadline = g_get_monotonic_time() + patience;
+    Packet ignored{};
+    for (gint64 left = patience; left > 0; left = deadline - g_get_monotonic_time()) {
+        pollfd readable{socket, POLLIN, 0};
+        if (poll(&readable, 1, static_cast<int>(left / 1000) + 1) > 0 &&
+            recv(socket, ignored.data(), ignored.size(), MSG_DONTWAIT) <= 0) {
+            return;
+        }
+    }
 }
 
 } // namespace
 
-WindowProcess::WindowProcess(const std::filesystem::path& path, ErrorLog& errorLog,
+WindowProcess::WindowProcess(const HelperProgram& program, ErrorLog& errorLog,
                              std::function<void()> somethingHappened, const std::string& activationToken)
     : _errorLog{errorLog}
-    , _somethingHappened{std::move(somethingHappened)} {
+    , _somethingHappened{std::move(somethingHappened)}
+    , _session{program.session()} {
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         _errorLog.add("no window can be shown: " + messageOf(errno));
         return;
     }
     _socket = ends[0];
-    start(path, activationToken, ends[1]);
+    start(program, activationToken, ends[1]);
     close(ends[1]);
 }
 
-void WindowProcess::start(const std::filesystem::path& path, const std::string& activationToken, int childSocket) {
-    std::string program = path.string();
-    std::array<gchar*, 2> arguments{program.data(), nullptr};
-    const TextsHandle environment = environmentWith(activationToken);
-    constexpr int inherited = -1;
-    ErrorSlot error;
-    const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
-    if (!g_spawn_async_with_fds(nullptr, arguments.data(), environment.get(), flags, nullptr, nullptr, &_process,
-                                childSocket, inherited, inherited, error.out())) {
-        _errorLog.add("no window can be shown: "s + error.message());
+void WindowProcess::start(const HelperProgram& program, const std::string& activationToken, int childSocket) {
+    const HelperProgram::Started started =
+        program.start({.variables = variablesFor(activationToken), .input = childSocket});
+    if (started.process == 0) {
+        _errorLog.add("no window can be shown: " + started.problem);
         close(std::exchange(_socket, -1));
         return;
     }
+    _process.emplace(started.process, [this](int) { receiveLast(); });
     const auto onReadable = [](gint, GIOCondition, gpointer self) -> gboolean {
         static_cast<WindowProcess*>(self)->receive();
         return G_SOURCE_CONTINUE; // `end()` removes the source
     };
     _source = g_unix_fd_add(_socket, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), onReadable, this);
-    const auto onDeadline = [](gpointer self) -> gboolean {
-        static_cast<WindowProcess*>(self)->giveUp("the window program has shown no window for half a minute");
-        static_cast<WindowProcess*>(self)->_somethingHappened();
-        return G_SOURCE_CONTINUE; // `end()` has removed the source
-    };
-    _deadline = g_timeout_add_seconds(secondsToShow, onDeadline, this);
+    _deadline.start(timeToShow, [this] {
+        giveUp("the window program has shown no window for half a minute");
+        _somethingHappened();
+    });
 }
 
 WindowProcess::~WindowProcess() {
-    if (!isAlive()) {
-        return;
-    }
-    shutdown(_socket, SHUT_WR);
-    setsockopt(_socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    std::array<char, longestMessage> ignored; // NOLINT(*-member-init): written before it would be read
-    while (recv(_socket, ignored.data(), ignored.size(), 0) > 0) {
-    }
-    end();
-}
-
-void WindowProcess::stopWaiting() {
-    if (_deadline != 0) {
-        g_source_remove(std::exchange(_deadline, 0));
+    if (isAlive()) {
+        shutdown(_socket, SHUT_WR);
+        drain(_socket);
+        end();
     }
 }
 
 void WindowProcess::end() {
-    stopWaiting();
+    _deadline.cancel();
     g_source_remove(std::exchange(_source, 0));
     close(std::exchange(_socket, -1));
-    kill(_process, SIGKILL); // of no effect on a program that has ended
-    while (waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    _process.reset();
 }
 
 std::optional<Event> WindowProcess::nextEvent() {
@@ -136,29 +135,57 @@ void WindowProcess::giveUp(std::string_view reason) {
     }
 }
 
-void WindowProcess::receive() {
-    std::array<char, longestMessage> packet; // NOLINT(*-member-init): as above
+/// Receives one packet. Returns whether there was one.
+bool WindowProcess::receive() {
+    Packet packet{};
     const ssize_t size = recv(_socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_TRUNC);
     if (size < 0 && (errno == EAGAIN || errno == EINTR)) {
-        return;
+        return false;
     }
-    if (size <= 0) {
-        giveUp("the window program ended before its window was closed");
-        _somethingHappened();
-        return;
-    }
-    const auto length = static_cast<std::size_t>(size);
+    const auto length = static_cast<std::size_t>(std::max(size, ssize_t{0}));
     const auto event = length <= packet.size() ? decodeEvent({packet.data(), length}) : std::nullopt;
-    if (event && event->kind == Event::Kind::Shown) {
-        stopWaiting();
-        return;
-    }
-    if (event) {
-        _events.push_back(*event);
-    } else {
+    if (length == 0) {
+        giveUp(endedEarly);
+    } else if (!event) {
         giveUp("the window program sent a message that makes no sense");
+    } else if (isFlood()) {
+        giveUp("the window program sent more than a user can do");
+    } else {
+        take(*event);
     }
     _somethingHappened();
+    return true;
+}
+
+void WindowProcess::take(const Event& event) {
+    if (event.kind == Event::Kind::Shown) {
+        _deadline.cancel();
+        _hasShownWindow = true;
+        _session.displayWasFound();
+    } else if (event.kind == Event::Kind::NoDisplay) {
+        _session.displayWasMissing();
+        giveUp("the window program has found no display");
+    } else {
+        _events.push_back(event);
+    }
+}
+
+/// The program has ended. Its socket does not tell if a program that it started has it, too.
+void WindowProcess::receiveLast() {
+    for (int count = 0; count < mostLastWords && isAlive() && receive(); ++count) {
+    }
+    if (isAlive()) {
+        giveUp(endedEarly);
+        _somethingHappened();
+    }
+}
+
+bool WindowProcess::isFlood() {
+    const gint64 second = g_get_monotonic_time() / G_USEC_PER_SEC;
+    if (std::exchange(_second, second) != second) {
+        _eventsInSecond = 0;
+    }
+    return ++_eventsInSecond > mostEventsInSecond;
 }
 
 } // namespace platform::linux

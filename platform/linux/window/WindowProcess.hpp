@@ -1,14 +1,17 @@
 #pragma once
 
 // One run of the program that shows windows, and the socket that leads to it. It is started by the constructor and
-// has certainly ended, leaving no zombie, when the destructor returns. If its first window is not on the screen
-// after half a minute, it is given up: nobody must wait for an answer to what cannot be seen.
+// is killed, if it has not ended by itself, by the destructor. If its first window is not on the screen after half
+// a minute, it is given up: nobody must wait for an answer to what cannot be seen.
 
 #include "platform/linux/ErrorLog.hpp"
+#include "platform/linux/HelperProcess.hpp"
+#include "platform/linux/HelperProgram.hpp"
+#include "platform/linux/glib/DelayedCall.hpp"
 #include "platform/linux/window/Protocol.hpp"
 
+#include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,15 +21,17 @@ namespace platform::linux {
 
 class WindowProcess {
 public:
-    /// Starts the program at `path`, and reads what it says whenever the calling thread's main context is iterated.
-    /// If it cannot start, or goes away before it is told to, `errorLog` learns why. `somethingHappened` is called
-    /// whenever there is an event to take or the program has gone; it must leave this object alone. The desktop
-    /// gives the first window the keyboard for `activationToken`, which it handed out; it may be empty.
+    /// Starts `program`, and reads what it says whenever the calling thread's main context is iterated. If it
+    /// cannot start, or goes away before it is told to, `errorLog` is told why. `somethingHappened` is called
+    /// whenever there is an event to take, the first window is on the screen or the program has gone; it must leave
+    /// this object alone. The desktop gives the first window the keyboard for `activationToken`, which it handed
+    /// out; it may be empty.
     WindowProcess(
-        const std::filesystem::path& path, ErrorLog& errorLog, std::function<void()> somethingHappened = [] {},
+        const HelperProgram& program, ErrorLog& errorLog, std::function<void()> somethingHappened = [] {},
         const std::string& activationToken = {});
 
-    /// Lets the program close all its windows and end; kills it if that takes more than half a second.
+    /// Tells the program to close all its windows and end; kills it after half a second, whatever it does
+    /// meanwhile.
     ~WindowProcess();
     WindowProcess(const WindowProcess&) = delete;
     WindowProcess& operator=(const WindowProcess&) = delete;
@@ -34,8 +39,11 @@ public:
     /// Whether the program runs and speaks the protocol. Once false, it stays so.
     bool isAlive() const { return _socket >= 0; }
 
-    /// The oldest event that nobody took yet, none of which is `Shown`; the last ones may still come from a program
-    /// that is dead by now.
+    /// Whether a window has been on the screen.
+    bool hasShownWindow() const { return _hasShownWindow; }
+
+    /// The oldest event that was not taken yet, none of which is `Shown` or `NoDisplay`; the last ones may still
+    /// come from a program that is dead by now.
     std::optional<Event> nextEvent();
 
     /// Does nothing if the program is dead.
@@ -45,18 +53,24 @@ public:
     void giveUp(std::string_view reason);
 
 private:
-    void start(const std::filesystem::path& path, const std::string& activationToken, int childSocket);
-    void receive();
-    void stopWaiting();
+    void start(const HelperProgram& program, const std::string& activationToken, int childSocket);
+    bool receive();
+    void receiveLast();
+    void take(const Event& event);
+    bool isFlood();
     void end();
 
     ErrorLog& _errorLog;
     std::function<void()> _somethingHappened;
+    SessionEnvironment& _session;
     int _socket = -1; ///< Open exactly while the program is alive.
-    int _process = 0;
+    std::optional<HelperProcess> _process;
     unsigned _source = 0;
-    unsigned _deadline = 0; ///< A source until the first window is on the screen.
+    DelayedCall _deadline; ///< Pending until the first window is on the screen.
+    bool _hasShownWindow = false;
     std::deque<Event> _events;
+    std::int64_t _second = 0; ///< Of the monotonic clock.
+    int _eventsInSecond = 0;
 };
 
 } // namespace platform::linux

@@ -19,6 +19,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@
 namespace {
 
 using namespace std::chrono_literals;
+using platform::linux::HelperProgram;
+using platform::linux::SessionEnvironment;
 using platform::linux::SoundPlayer;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -38,10 +41,10 @@ protected:
     SoundPlayerTest() { EXPECT_EQ(mkfifo(_pipe.c_str(), 0600), 0); }
 
     /// A helper program that does what `commands` of the shell say; `$pipe` is a named pipe for talking to it.
-    std::filesystem::path helper(const std::string& commands) const {
-        auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
+    const HelperProgram& helper(const std::string& commands) {
+        const auto script = _folder.write("helper", "#!/bin/sh\npipe='" + _pipe.string() + "'\n" + commands + '\n');
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-        return script;
+        return _helpers.emplace_back(script, _session);
     }
 
     /// Runs the main loop until something has happened; fails if that takes unreasonably long.
@@ -83,6 +86,8 @@ protected:
     const TemporaryFolder _folder;
     const std::filesystem::path _pipe = _folder.path / "pipe";
     const std::filesystem::path _sound = R"(/sounds/A sound; with "odd" 'letters' $HOME.m4a)";
+    SessionEnvironment _session;
+    std::list<HelperProgram> _helpers;
     CollectedErrors _log;
     const std::vector<std::string>& _logged = _log.problems;
 };
@@ -121,12 +126,12 @@ TEST_F(SoundPlayerTest, DifferentSoundsPlayTogether) {
 }
 
 TEST_F(SoundPlayerTest, OneBeepAtATime) {
-    SoundPlayer player{helper(R"(echo beep >> "$0.beeps"; read go < "$pipe"; exit 1)"), _log};
+    SoundPlayer player{helper(R"(echo beep >> "$pipe.beeps"; read go < "$pipe"; exit 1)"), _log};
     player.beep();
     player.beep();
     lineToHelper();
     runUntilLogged();
-    std::ifstream beeps{_folder.path / "helper.beeps"};
+    std::ifstream beeps{_folder.path / "pipe.beeps"};
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>{beeps}, {}), "beep\n");
 }
 
@@ -138,7 +143,8 @@ TEST_F(SoundPlayerTest, SuccessIsNotLoggedWhateverTheHelperWrites) {
 }
 
 TEST_F(SoundPlayerTest, MissingHelperIsLoggedEachTime) {
-    SoundPlayer player{_folder.path / "missing", _log};
+    const HelperProgram missing{_folder.path / "missing", _session};
+    SoundPlayer player{missing, _log};
     EXPECT_FALSE(player.play("/Bowl.m4a"));
     ASSERT_THAT(_logged, SizeIs(1));
     EXPECT_THAT(_logged[0], HasSubstr("The sound Bowl.m4a could not be played: "));

@@ -134,9 +134,10 @@ protected:
     const std::vector<std::string>& errors = errorLog.problems;
     ActivationToken token;
     int requests = 0;
-    std::optional<StatusWindow> window{std::in_place, folder.path / "program",
-                                       [this](NSMenuItem& entry) { picked.push_back(entry.title); }, errorLog,
-                                       token};
+    SessionEnvironment session;
+    HelperProgram program{folder.path / "program", session};
+    std::optional<StatusWindow> window{
+        std::in_place, program, [this](NSMenuItem& entry) { picked.push_back(entry.title); }, errorLog, token};
 };
 
 TEST_F(StatusWindowTest, ShowsWordsAndMenu) {

@@ -148,7 +148,7 @@ void popup() {
 /// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass, SIGUSR2 enables or disables "Quit".
 class Status {
 public:
-    Status(const std::filesystem::path& helper, bool isUnasked, linux::ErrorLog& errorLog)
+    Status(const linux::HelperProgram& helper, bool isUnasked, linux::ErrorLog& errorLog)
         : _window{helper, [this](NSMenuItem& item) { pick(item); }, errorLog, _token} {
         for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
             _menu->addItem(std::make_shared<NSMenuItem>(
@@ -220,7 +220,7 @@ int main(int argc, char** argv) {
         } else if (window == "about") {
             runPanel(about);
         } else if (window == "status" || window == "unasked") {
-            Status{argv[1], window == "unasked", desktop.errorLog}.run();
+            Status{desktop.program, window == "unasked", desktop.errorLog}.run();
         }
     }
     for (const std::string& error : desktop.errors) {

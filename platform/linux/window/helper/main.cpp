@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
     g_set_prgname(applicationId);
     g_set_application_name("Marvelode Timer");
     if (!gtk_init_check(&argc, &argv)) {
-        g_printerr("marvelode-timer-window: there is no display to show a window on\n");
+        tell({Event::Kind::NoDisplay, 0, 0, {}});
         return EXIT_FAILURE;
     }
     for (const char* token : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {

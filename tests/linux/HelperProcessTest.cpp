@@ -1,0 +1,111 @@
+// A process that was started is looked after to its end, and never waited for.
+
+#include "platform/linux/HelperProcess.hpp"
+
+#include <glib.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+bool isImmortal = false;
+
+} // namespace
+
+/// Called in place of the function without the prefix; the linker sees to that.
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+extern "C" int __real_kill(pid_t process, int number);
+extern "C" int __wrap_kill(pid_t process, int number) { return isImmortal ? 0 : __real_kill(process, number); }
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace platform::linux {
+namespace {
+
+class HelperProcessTest : public testing::Test {
+protected:
+    ~HelperProcessTest() override { isImmortal = false; }
+    void TearDown() override {
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process or a zombie was left behind";
+    }
+
+    static pid_t started(const std::function<void()>& deed) {
+        const pid_t process = fork();
+        if (process == 0) {
+            deed();
+            _exit(7);
+        }
+        return process;
+    }
+
+    static void runUntil(const std::function<bool()>& happened) {
+        const auto deadline = std::chrono::steady_clock::now() + 20s;
+        while (!happened() && std::chrono::steady_clock::now() < deadline) {
+            g_main_context_iteration(nullptr, FALSE);
+            g_usleep(1000);
+        }
+        EXPECT_TRUE(happened());
+    }
+
+    static bool isGone(pid_t process) { return __real_kill(process, 0) != 0 && errno == ESRCH; }
+};
+
+TEST_F(HelperProcessTest, TellsItsStatusOnce) {
+    std::optional<int> status;
+    const HelperProcess process{started([] {}), [&](int told) { status = told; }};
+    runUntil([&] { return status.has_value(); });
+    EXPECT_EQ(WEXITSTATUS(*status), 7);
+}
+
+TEST_F(HelperProcessTest, TellsThatItWasKilled) {
+    std::optional<int> status;
+    const HelperProcess process{started([] { pause(); }), [&](int told) { status = told; }};
+    process.kill();
+    runUntil([&] { return status.has_value(); });
+    EXPECT_EQ(WTERMSIG(*status), SIGKILL);
+    process.kill(); // may be another program's number by now
+}
+
+TEST_F(HelperProcessTest, MayBeDestroyedAsItsEndIsTold) {
+    bool wasTold = false;
+    std::unique_ptr<HelperProcess> process;
+    process = std::make_unique<HelperProcess>(started([] {}), [&](int) {
+        process.reset();
+        wasTold = true;
+    });
+    runUntil([&] { return wasTold; });
+}
+
+TEST_F(HelperProcessTest, IsKilledAndReapedWithItsObject) {
+    const pid_t child = started([] { pause(); });
+    {
+        const HelperProcess process{child, [](int) { FAIL() << "told of its own doing"; }};
+    }
+    EXPECT_TRUE(isGone(child));
+}
+
+TEST_F(HelperProcessTest, IsNotWaitedForIfItDoesNotDie) {
+    const pid_t child = started([] { pause(); });
+    isImmortal = true; // as is a process that waits for a disk
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        const HelperProcess process{child, [](int) {}};
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
+    EXPECT_FALSE(isGone(child));
+    isImmortal = false;
+    __real_kill(child, SIGKILL);
+    runUntil([&] { return isGone(child); });
+}
+
+} // namespace
+} // namespace platform::linux
