@@ -4,6 +4,7 @@
 // protocol's own sources include this.
 
 #include "platform/Overloaded.hpp"
+#include "platform/Text.hpp"
 #include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/window/Protocol.hpp"
 
@@ -22,6 +23,9 @@ inline std::string printed(GVariant* message) {
 
 /// The message of that type in a text; null if there is none.
 inline VariantHandle parsed(std::string_view message, const char* type) {
+    if (!isUtf8(message)) {
+        return nullptr; // GLib's parser must be given text
+    }
     return VariantHandle{
         g_variant_parse(G_VARIANT_TYPE(type), message.data(), message.data() + message.size(), nullptr, nullptr)};
 }

@@ -2,6 +2,7 @@
 
 #include "platform/linux/window/Protocol.hpp"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -275,6 +276,15 @@ TEST(MalformedEvent, IsRefused) {
           "('changed', 1, 1, just " + std::string(5'000, '<') + ")"}) {
         EXPECT_EQ(decodeEvent(message), std::nullopt) << message.substr(0, 100);
     }
+}
+
+TEST(MalformedEvent, IsNotGivenToGlibIfItIsNoText) {
+    static int complaints = 0;
+    const GLogFunc before = g_log_set_default_handler(
+        [](const char*, GLogLevelFlags, const char*, gpointer) { ++complaints; }, nullptr);
+    EXPECT_EQ(decodeEvent("('pre\xFFssed', 1, 1, nothing)"), std::nullopt);
+    g_log_set_default_handler(before, nullptr);
+    EXPECT_EQ(complaints, 0);
 }
 
 TEST(MalformedRequest, IsRefused) {
