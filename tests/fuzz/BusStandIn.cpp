@@ -85,7 +85,7 @@ void fuzz::readProperties() {
         for (GDBusPropertyInfo** each = object.interface->properties; each && *each; ++each) {
             platform::linux::ErrorSlot error;
             const VariantHandle value{object.functions->get_property(bus(), ":1.1", "/", object.interface->name,
-                                                                     (*each)->name, &error, object.self)};
+                                                                     (*each)->name, error.out(), object.self)};
             require(error ? !value : isOf(value.get(), (*each)->signature), "a property is of the type declared");
         }
     }

@@ -19,19 +19,20 @@ using fuzz::require;
 class Timer {
 public:
     ControlledProgram controls() {
-        ControlledProgram program;
-        program.commands = {{"Restart", "restart", "Restart"}, {"ToggleMute", "toggle-mute", "Mute"}};
-        program.pick = [this](std::string_view entry, std::function<void()> picked) {
+        const auto pick = [this](std::string_view entry, std::function<void()> picked) {
             require(entry == "Restart" || entry == "Mute", "only entries of the menu are picked");
             _pending.push_back(entry == "Mute" ? std::move(picked) : [picked = std::move(picked)] {});
         };
-        program.showMenu = [this] { ++menusShown; };
-        program.activationTokenCame = [this](const char* token) { tokens.emplace_back(token); };
-        program.isReminding = [] { return false; };
-        program.text = [] { return "10m"; };
-        program.remainingSeconds = [] { return 600; };
-        program.isMuted = program.showsPopups = [] { return true; };
-        return program;
+        const auto yes = [] { return true; };
+        return {.commands = {{"Restart", "restart", "Restart"}, {"ToggleMute", "toggle-mute", "Mute"}},
+                .pick = pick,
+                .showMenu = [this] { ++menusShown; },
+                .activationToken = token,
+                .isReminding = yes,
+                .text = [] { return "10m"; },
+                .remainingSeconds = [] { return 600; },
+                .isMuted = yes,
+                .showsPopups = yes};
     }
 
     /// Does what was picked since the last time, and returns how much that was.
@@ -45,7 +46,7 @@ public:
     }
 
     int menusShown = 0;
-    std::vector<std::string> tokens;
+    ActivationToken token;
 
 private:
     std::vector<std::function<void()>> _pending;
@@ -53,16 +54,14 @@ private:
 
 void checkCall(Timer& timer, std::string_view line) {
     const int menusBefore = timer.menusShown;
-    timer.tokens.clear();
     const fuzz::Answer answer = fuzz::call(line);
     const std::size_t picked = timer.settle();
+    const std::string token = timer.token.take();
     const bool isMenuShown = timer.menusShown != menusBefore;
     require(answer != fuzz::Answer::Error || (picked == 0 && !isMenuShown), "what is refused does nothing");
     require(picked + static_cast<std::size_t>(isMenuShown) <= 1, "one call does one thing");
-    require(timer.tokens.size() <= 1, "one call brings one token");
-    for (const std::string& token : timer.tokens) {
-        require(token.empty() || line.find('{') != std::string_view::npos, "no token is made up");
-    }
+    require(token.size() <= ActivationToken::longest, "a token that is kept fits into a window's environment");
+    require(token.empty() || line.find('{') != std::string_view::npos, "no token is made up");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "platform/linux/SettingsFile.hpp"
 #include "tests/fuzz/Fuzz.hpp"
+#include "tests/support/CollectedErrors.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 #include <charconv>
@@ -113,26 +114,28 @@ Values changesIn(std::string_view lines) {
 }
 
 void checkReading(const std::string& content, bool isDamaged) {
-    int errors = 0;
-    SettingsFile settings{file(), [&](std::string_view) { ++errors; }};
+    CollectedErrors errors;
+    SettingsFile settings{file(), errors};
     for (const char* key : {"Mute", "TimerInterval"}) {
         require(!isDamaged || !settings.value(key), "a damaged file has no values");
     }
-    require(errors == (isDamaged ? 1 : 0), "a damaged file is reported, once");
+    require(errors.problems.size() == (isDamaged ? 1 : 0), "a damaged file is reported, once");
     require(contentOf(isDamaged ? damagedFile() : file()) == content, "a file that is read stays as it is");
     require(fs::exists(file()) != isDamaged, "a damaged file is put aside");
 }
 
 void checkWriting(const Values& changes) {
-    SettingsFile settings{file(), [&](std::string_view) { require(false, "nothing goes wrong"); }};
+    CollectedErrors errors;
+    SettingsFile settings{file(), errors};
     for (const auto& [key, value] : changes) {
         settings.set(value, key);
         require(settings.value(key) == value, "a value is there as soon as it is set");
     }
-    SettingsFile nextRun{file(), [](std::string_view) { require(false, "what is written is not damaged"); }};
+    SettingsFile nextRun{file(), errors};
     for (const auto& [key, value] : changes) {
         require(nextRun.value(key) == value, "a value is there at the next run");
     }
+    require(errors.problems.empty(), "nothing goes wrong with a file that is not damaged");
 }
 
 /// What is in the file and was not changed is there as before.
