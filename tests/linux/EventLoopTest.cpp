@@ -1,4 +1,8 @@
+// The run loop: when it settles what has changed, how often it wakes, and what becomes of work at its end.
+
 #include "platform/linux/EventLoop.hpp"
+
+#include "tests/support/BareDesktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +22,36 @@ TEST(Loop, LetsGoOfWhatIsLeftUndoneAtItsEnd) {
     loop.run();
     EXPECT_TRUE(caller.expired()) << "it waits for an answer still";
     EXPECT_FALSE(isDone);
+}
+
+TEST(Loop, SettlesOnceMoreIfThatIsAskedForWhileItSettles) {
+    int settlings = 0;
+    EventLoop* running = nullptr;
+    EventLoop loop{[] { return RunLoopMode::Default; },
+                   [&] {
+                       if (++settlings == 1) {
+                           running->settleSoon();
+                       } else {
+                           running->quit();
+                       }
+                   }};
+    running = &loop;
+    loop.settleSoon();
+    loop.run();
+    EXPECT_EQ(settlings, 2);
+}
+
+TEST(Loop, WakesOnceForOneTimer) {
+    BareDesktop desktop{"none"};
+    int settlings = 0;
+    EventLoop loop{[] { return RunLoopMode::Default; }, [&] { ++settlings; }};
+    bool hasFired = false;
+    const auto timer = Timer::scheduledTimer(
+        0.0305, [&](const std::shared_ptr<Timer>&) { hasFired = true; }, {}, false);
+    loop.schedule(timer);
+    loop.iterate();
+    EXPECT_TRUE(hasFired) << "it woke too early";
+    EXPECT_EQ(settlings, 1);
 }
 
 } // namespace
