@@ -189,11 +189,13 @@ VariantHandle call(GDBusConnection* from, const std::string& to, const char* pat
         slot.error = problem.message();
         slot.hasCome = true;
     };
-    constexpr int milliseconds = 3000;
+    const ObjectHandle<GCancellable> cancellable{g_cancellable_new()};
+    constexpr int noTimeout = G_MAXINT; // the wait has one
     g_dbus_connection_call(from, to.c_str(), path, interface, method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
-                           milliseconds, nullptr, answered, &answer);
-    while (!answer.hasCome) {
-        g_main_context_iteration(nullptr, TRUE);
+                           noTimeout, cancellable.get(), answered, &answer);
+    if (!runLoopUntil([&] { return answer.hasCome; })) {
+        g_cancellable_cancel(cancellable.get());
+        runLoopUntil([&] { return answer.hasCome; });
     }
     if (error) {
         *error = answer.error;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Seconds as short as a test wants them, for the timeouts that GLib counts in seconds. They last as long as this
-// object, after which seconds are seconds again.
+// Seconds as short as a test wants them, for the timeouts that GLib counts in seconds and for those of calls on the
+// bus. They last as long as this object, after which seconds are seconds again.
 
 #include <chrono>
 

@@ -5,6 +5,7 @@
 #include "platform/linux/glib/ExportedInterface.hpp"
 #include "tests/support/PrivateBuses.hpp"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,35 +13,50 @@ namespace platform::linux {
 
 class TrayWatcher {
 public:
-    TrayWatcher()
-        : _interface{_bus.get(), "/StatusNotifierWatcher",
-                     R"xml(<node><interface name="org.kde.StatusNotifierWatcher">
-                          <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
-                          <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
-                          <signal name="StatusNotifierHostRegistered"/>
-                          <signal name="StatusNotifierHostUnregistered"/>
-                        </interface></node>)xml",
-                     [this](std::string_view, GVariant* arguments) {
-                         const char* item = "";
-                         g_variant_get(arguments, "(&s)", &item);
-                         registered.emplace_back(item);
-                         return owned(g_variant_new("()"));
-                     },
-                     [this](std::string_view) { return owned(g_variant_new_boolean(_hasHost)); }} {
+    /// A watcher that is not ready has its name on the bus and no object yet.
+    explicit TrayWatcher(bool isReady = true) {
+        if (isReady) {
+            getReady();
+        }
         takeName(_bus.get(), "org.kde.StatusNotifierWatcher");
     }
 
-    void setHost(bool hasHost) {
-        _hasHost = hasHost;
-        _interface.emit(hasHost ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered");
+    void getReady() {
+        _interface.emplace(
+            _bus.get(), "/StatusNotifierWatcher",
+            R"xml(<node><interface name="org.kde.StatusNotifierWatcher">
+              <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
+              <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+              <signal name="StatusNotifierHostRegistered"/>
+              <signal name="StatusNotifierHostUnregistered"/>
+            </interface></node>)xml",
+            [this](std::string_view, GVariant* arguments) {
+                const char* item = "";
+                g_variant_get(arguments, "(&s)", &item);
+                registered.emplace_back(item);
+                return owned(g_variant_new("()"));
+            },
+            [this](std::string_view) {
+                ++questions;
+                return owned(g_variant_new_boolean(_hasPanel));
+            });
     }
 
+    /// A panel registers with the watcher, or leaves it.
+    void setPanel(bool hasPanel) {
+        _hasPanel = hasPanel;
+        _interface->emit(hasPanel ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered");
+    }
+
+    GDBusConnection* bus() const { return _bus.get(); }
+
     std::vector<std::string> registered;
+    int questions = 0; ///< For a panel.
 
 private:
     ObjectHandle<GDBusConnection> _bus = connectToSession();
-    gboolean _hasHost = TRUE;
-    ExportedInterface _interface;
+    gboolean _hasPanel = TRUE;
+    std::optional<ExportedInterface> _interface;
 };
 
 } // namespace platform::linux

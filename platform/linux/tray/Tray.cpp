@@ -3,6 +3,7 @@
 #include "platform/Text.hpp"
 #include "platform/linux/Resources.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace platform::linux {
@@ -10,10 +11,20 @@ namespace {
 
 constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
+constexpr std::chrono::seconds firstRetryDelay{3};
+constexpr std::chrono::seconds longestRetryDelay{60};
 
 std::string processName(unsigned identifier) {
     std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
     return name.substr(0, name.find('\n'));
+}
+
+/// Whether that answer to a question for a property is a false one.
+bool deniesPanel(const VariantHandle& answer) {
+    const VariantHandle box{answer ? g_variant_get_child_value(answer.get(), 0) : nullptr};
+    const VariantHandle value{box ? g_variant_get_variant(box.get()) : nullptr};
+    return value && g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) &&
+           !g_variant_get_boolean(value.get());
 }
 
 } // namespace
@@ -25,31 +36,31 @@ Tray::Tray(GDBusConnection* bus, std::function<void(std::string_view processName
     , _presenceChanged{std::move(presenceChanged)}
     , _errorLog{errorLog} {
     const auto nameAppeared = [](GDBusConnection*, const char*, const char* owner, gpointer self) {
-        static_cast<Tray*>(self)->panelAppeared(owner);
+        static_cast<Tray*>(self)->watcherAppeared(owner);
     };
     const auto nameVanished = [](GDBusConnection*, const char*, gpointer self) {
-        static_cast<Tray*>(self)->panelVanished();
+        static_cast<Tray*>(self)->watcherVanished();
     };
-    const auto hostsChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                                 gpointer self) { static_cast<Tray*>(self)->askForHost(); };
+    const auto panelsChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                                  gpointer self) { static_cast<Tray*>(self)->panelsChanged(); };
     const auto listenFor = [&](const char* signal) {
         return g_dbus_connection_signal_subscribe(bus, watcher, watcher, signal, watcherPath, nullptr,
-                                                  G_DBUS_SIGNAL_FLAGS_NONE, hostsChanged, this, nullptr);
+                                                  G_DBUS_SIGNAL_FLAGS_NONE, panelsChanged, this, nullptr);
     };
-    _hostSubscriptions = {listenFor("StatusNotifierHostRegistered"), listenFor("StatusNotifierHostUnregistered")};
+    _panelSubscriptions = {listenFor("StatusNotifierHostRegistered"), listenFor("StatusNotifierHostUnregistered")};
     _watch = g_bus_watch_name_on_connection(bus, watcher, G_BUS_NAME_WATCHER_FLAGS_NONE, nameAppeared, nameVanished,
                                             this, nullptr);
 }
 
 Tray::~Tray() {
-    for (const unsigned subscription : _hostSubscriptions) {
+    for (const unsigned subscription : _panelSubscriptions) {
         g_dbus_connection_signal_unsubscribe(_bus.get(), subscription);
     }
     g_bus_unwatch_name(_watch);
 }
 
-void Tray::panelAppeared(const char* owner) {
-    _isWatcherThere = true;
+void Tray::watcherAppeared(const char* owner) {
+    _retryDelay = firstRetryDelay;
     const BusMethod question{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                              "GetConnectionUnixProcessID"};
     _processQuestion.start(_bus.get(), question, g_variant_new("(s)", owner), "(u)",
@@ -63,43 +74,69 @@ void Tray::panelAppeared(const char* owner) {
                            });
 }
 
-void Tray::panelVanished() {
-    _isWatcherThere = false;
+void Tray::watcherVanished() {
     _processQuestion.cancel();
     _registration.cancel();
-    _hostQuestion.cancel();
-    _presenceChanged(false);
+    _nextRegistration.cancel();
+    _panelQuestion.cancel();
+    _isRegistered = false;
+    setPresence(false);
 }
 
 /// Registers under the bus's own name for us: of the ways there are, the one that every panel takes.
 void Tray::registerItem() {
+    _nextRegistration.cancel();
     const BusMethod method{watcher, watcherPath, watcher, "RegisterStatusNotifierItem"};
     _registration.start(_bus.get(), method, g_variant_new("(s)", g_dbus_connection_get_unique_name(_bus.get())),
                         nullptr, [this](const VariantHandle& answer, const ErrorSlot& error) {
                             if (answer) {
-                                askForHost();
+                                _isRegistered = true;
+                                askForPanel();
                             } else {
-                                _errorLog.add("The panel refused the status item: " + std::string{error.message()});
-                                _presenceChanged(false);
+                                registrationFailed(error.message());
                             }
                         });
 }
 
+void Tray::registrationFailed(std::string_view reason) {
+    if (_retryDelay == firstRetryDelay) {
+        _errorLog.add("The panel refused the status item: " + std::string{reason});
+    }
+    setPresence(false);
+    _nextRegistration.start(_retryDelay, [this] { registerItem(); });
+    _retryDelay = std::min(2 * _retryDelay, longestRetryDelay);
+}
+
+/// A panel has registered with the watcher or left it.
+void Tray::panelsChanged() {
+    if (_isRegistered) {
+        askForPanel();
+    } else if (_nextRegistration.isPending()) {
+        registerItem();
+    }
+}
+
 /// The watcher may run without any panel that shows what it collects. One that does not tell is taken to have one.
-void Tray::askForHost() {
-    if (!_isWatcherThere) {
-        return;
+void Tray::askForPanel() {
+    _isAnswerOutdated = _panelQuestion.isPending();
+    if (_isAnswerOutdated) {
+        return; // one question at a time, however often panels come and go
     }
     const BusMethod question{watcher, watcherPath, "org.freedesktop.DBus.Properties", "Get"};
-    _hostQuestion.start(_bus.get(), question, g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"),
-                        "(v)", [this](const VariantHandle& answer, const ErrorSlot&) {
-                            const VariantHandle box{answer ? g_variant_get_child_value(answer.get(), 0) : nullptr};
-                            const VariantHandle value{box ? g_variant_get_variant(box.get()) : nullptr};
-                            const bool isMissing = value &&
-                                                   g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) &&
-                                                   !g_variant_get_boolean(value.get());
-                            _presenceChanged(!isMissing);
-                        });
+    _panelQuestion.start(_bus.get(), question, g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"),
+                         "(v)", [this](const VariantHandle& answer, const ErrorSlot&) {
+                             setPresence(!deniesPanel(answer));
+                             if (_isAnswerOutdated) {
+                                 askForPanel();
+                             }
+                         });
+}
+
+void Tray::setPresence(bool isPresent) {
+    if (_isPresent != isPresent) {
+        _isPresent = isPresent;
+        _presenceChanged(isPresent);
+    }
 }
 
 } // namespace platform::linux
