@@ -1,5 +1,8 @@
 #include "platform/linux/trayless/StatusWindow.hpp"
 
+#include <glib.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace platform::linux {
@@ -14,6 +17,8 @@ constexpr double margin = 6; // beyond the one that every panel has
 constexpr double labelWidth = 150;
 constexpr double switchWidth = 52;
 constexpr double buttonWidth = 210;
+constexpr std::chrono::seconds firstAbsence{1};
+constexpr std::chrono::seconds longestAbsence{600};
 
 modifier::Frame leading(double width) { return {.width = width, .height = {}, .alignment = Alignment::Leading}; }
 modifier::Frame trailing(double width) { return {.width = width, .height = {}, .alignment = Alignment::Trailing}; }
@@ -30,30 +35,43 @@ StatusWindow::StatusWindow(const HelperProgram& program, std::function<void(NSMe
 StatusWindow::~StatusWindow() { close(); }
 
 void StatusWindow::open() {
+    const bool isOnItsWay = isAlive() && !_process->hasShownWindow() && !_cameUnasked;
+    if (isOnItsWay) {
+        _activationToken.take(); // that window has one
+        return;
+    }
     close(); // a new window comes to the front where an old one may be hidden or elsewhere
     start(false);
 }
 
 void StatusWindow::appear() {
-    if (!_process || !_process->isAlive()) {
+    if (!isAlive()) {
+        close();
         start(true);
     }
 }
 
 void StatusWindow::start(bool isUnasked) {
-    const auto handleSoon = [this] {
-        if (!_handling.isPending()) {
-            _handling.startSoon([this] { handleEvents(); });
-        }
-    };
-    _process = std::make_unique<WindowProcess>(_program, _errorLog, handleSoon,
-                                               isUnasked ? std::string{} : _activationToken.take());
+    _cameUnasked = isUnasked;
+    _start = g_get_monotonic_time();
+    _process = std::make_unique<WindowProcess>(
+        _program, _errorLog, [this] { handleSoon(); }, isUnasked ? std::string{} : _activationToken.take());
     send(isUnasked);
 }
 
 void StatusWindow::close() {
     _process.reset();
     _handling.cancel();
+    _return.cancel();
+    _absence = firstAbsence;
+}
+
+/// Shows the window again after its program has died: sooner if that is rare, later if it dies each time.
+void StatusWindow::comeBackLater() {
+    const std::chrono::microseconds life{g_get_monotonic_time() - _start};
+    _absence = life > longestAbsence ? firstAbsence : _absence;
+    _return.start(_absence, [this] { start(true); });
+    _absence = std::min(2 * _absence, longestAbsence);
 }
 
 void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
@@ -76,6 +94,9 @@ std::vector<StatusWindow::Entry> StatusWindow::entries() const {
 void StatusWindow::send(bool isUnasked) {
     _shown = entries();
     _process->send(PanelRequest{theWindow, title, true, false, isUnasked, view(), nullptr});
+    if (!isAlive()) {
+        handleSoon();
+    }
 }
 
 View StatusWindow::view() {
@@ -111,12 +132,19 @@ View StatusWindow::view() {
     return VStack(std::move(rows)).fixedSize().padding(Edges::All, margin);
 }
 
+void StatusWindow::handleSoon() {
+    if (!_handling.isPending()) {
+        _handling.startSoon([this] { handleEvents(); });
+    }
+}
+
 void StatusWindow::handleEvents() {
     while (const auto event = _process ? _process->nextEvent() : std::nullopt) {
         apply(*event);
     }
-    if (_process && !_process->isAlive()) {
+    if (_process && !isAlive()) {
         _process.reset();
+        comeBackLater();
     }
 }
 

@@ -13,6 +13,8 @@
 #include "platform/linux/trayless/StandInWindow.hpp"
 #include "platform/linux/window/WindowProcess.hpp"
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -49,6 +51,9 @@ private:
     View view();
     void start(bool isUnasked);
     void send(bool isUnasked);
+    bool isAlive() const { return _process && _process->isAlive(); }
+    void comeBackLater();
+    void handleSoon();
     void handleEvents();
     void apply(const Event& event);
 
@@ -62,7 +67,11 @@ private:
     std::vector<Entry> _shown;
     std::vector<NSMenuItem*> _controls; ///< The entry behind each control on screen.
     std::unique_ptr<WindowProcess> _process;
-    DelayedCall _handling; ///< Of what the window's program has told.
+    bool _cameUnasked = false;
+    std::int64_t _start = 0; ///< Of the process, in microseconds of the monotonic clock.
+    DelayedCall _handling;   ///< Of what the window's program has told.
+    DelayedCall _return;     ///< Pending while a program that died is to be started again.
+    std::chrono::seconds _absence{};
 };
 
 } // namespace platform::linux

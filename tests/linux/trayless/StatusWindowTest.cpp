@@ -174,6 +174,20 @@ TEST_F(StatusWindowTest, OpensInFrontEachTimeItIsAskedFor) {
     EXPECT_EQ(starts(), 2U);
 }
 
+TEST_F(StatusWindowTest, IsStartedOnceHoweverOftenItIsAskedForOnItsWay) {
+    for (int count = 0; count < 60; ++count) {
+        window->open();
+    }
+    nextRequest();
+    EXPECT_EQ(starts(), 1U);
+    order(encode(Event{Event::Kind::Shown, 1, 0, {}}));
+    EXPECT_TRUE(runLoopUntil([&] {
+        window->open();
+        g_main_context_wakeup(nullptr);
+        return starts() == 2;
+    })) << "once it is on the screen, a new one comes to the front";
+}
+
 TEST_F(StatusWindowTest, FollowsWordsAndMenuAndIsSentOnlyWhatIsNew) {
     window->open();
     nextRequest();
@@ -214,6 +228,48 @@ TEST_F(StatusWindowTest, GoesWhenItIsHiddenOrClosed) {
     ASSERT_TRUE(runLoopUntil([&] { return !isRunning(); }));
     EXPECT_THAT(picked, IsEmpty());
     EXPECT_THAT(errors, IsEmpty());
+}
+
+TEST_F(StatusWindowTest, ComesBackWhenItsProgramHasDied) {
+    const ShortSeconds seconds{std::chrono::milliseconds{100}};
+    window->open();
+    nextRequest();
+    order("end");
+    EXPECT_TRUE(nextRequest().comesUnasked);
+    EXPECT_EQ(starts(), 2U);
+    show("Break in 8 minutes");
+    EXPECT_EQ(wordsOf(nextRequest()), "Break in 8 minutes");
+}
+
+TEST_F(StatusWindowTest, ComesBackWhenItsProgramCanBeStartedAgain) {
+    const ShortSeconds seconds{std::chrono::milliseconds{50}};
+    fs::rename(folder.path / "program", folder.path / "away");
+    window->appear();
+    runLoopFor(std::chrono::milliseconds{50});
+    fs::rename(folder.path / "away", folder.path / "program");
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, ComesBackMoreAndMoreSlowlyIfItsProgramAlwaysDies) {
+    const ShortSeconds seconds{std::chrono::milliseconds{1}};
+    fs::permissions(folder.write("program", "#!/bin/sh\necho $$ >>\"${0%/*}/processes\"\n"), fs::perms::owner_all);
+    window->appear();
+    EXPECT_TRUE(runLoopUntil([&] {
+        g_main_context_wakeup(nullptr);
+        return starts() >= 3;
+    }));
+    runLoopFor(std::chrono::milliseconds{250});
+    EXPECT_LE(starts(), 9U) << "the pauses add up to 255 ms before the ninth start";
+}
+
+TEST_F(StatusWindowTest, StaysAwayOnceItsUserHasClosedIt) {
+    window->open();
+    nextRequest();
+    const ShortSeconds seconds{std::chrono::milliseconds{1}};
+    order(encode(Event{Event::Kind::Closed, 1, 0, {}}));
+    ASSERT_TRUE(runLoopUntil([&] { return !isRunning(); }));
+    runLoopFor(std::chrono::milliseconds{50});
+    EXPECT_EQ(starts(), 1U);
 }
 
 TEST_F(StatusWindowTest, CanAppearAgainAfterItsProgramDied) {
