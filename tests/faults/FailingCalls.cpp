@@ -75,6 +75,15 @@ bool memoryFails(std::size_t size) {
     return fails(Kind::Memory) || isMapped;
 }
 
+/// How much later it is by that clock than in truth.
+std::int64_t secondsAhead(clockid_t clock) {
+    if (!plan || (clock != CLOCK_REALTIME && clock != CLOCK_MONOTONIC && clock != CLOCK_BOOTTIME)) {
+        return 0;
+    }
+    return plan->secondsPassed + (clock == CLOCK_MONOTONIC ? 0 : plan->secondsAsleep.load()) +
+           (clock == CLOCK_REALTIME ? plan->secondsSet.load() : 0);
+}
+
 struct Loaded {
     Loaded() {
         const char* path = std::getenv(faults::planVariable);
@@ -257,18 +266,14 @@ void* realloc(void* old, std::size_t size) noexcept {
 int clock_gettime(clockid_t clock, timespec* time) noexcept {
     static const auto real = next("clock_gettime", &clock_gettime);
     const int result = real(clock, time);
-    if (plan && (clock == CLOCK_REALTIME || clock == CLOCK_MONOTONIC)) {
-        time->tv_sec += plan->secondsAhead;
-    }
+    time->tv_sec += secondsAhead(clock);
     return result;
 }
 
 int gettimeofday(timeval* time, void* zone) noexcept {
     static const auto real = next("gettimeofday", &gettimeofday);
     const int result = real(time, zone);
-    if (plan) {
-        time->tv_sec += plan->secondsAhead;
-    }
+    time->tv_sec += secondsAhead(CLOCK_REALTIME);
     return result;
 }
 

@@ -34,7 +34,9 @@ inline constexpr std::size_t kinds = 15;
 inline constexpr int shortOfAll = 0;
 
 struct FaultPlan {
-    std::atomic<std::int64_t> secondsAhead = 0;  ///< Of the true time, by the wall and since the start alike.
+    std::atomic<std::int64_t> secondsPassed = 0; ///< That all clocks are ahead.
+    std::atomic<std::int64_t> secondsAsleep = 0; ///< That those are ahead in addition which count sleep.
+    std::atomic<std::int64_t> secondsSet = 0;    ///< The same for the wall clock alone.
     std::atomic<Kind> kind = Kind::Open;         ///< Of the call that is to fail.
     std::atomic<int> number = 0;                 ///< Which of its kind that is, from 1; 0 for none.
     std::atomic<int> error = 0;                  ///< Its error number, or `shortOfAll`.

@@ -64,10 +64,12 @@ void User::hear(int line, std::string_view message) {
     ASSERT_TRUE(request) << message;
     if (const auto* alert = std::get_if<AlertRequest>(&*request)) {
         ++reminders;
+        _answered.insert(line);
         tell(line, {Event::Kind::Pressed, alert->window, nextButton, {}});
         nextButton = 1 - nextButton;
     } else if (const auto* panel = std::get_if<PanelRequest>(&*request); panel && panel->isModal) {
         ++panels;
+        _answered.insert(line);
         tell(line, {Event::Kind::Closed, panel->window, 0, {}});
     }
 }
@@ -75,6 +77,7 @@ void User::hear(int line, std::string_view message) {
 void User::hangUp(int line) {
     g_source_remove(_lines.at(line));
     _lines.erase(line);
+    _answered.erase(line);
     close(line);
 }
 

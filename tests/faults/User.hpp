@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 
 namespace faults {
 
@@ -23,6 +24,9 @@ public:
     int reminders = 0; ///< That came so far.
     int panels = 0;    ///< Modal ones, the same.
 
+    /// Whether a window is still up that was answered.
+    bool isWaiting() const { return !_answered.empty(); }
+
     /// Which button answers the next reminder, from 0.
     std::uint32_t nextButton = 1;
 
@@ -36,6 +40,7 @@ private:
     int _door;
     unsigned _doorSource;
     std::map<int, unsigned> _lines; // to each window program that runs, with what watches over it
+    std::set<int> _answered;        // of those
 };
 
 } // namespace faults

@@ -79,7 +79,7 @@ void WholeProgram::start() {
     for (auto& count : _plan->calls) {
         count = 0;
     }
-    _plan->secondsAhead = 0;
+    _plan->secondsPassed = 0;
     std::string program = _folder.path / "bin/marvelode-timer";
     std::string option = "-test";
     std::vector<char*> arguments{program.data(), option.data(), nullptr};
@@ -148,7 +148,7 @@ bool WholeProgram::succeeds(const char* method) {
 }
 
 void WholeProgram::passTime(std::int64_t seconds) {
-    _plan->secondsAhead += seconds;
+    _plan->secondsPassed += seconds;
     get("State");
 }
 
@@ -157,6 +157,8 @@ void WholeProgram::awaitReminder() {
     constexpr std::int64_t snooze = 5;
     constexpr int snoozes = 60;
     constexpr std::chrono::milliseconds moment{200};
+    await([this] { return !_user.isWaiting(); }, "the last window to close");
+    get("State"); // which is told once the timer runs that comes after the window
     const int before = _user.reminders;
     passTime(interval);
     for (int time = 0; time < snoozes; ++time) {

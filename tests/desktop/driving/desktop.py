@@ -360,3 +360,10 @@ class Desktop:
     def stop_session_bus(self):
         self.session_bus_process.kill()
         self.session_bus_process.wait()
+
+    def start_session_bus_again(self):
+        """Brings a session bus to where the last one was, and a panel on it."""
+        self.panel.status()
+        self._start_session_bus()
+        self._start_accessibility()
+        self.start_panel()

@@ -59,6 +59,13 @@ class Timer:
         lines = [f"{key}={value}\n" for key, value in settings.items()]
         self.settings_file.write_text("[Settings]\n" + "".join(lines))
 
+    def edit(self, changes):
+        """Changes stored settings as an editor does that replaces the file."""
+        new = self.settings_file.with_suffix(".new")
+        lines = [f"{key}={value}\n" for key, value in (self.settings() | changes).items()]
+        new.write_text("[Settings]\n" + "".join(lines))
+        new.replace(self.settings_file)
+
     def settings(self):
         """The stored settings as they are written."""
         try:
