@@ -1,8 +1,9 @@
 #include "platform/linux/SettingsFile.hpp"
 
+#include "platform/linux/RegularFile.hpp"
+
 #include <glib/gstdio.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -10,8 +11,6 @@ namespace platform::linux {
 namespace {
 
 constexpr const char* group = "Settings";
-constexpr int ownerOnlyFile = 0600;
-constexpr int ownerOnlyFolder = 0700;
 constexpr std::int64_t secondsBetweenAttempts = 30;
 
 /// The text that a value is written as.
@@ -43,26 +42,15 @@ DefaultsValue parsed(const char* text) {
     return text;
 }
 
-/// Where `path` leads when it is a link, whether or not anything is there.
-std::filesystem::path followed(std::filesystem::path path) {
-    constexpr int mostLinks = 40;
-    for (int links = 0; links < mostLinks; ++links) {
-        std::error_code error;
-        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
-        if (error) {
-            return path;
-        }
-        path = path.parent_path() / target;
-    }
-    return path;
-}
-
 } // namespace
 
-SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog)
+SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Values assumed)
     : _path{std::move(path)}
     , _errorLog{errorLog}
-    , _file{g_key_file_new()} {}
+    , _assumed{std::move(assumed)}
+    , _file{g_key_file_new()} {
+    removeLeftovers(_path);
+}
 
 SettingsFile::~SettingsFile() {
     if (!_unwritten.empty()) {
@@ -76,7 +64,8 @@ std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
     if (!_unwritten.empty() && isTimeForAnotherAttempt()) {
         write();
     }
-    for (const Values* values : {&_unwritten, &_stored}) {
+    const Values& stored = _knowledge == Knowledge::Lacking ? _assumed : _stored;
+    for (const Values* values : {&std::as_const(_unwritten), &stored}) {
         if (const auto found = values->find(key); found != values->end()) {
             return found->second;
         }
@@ -102,39 +91,49 @@ void SettingsFile::readIfChanged() {
 }
 
 void SettingsFile::read() {
-    char* bytes = nullptr;
-    std::size_t length = 0;
-    ErrorSlot error;
-    const bool isRead = g_file_get_contents(_path.c_str(), &bytes, &length, error.out());
-    const TextHandle content{bytes};
-    if (!isRead && !error.matches(G_FILE_ERROR, G_FILE_ERROR_NOENT)) {
-        _mayWrite = false;
-        _lastAttempt = g_get_monotonic_time();
-        report("Cannot read the settings", error.message());
+    const FileContent content = readRegularFile(_path);
+    if (!content.problem.empty()) {
+        cannotRead(content.problem);
         return;
     }
     KeyFileHandle file{g_key_file_new()};
-    if (isRead && length > 0) {
+    if (!content.bytes.empty()) {
         const auto flags = static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
-        const bool isText = g_utf8_validate(content.get(), static_cast<gssize>(length), nullptr);
-        if (!isText || !g_key_file_load_from_data(file.get(), content.get(), length, flags, error.out())) {
-            keepAside(followed(_path), isText ? error.message() : "no text");
+        const auto length = static_cast<gssize>(content.bytes.size());
+        ErrorSlot error;
+        const bool isText = g_utf8_validate(content.bytes.data(), length, nullptr);
+        if (!isText || !g_key_file_load_from_data(file.get(), content.bytes.data(), content.bytes.size(), flags,
+                                                  error.out())) {
+            keepAside(linkTarget(_path), isText ? error.message() : "no text");
             return;
         }
     }
+    if (content.isMissing && _knowledge == Knowledge::Lacking) {
+        assume();
+    }
+    _knowledge = Knowledge::Full;
     _mayWrite = true;
     _file = std::move(file);
     parseValues();
-    if (!std::exchange(_wasRead, true)) { // what was set in ignorance of the file gives way to it
-        std::erase_if(_unwritten, [this](const auto& each) { return _stored.contains(each.first); });
-    }
 }
+
+void SettingsFile::cannotRead(const std::string& reason) {
+    if (_knowledge == Knowledge::None) {
+        _knowledge = Knowledge::Lacking;
+    }
+    _mayWrite = false;
+    _lastAttempt = g_get_monotonic_time();
+    report("Cannot read the settings", reason);
+}
+
+/// Queues the assumed values, after a file that was there has gone unread.
+void SettingsFile::assume() { _unwritten.insert(_assumed.begin(), _assumed.end()); }
 
 bool SettingsFile::isTimeForAnotherAttempt() const {
     return g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC;
 }
 
-/// Goes on with the values known so far: the defaults at the start, the last good ones later.
+/// Goes on with the values known so far: the assumed ones at the start, the last good ones later.
 void SettingsFile::keepAside(const std::filesystem::path& file, const std::string& reason) {
     std::filesystem::path aside;
     int number = 0;
@@ -142,10 +141,18 @@ void SettingsFile::keepAside(const std::filesystem::path& file, const std::strin
         aside = file.string() + ".damaged" + (number == 0 ? "" : "-" + std::to_string(number));
         ++number;
     } while (g_file_test(aside.c_str(), G_FILE_TEST_EXISTS));
-    _mayWrite = g_rename(file.c_str(), aside.c_str()) == 0;
-    report("The settings are damaged", reason + (_mayWrite ? "; kept as " + aside.string() : ""));
+    if (g_rename(file.c_str(), aside.c_str()) != 0) {
+        cannotRead(reason);
+        return;
+    }
+    report("The settings are damaged", reason + "; kept as " + aside.string());
+    if (_knowledge != Knowledge::Full) {
+        assume();
+    }
+    _knowledge = Knowledge::Full;
+    _mayWrite = true;
     _seen = fingerprint();
-    if (g_key_file_has_group(_file.get(), group)) {
+    if (!_unwritten.empty() || g_key_file_has_group(_file.get(), group)) {
         write();
     }
 }
@@ -155,22 +162,13 @@ void SettingsFile::write() {
         return; // the reason is reported already
     }
     _lastAttempt = g_get_monotonic_time();
-    const std::filesystem::path target = followed(_path);
-    struct stat status {};
-    if (stat(target.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0) {
-        report("Cannot write the settings", target.string() + " is read-only");
-        return;
-    }
     for (const auto& [key, value] : _unwritten) {
         g_key_file_set_value(_file.get(), group, key.c_str(), written(value).get());
     }
     std::size_t length = 0;
     const TextHandle content{g_key_file_to_data(_file.get(), &length, nullptr)};
-    g_mkdir_with_parents(target.parent_path().c_str(), ownerOnlyFolder); // a failure shows at once below
-    ErrorSlot error;
-    if (!g_file_set_contents_full(target.c_str(), content.get(), static_cast<gssize>(length),
-                                  G_FILE_SET_CONTENTS_CONSISTENT, ownerOnlyFile, error.out())) {
-        report("Cannot write the settings", error.message());
+    if (const std::string problem = replaceRegularFile(_path, {content.get(), length}); !problem.empty()) {
+        report("Cannot write the settings", problem);
         return;
     }
     _unwritten.clear();
@@ -197,7 +195,7 @@ SettingsFile::Fingerprint SettingsFile::fingerprint() const {
             status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
 }
 
-/// Tells of a problem, unless it is the one at hand: its reason may read differently at each attempt.
+/// Reports a problem, unless it is the one at hand: its reason may read differently at each attempt.
 void SettingsFile::report(const std::string& problem, const std::string& reason) {
     if (_reported != problem) {
         _reported = problem;

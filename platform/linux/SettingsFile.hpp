@@ -20,23 +20,29 @@ namespace platform::linux {
 
 class SettingsFile {
 public:
-    /// Opens the settings at `path`, which need not exist. What goes wrong is told to `errorLog`, once each time
-    /// that it begins to go wrong.
-    SettingsFile(std::filesystem::path path, ErrorLog& errorLog);
+    using Values = std::map<std::string, DefaultsValue, std::less<>>;
+
+    /// Opens the settings at `path`, which need not exist. A problem is reported to `errorLog` once, when it
+    /// begins. `assumed` are the values in place of those in a file that is there but could not be read since the
+    /// start; they are stored if the file is then removed, or turns out to be damaged and is kept aside.
+    SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Values assumed = {});
 
     /// Tries once more to write what could not be written before.
     ~SettingsFile();
     SettingsFile(const SettingsFile&) = delete;
     SettingsFile& operator=(const SettingsFile&) = delete;
 
-    /// The value under `key`, as the file has it now; nothing if there is none. A value that cannot be written
-    /// counts as stored for as long as this object lives.
+    /// The value under `key`, as the file has it now; nothing if there is none. A value that cannot be written yet
+    /// is ahead of the file's, and is written as soon as it can be.
     std::optional<DefaultsValue> value(std::string_view key);
 
     /// Stores `value`, keeping everything else in the file. Touches no disk if the file holds it already.
     void set(DefaultsValue value, std::string_view key);
 
 private:
+    /// What is known of the values in the file: nothing was asked yet; it is there but was never read; all.
+    enum class Knowledge { None, Lacking, Full };
+
     /// What tells one state of a file from another; all zero if there is no file.
     struct Fingerprint {
         std::uint64_t device = 0;
@@ -46,12 +52,13 @@ private:
         std::int64_t nanoseconds = 0;
         bool operator==(const Fingerprint&) const = default;
     };
-    using Values = std::map<std::string, DefaultsValue, std::less<>>;
     using KeyFileHandle = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
 
     void readIfChanged();
     bool isTimeForAnotherAttempt() const;
     void read();
+    void cannotRead(const std::string& reason);
+    void assume();
     void keepAside(const std::filesystem::path& file, const std::string& reason);
     void write();
     void parseValues();
@@ -60,13 +67,14 @@ private:
 
     std::filesystem::path _path;
     ErrorLog& _errorLog;
+    const Values _assumed;
+    Knowledge _knowledge = Knowledge::None;
     KeyFileHandle _file;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
     Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever
     Values _unwritten;
     std::int64_t _lastAttempt = 0; // monotonic microseconds
     bool _mayWrite = true;         // false: the file is there but cannot be read, so it must not be replaced
-    bool _wasRead = false;         // at least once since the start
     std::string _reported;         // the problem at hand
 };
 

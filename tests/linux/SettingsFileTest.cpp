@@ -5,6 +5,7 @@
 #include "tests/support/CollectedErrors.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
+#include <gio/gunixsocketaddress.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -30,7 +31,7 @@ protected:
     SettingsFile& open() { return open(file); }
     SettingsFile& open(const fs::path& path) {
         settings.reset();
-        settings = std::make_unique<SettingsFile>(path, errorLog);
+        settings = std::make_unique<SettingsFile>(path, errorLog, SettingsFile::Values{{"Version", "known"s}});
         return *settings;
     }
 
@@ -142,7 +143,7 @@ TEST_F(Settings, KeepADamagedFileAside) {
         edit(damage);
         EXPECT_EQ(open().value("Mute"), std::nullopt);
         settings->set(true, "Mute");
-        EXPECT_EQ(content(), "[Settings]\nMute=true\n");
+        EXPECT_EQ(content(), "[Settings]\nVersion='known'\nMute=true\n");
         ASSERT_EQ(errors.size(), 1U);
         EXPECT_NE(errors[0].find("damaged"), std::string::npos) << errors[0];
     }
@@ -196,16 +197,99 @@ TEST_F(Settings, NeverReplaceAFileThatCannotBeRead) {
     EXPECT_EQ(errors.size(), 1U);
 }
 
-TEST_F(Settings, AreReadAsSoonAsTheyCanBeAndGoAheadOfWhatWasSetWithoutThem) {
+TEST_F(Settings, AreReadAsSoonAsTheyCanBeAndKeepWhatWasSetMeanwhile) {
     fs::create_directory(file); // unreadable even for root
-    open().set(true, "PopupAlerts");
-    settings->set(true, "Mute");
+    open().set(true, "Mute");
     fs::remove(file);
-    edit("[Settings]\nPopupAlerts=false\n");
+    edit("[Settings]\nPopupAlerts=false\nMute=false\n");
     EXPECT_EQ(settings->value("PopupAlerts"), DefaultsValue{false});
     EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
     settings.reset();
     EXPECT_EQ(content(), "[Settings]\nPopupAlerts=false\nMute=true\n");
+}
+
+TEST_F(Settings, AreAssumedAndNotStoredWhileTheFileCannotBeRead) {
+    fs::create_directory(file);
+    open().value("Version");
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"known"s});
+    EXPECT_EQ(settings->value("Mute"), std::nullopt);
+    fs::remove(file);
+    edit("[Settings]\nMute=true\n");
+    EXPECT_EQ(settings->value("Version"), std::nullopt);
+    EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nMute=true\n");
+}
+
+TEST_F(Settings, AreNotAssumedWhereThereIsNoFile) { EXPECT_EQ(open().value("Version"), std::nullopt); }
+
+TEST_F(Settings, AreStoredAsAssumedWhenAFileThatWasNeverReadIsRemoved) {
+    fs::create_directory(file);
+    open().value("Version");
+    fs::remove(file);
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"known"s});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nVersion='known'\n");
+}
+
+TEST_F(Settings, AreThoseOfARepairedFileThatIsPutBack) {
+    edit("[Settings\nMute=true\n");
+    EXPECT_EQ(open().value("Version"), DefaultsValue{"known"s}) << "it was there, whatever it said";
+    EXPECT_EQ(content(), "[Settings]\nVersion='known'\n");
+    edit("[Settings]\nVersion='1.0'\nMute=true\n");
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"1.0"s});
+    EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nVersion='1.0'\nMute=true\n");
+}
+
+TEST_F(Settings, LeaveWhatIsNoRegularFileAsItIs) {
+    const ObjectHandle<GSocket> socket{
+        g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, nullptr)};
+    const ObjectHandle<GSocketAddress> address{g_unix_socket_address_new((folder.path / "socket").c_str())};
+    ASSERT_TRUE(g_socket_bind(socket.get(), address.get(), TRUE, nullptr));
+    ASSERT_EQ(mkfifo((folder.path / "pipe").c_str(), 0600), 0);
+    fs::create_directory(folder.path / "folder");
+    for (const char* name : {"socket", "pipe", "folder"}) {
+        errors.clear();
+        fs::create_symlink(folder.path / name, file);
+        const fs::file_type before = fs::status(file).type();
+        open().set(true, "Mute");
+        EXPECT_EQ(settings->value("Mute"), DefaultsValue{true});
+        settings.reset();
+        EXPECT_EQ(fs::status(file).type(), before);
+        EXPECT_EQ(errors.size(), 1U) << name;
+        fs::remove(file);
+    }
+}
+
+TEST_F(Settings, AreNotTakenFromAFileOfMoreThanAMegabyte) {
+    edit("[Settings]\nMute=true\n#" + std::string(1024 * 1024, 'x'));
+    EXPECT_EQ(open().value("Mute"), std::nullopt);
+    EXPECT_EQ(errors.size(), 1U);
+}
+
+TEST_F(Settings, KeepTheFilesPermissionsFromTheFirstWriteOn) {
+    for (const mode_t mode : {0640U, 0664U, 0600U}) {
+        edit("[Settings]\n");
+        chmod(file.c_str(), mode);
+        open().set(true, "Mute");
+        EXPECT_EQ(permissions(file), mode);
+    }
+}
+
+TEST_F(Settings, AreRidOfWhatAKilledWriteHasLeftBehind) {
+    const std::vector<std::string> others{"settings.new-abc12", "settings.new-abc1234", "settings.backup",
+                                          "my settings.new-abc123"};
+    for (const std::string& name : others) {
+        folder.write("marvelode-timer/" + name, "");
+    }
+    const fs::path leftover = folder.write("marvelode-timer/settings.new-abc123", "[Sett");
+    open();
+    EXPECT_FALSE(fs::exists(leftover));
+    for (const std::string& name : others) {
+        EXPECT_TRUE(fs::exists(file.parent_path() / name)) << name;
+    }
 }
 
 TEST_F(Settings, KeepWhatWasSetWhileAFileThatWasKnownCouldNotBeRead) {
