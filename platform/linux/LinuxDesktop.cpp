@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxDesktop.hpp"
 
 #include "platform/linux/Journal.hpp"
+#include "platform/linux/glib/Delivery.hpp"
 
 #include <glib-unix.h>
 
@@ -22,23 +23,22 @@ TimeInterval secondsSinceBoot() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-} // namespace
-
-Places Places::ofThisProcess() {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-    return {(folder / MARVELODE_RESOURCES_FROM_PROGRAM).lexically_normal(),
-            (folder / MARVELODE_HELPERS_FROM_PROGRAM).lexically_normal(),
-            std::filesystem::path{g_get_user_config_dir()} / "marvelode-timer" / "settings"};
+/// Whether this program was started to ignore that signal, as `nohup` does with SIGHUP.
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return signal == SIGHUP && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments)
+} // namespace
+
+LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments,
+                           SettingsFile::Values assumedSettings)
     : _sessionBus{shared(sessionBus)}
     , _argumentDomain{argumentDomain(arguments)}
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
             [this] { settle(); }}
     , _resources{std::move(places.resources)}
-    , _settings{std::move(places.settings), _errorLog}
+    , _settings{std::move(places.settings), _errorLog, std::move(assumedSettings)}
     , _windowProgram{places.helpers / "marvelode-timer-window", _session}
     , _soundProgram{places.helpers / "marvelode-timer-sound", _session}
     , _windows{_windowProgram, [this] { _loop.iterate(); }, _errorLog, _activationToken}
@@ -57,13 +57,16 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
         return G_SOURCE_CONTINUE;
     };
     for (std::size_t index = 0; index < endingSignals.size(); ++index) {
-        _signalSources[index] = g_unix_signal_add(endingSignals[index], end, this);
+        _signalSources[index] =
+            isIgnored(endingSignals[index]) ? 0 : g_unix_signal_add(endingSignals[index], end, this);
     }
 }
 
 LinuxDesktop::~LinuxDesktop() {
     for (const unsigned source : _signalSources) {
-        g_source_remove(source);
+        if (source != 0) {
+            g_source_remove(source);
+        }
     }
     g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
 }
@@ -75,7 +78,7 @@ int LinuxDesktop::run(int, const char* const*) {
     });
     application.delegate->applicationDidFinishLaunching();
     _loop.run();
-    g_dbus_connection_flush_sync(_sessionBus.get(), nullptr, nullptr); // whoever asked for the end gets an answer
+    awaitDelivery(_sessionBus.get()); // the answer to the call that asked for the end is among what was sent
     return 0;
 }
 

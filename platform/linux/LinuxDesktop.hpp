@@ -8,6 +8,7 @@
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/HelperProgram.hpp"
+#include "platform/linux/Places.hpp"
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/SettingsFile.hpp"
@@ -31,24 +32,16 @@
 
 namespace platform::linux {
 
-/// Where the files of the program and of its user are.
-struct Places {
-    std::filesystem::path resources; ///< The folder of the program's own resources.
-    std::filesystem::path helpers;   ///< The folder of the programs that show windows and play sounds.
-    std::filesystem::path settings;  ///< The user's settings file.
-
-    /// The places that belong to the running executable and to the user who runs it.
-    static Places ofThisProcess();
-};
-
 class LinuxDesktop final : public Desktop {
 public:
     /// `arguments` are the command line's, without the program's own name: settings among them are read ahead of
-    /// stored ones.
-    LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments);
+    /// stored ones. `assumedSettings` hold while there are stored ones that cannot be read.
+    LinuxDesktop(GDBusConnection* sessionBus, Places places, const std::vector<std::string>& arguments,
+                 SettingsFile::Values assumedSettings = {});
     ~LinuxDesktop() override;
 
-    /// Returns when the program ends by itself, at SIGTERM, SIGINT or SIGHUP, or with the session bus; always 0.
+    /// Returns when the program ends by itself, at SIGTERM, SIGINT or SIGHUP (unless that was ignored from the
+    /// start), or with the session bus; always 0.
     int run(int argc, const char* const* argv) override;
     void terminate() override;
     void activate(bool ignoringOtherApps) override;

@@ -1,20 +1,30 @@
 #include "platform/linux/Resources.hpp"
 
+#include "platform/linux/RegularFile.hpp"
 #include "platform/linux/drawing/Png.hpp"
-#include "platform/linux/glib/Handles.hpp"
 
+#include <glib.h>
+
+#include <system_error>
 #include <utility>
 
 namespace platform::linux {
 
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
-    char* bytes = nullptr;
-    std::size_t length = 0;
-    if (!g_file_get_contents(path.c_str(), &bytes, &length, nullptr)) {
-        return std::nullopt;
+    FileContent content = readRegularFile(path);
+    const bool isRead = !content.isMissing && content.problem.empty();
+    return isRead ? std::optional{std::move(content.bytes)} : std::nullopt;
+}
+
+Resources::Resources(std::filesystem::path folder)
+    : _folder{std::move(folder)} {
+    std::error_code error;
+    for (std::filesystem::directory_iterator each{_folder, error}, end; !error && each != end;
+         each.increment(error)) {
+        if (each->path().extension() == ".png") {
+            imageNamed(each->path().filename().string());
+        }
     }
-    const TextHandle content{bytes};
-    return std::string{bytes, length};
 }
 
 std::optional<std::filesystem::path> Resources::find(std::string_view name, std::string_view extension) const {

@@ -18,8 +18,9 @@ std::optional<std::string> contentsOfFile(const std::filesystem::path& path);
 
 class Resources {
 public:
-    explicit Resources(std::filesystem::path folder)
-        : _folder{std::move(folder)} {}
+    /// Looks at the pictures in `folder` at once: they are known for as long as this object lives, even after the
+    /// package was removed.
+    explicit Resources(std::filesystem::path folder);
 
     /// Where the resource of that name and extension lies; nothing if there is none.
     std::optional<std::filesystem::path> find(std::string_view name, std::string_view extension) const;

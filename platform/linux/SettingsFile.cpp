@@ -54,7 +54,7 @@ SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Value
 
 SettingsFile::~SettingsFile() {
     if (!_unwritten.empty()) {
-        readIfChanged();
+        read(); // for the last time, so it is worth another attempt
         write();
     }
 }

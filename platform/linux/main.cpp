@@ -3,9 +3,12 @@
 #include "app/main.hpp"
 
 #include "app/App.hpp"
+#include "config/Cfg.hpp"
 #include "platform/linux/LinuxDesktop.hpp"
+#include "platform/linux/Places.hpp"
 #include "platform/linux/RemoteControl.hpp"
 
+#include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -13,10 +16,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
+#include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -32,6 +34,16 @@ Reminds you of a short break every few minutes, from an icon in the panel.
   --version    show the version
 )";
 
+/// Opens the null device in place of the standard descriptors that are missing. Otherwise the next file or socket
+/// would get their number, and what is printed would go into it.
+void openMissingDescriptors() {
+    int opened = 0;
+    while (opened >= 0 && opened <= STDERR_FILENO) {
+        opened = open("/dev/null", O_RDWR); // gets the lowest number that is free
+    }
+    close(opened);
+}
+
 /// Starts the program anew without GLib's own pools, which would keep a tenth of its memory for what was needed
 /// once. They can be turned off by the environment alone, and before GLib is loaded.
 void turnOffPools(char** arguments) {
@@ -40,10 +52,9 @@ void turnOffPools(char** arguments) {
         unsetenv(allocator); // heeded by now, and not meant for the helpers
         return;
     }
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (setenv(allocator, "always-malloc", 0) == 0) { // or else it would start anew for ever
-        execv(program.c_str(), arguments);
+    const bool canStartAnew = !platform::linux::isLoadersArgument();
+    if (canStartAnew && setenv(allocator, "always-malloc", 0) == 0) { // or else it would start anew for ever
+        execv(platform::linux::executable().c_str(), arguments);
     }
     unsetenv(allocator); // it works with the pools as well
 }
@@ -59,6 +70,16 @@ void keepMemorySmall() {
 }
 
 bool isReminding() { return marvelode::app->state == marvelode::App::State::Reminding; }
+
+/// What holds while the settings cannot be read: it is no first run, and reminders come as in one.
+platform::linux::SettingsFile::Values assumedSettings() {
+    using Key = marvelode::Cfg::Key;
+    return {{std::string{Key::Version}, std::string{}},
+            {std::string{Key::PopupAlerts}, true},
+            {std::string{Key::AutoRestart}, true},
+            {std::string{Key::RestartOnWake}, true},
+            {std::string{Key::ShowCountdown}, true}};
+}
 
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
 platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& desktop) {
@@ -87,6 +108,7 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
 
 int main(int argc, char** argv) {
     using namespace platform::linux;
+    openMissingDescriptors();
     const std::string_view onlyArgument = argc == 2 ? argv[1] : "";
     if (onlyArgument == "--help") {
         std::fputs(help, stdout);
@@ -106,7 +128,7 @@ int main(int argc, char** argv) {
                      error.message());
         return EXIT_FAILURE;
     }
-    LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}};
+    LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}, assumedSettings()};
     desktop.watchBreak(isReminding);
     const RemoteControl control{sessionBus.get(), controlled(desktop)};
     if (!RemoteControl::claimName(sessionBus.get())) {

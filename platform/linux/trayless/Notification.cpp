@@ -1,5 +1,7 @@
 #include "platform/linux/trayless/Notification.hpp"
 
+#include "platform/linux/glib/Delivery.hpp"
+
 #include <utility>
 
 namespace platform::linux {
@@ -56,7 +58,7 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
 Notification::~Notification() {
     if (_id != 0) {
         withdraw();
-        g_dbus_connection_flush_sync(_sessionBus.get(), nullptr, nullptr); // the program ends with this, as a rule
+        awaitDelivery(_sessionBus.get()); // the program ends with this, as a rule
     }
     g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _actionSubscription);
     g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _tokenSubscription);

@@ -1,0 +1,207 @@
+// The whole program in odd circumstances: what it is started with or without, and what is taken from it meanwhile.
+
+#include "tests/support/PrivateBuses.hpp"
+#include "tests/support/Sanitizers.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/auxv.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace platform::linux {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* name = "org.marvelode.Timer";
+constexpr const char* object = "/org/marvelode/Timer";
+
+std::string contentOf(const fs::path& path) {
+    std::ifstream stream{path, std::ios::binary};
+    return {std::istreambuf_iterator{stream}, {}};
+}
+
+class MainTest : public testing::Test {
+protected:
+    MainTest() {
+        fs::create_directories(settings.parent_path());
+        connectToSystem(); // which is said to be there from here on
+    }
+    ~MainTest() override {
+        if (process != 0) {
+            kill(process, SIGKILL);
+            waitpid(process, nullptr, 0);
+        }
+    }
+
+    /// Starts `command`, in a process that has run `prepare` before.
+    void start(
+        std::vector<std::string> command, void (*prepare)() = [] {}) {
+        std::vector<char*> arguments;
+        for (std::string& argument : command) {
+            arguments.push_back(argument.data());
+        }
+        arguments.push_back(nullptr);
+        g_setenv("XDG_CONFIG_HOME", folder.path.c_str(), TRUE);
+        g_unsetenv("G_SLICE");
+        process = fork();
+        if (process == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            const int output = open((folder.path / "output").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            dup2(output, STDOUT_FILENO);
+            dup2(output, STDERR_FILENO);
+            close(output);
+            prepare();
+            execv(arguments[0], arguments.data());
+            _exit(127);
+        }
+        EXPECT_TRUE(await([&] { return !property("State").empty() || !isRunning(); }));
+        EXPECT_TRUE(isRunning()) << contentOf(folder.path / "output");
+    }
+    void start(void (*prepare)() = [] {}) { start({PROGRAM}, prepare); }
+
+    /// Asks again and again, for a few seconds.
+    static bool await(const std::function<bool()>& holds) {
+        return runLoopUntil([&] {
+            const bool isDone = holds();
+            runLoopFor(std::chrono::milliseconds{isDone ? 0 : 5});
+            g_main_context_wakeup(nullptr);
+            return isDone;
+        });
+    }
+
+    bool isRunning() {
+        if (process != 0 && waitpid(process, &status, WNOHANG) == process) {
+            process = 0;
+        }
+        return process != 0;
+    }
+
+    std::string property(const char* property) {
+        std::string error;
+        const VariantHandle answer = call(bus.get(), name, object, "org.freedesktop.DBus.Properties", "Get",
+                                          g_variant_new("(ss)", name, property), &error);
+        return answer ? TextHandle{g_variant_print(answer.get(), FALSE)}.get() : "";
+    }
+    bool awaitProperty(const char* which, const std::string& value) {
+        return await([&] { return property(which) == value || !isRunning(); }) && isRunning();
+    }
+    bool run(const char* method) {
+        std::string error;
+        call(bus.get(), name, object, name, method, nullptr, &error);
+        return error.empty();
+    }
+    void quit() {
+        EXPECT_TRUE(run("Quit")) << "the call was not answered";
+        EXPECT_TRUE(await([&] { return !isRunning(); })) << "it does not end";
+        EXPECT_EQ(status, 0);
+    }
+
+    TemporaryFolder folder;
+    const fs::path settings = folder.path / "marvelode-timer/settings";
+    ObjectHandle<GDBusConnection> bus = connectToSession();
+    pid_t process = 0;
+    int status = -1;
+};
+
+TEST_F(MainTest, AFileThatCannotBeReadAtTheStartIsNoFirstRunAndLosesNoSetting) {
+    fs::create_directory(settings); // unreadable even for root
+    start();
+    EXPECT_EQ(property("Popups"), "(<true>,)") << "no reminder is lost meanwhile";
+    fs::remove(settings);
+    folder.write("marvelode-timer/settings", "[Settings]\nVersion='0.9'\nPopupAlerts=false\nAutoRestart=false\n");
+    EXPECT_TRUE(awaitProperty("Popups", "(<false>,)"));
+    quit();
+    EXPECT_NE(contentOf(settings).find("PopupAlerts=false\nAutoRestart=false\n"), std::string::npos)
+        << contentOf(settings);
+}
+
+TEST_F(MainTest, ARepairedFileThatIsPutBackKeepsItsSettings) {
+    folder.write("marvelode-timer/settings", "[Settings\n");
+    start();
+    EXPECT_EQ(property("Popups"), "(<true>,)");
+    folder.write("marvelode-timer/settings", "[Settings]\nVersion='0.9'\nPopupAlerts=false\n");
+    EXPECT_TRUE(awaitProperty("Popups", "(<false>,)"));
+    quit();
+    EXPECT_NE(contentOf(settings).find("PopupAlerts=false\n"), std::string::npos) << contentOf(settings);
+}
+
+TEST_F(MainTest, ItOutlivesItsTerminalIfItWasToldSo) {
+    start([] { std::signal(SIGHUP, SIG_IGN); });
+    kill(process, SIGHUP);
+    EXPECT_TRUE(run("ToggleMute"));
+    EXPECT_EQ(property("Muted"), "(<true>,)");
+    quit();
+}
+
+TEST_F(MainTest, ItEndsWithItsTerminalOtherwise) {
+    start();
+    kill(process, SIGHUP);
+    EXPECT_TRUE(await([&] { return !isRunning(); }));
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(MainTest, ItsMessagesGoNowhereWhereItHasNoStandardDescriptors) {
+    fs::create_directory(settings); // which it complains of
+    start([] {
+        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            close(descriptor);
+        }
+    });
+    EXPECT_TRUE(run("ToggleMute"));
+    for (const char* descriptor : {"0", "1", "2"}) {
+        EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(process) + "/fd/" + descriptor), "/dev/null");
+    }
+    quit();
+}
+
+TEST_F(MainTest, ItCanBeStartedByTheDynamicLoader) {
+    if (models::isSanitized) {
+        GTEST_SKIP() << "sanitizers need the usual start";
+    }
+    Dl_info loader{};
+    ASSERT_NE(dladdr(reinterpret_cast<const void*>(getauxval(AT_BASE)), &loader), 0);
+    start({loader.dli_fname, PROGRAM, "-TimerInterval", "1500"});
+    EXPECT_EQ(property("Text"), "(<'25m'>,)");
+    quit();
+}
+
+TEST_F(MainTest, RemovingThePackageCostsNoReminder) {
+    const fs::path program = folder.path / "usr/bin/marvelode-timer";
+    fs::create_directories(program.parent_path());
+    fs::copy_file(PROGRAM, program);
+    fs::copy(fs::path{PROGRAM}.parent_path().parent_path() / "share", folder.path / "usr/share",
+             fs::copy_options::recursive);
+    folder.write("marvelode-timer/settings", "[Settings]\nVersion='1.0.0'\nMute=true\n"); // and no popups
+    start({program, "-TimerInterval", "2"});
+    fs::remove_all(folder.path / "usr");
+    EXPECT_TRUE(awaitProperty("State", "(<'Reminding'>,)"));
+    quit();
+}
+
+TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
+    if (models::isSanitized) {
+        GTEST_SKIP() << "sanitizers want to be preloaded alone";
+    }
+    g_setenv("LD_PRELOAD", FEW_THREADS, TRUE);
+    start();
+    g_unsetenv("LD_PRELOAD");
+    quit();
+}
+
+} // namespace
+} // namespace platform::linux

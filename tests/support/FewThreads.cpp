@@ -1,0 +1,15 @@
+// Preloaded into a program, lets it start the two threads that every program on D-Bus has, and no other.
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
+
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
+                              void* data) {
+    static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    constexpr int most = 2;
+    static std::atomic<int> started{0};
+    return ++started > most ? EAGAIN : real(thread, attributes, run, data);
+}
