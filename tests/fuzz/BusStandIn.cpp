@@ -7,6 +7,8 @@
 #include <list>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 
 using platform::linux::VariantHandle;
 
@@ -18,15 +20,59 @@ struct _GDBusMethodInvocation { // NOLINT(*-reserved-identifier, bugprone-*): GL
 
 namespace {
 
+/// Something that is exported, with the functions that answer for it.
 struct Exported {
     const GDBusInterfaceInfo* interface;
     const GDBusInterfaceVTable* functions;
     gpointer self;
 };
 
+struct Subscription {
+    std::string signal;
+    GDBusSignalCallback heard;
+    gpointer self;
+};
+
+struct Watch {
+    GBusNameAppearedCallback appeared;
+    GBusNameVanishedCallback vanished;
+    gpointer self;
+};
+
+/// A call by the program that waits for its answer.
+struct OwnCall {
+    platform::linux::TextHandle answerType; ///< Null for any.
+    platform::linux::ObjectHandle<GCancellable> cancellable;
+    GAsyncReadyCallback answered;
+    gpointer self;
+};
+
 std::map<guint, Exported> exported;
+std::map<guint, Subscription> subscriptions;
+std::map<guint, Watch> watches;
 std::list<_GDBusMethodInvocation> calls;
+std::list<OwnCall> ownCalls;
 guint lastNumber = 0;
+
+/// The tuple that `text` stands for, of that type unless it is null; null if there is none.
+VariantHandle tupleIn(std::string_view text, const char* type = nullptr) {
+    if (!platform::isUtf8(text)) {
+        return nullptr;
+    }
+    VariantHandle tuple{g_variant_parse(type ? G_VARIANT_TYPE(type) : nullptr, text.data(),
+                                        text.data() + text.size(), nullptr, nullptr)};
+    return tuple && g_variant_is_of_type(tuple.get(), G_VARIANT_TYPE_TUPLE) ? std::move(tuple) : nullptr;
+}
+
+/// Calls `function` with each of the values, of which it may add and remove some.
+void forEach(const auto& values, auto function) {
+    const auto copy = values;
+    for (const auto& [number, value] : copy) {
+        if (values.contains(number)) {
+            function(value);
+        }
+    }
+}
 
 /// The type of a tuple of `arguments`.
 std::string typeOf(GDBusArgInfo* const* arguments) {
@@ -50,6 +96,48 @@ void answer(GDBusMethodInvocation* call, fuzz::Answer answer, GVariant* value = 
     call->answer = answer;
 }
 
+fuzz::Answer call(const std::string& name, std::string_view text) {
+    for (const auto& [number, object] : exported) {
+        const GDBusMethodInfo* const method =
+            g_dbus_interface_info_lookup_method(const_cast<GDBusInterfaceInfo*>(object.interface), name.c_str());
+        const VariantHandle arguments = method ? tupleIn(text, typeOf(method->in_args).c_str()) : nullptr;
+        if (arguments) {
+            GDBusMethodInvocation& invocation = calls.emplace_back(_GDBusMethodInvocation{method});
+            object.functions->method_call(fuzz::bus(), ":1.1", "/", object.interface->name, method->name,
+                                          arguments.get(), &invocation, object.self);
+            return invocation.answer;
+        }
+    }
+    return fuzz::Answer::None;
+}
+
+void hear(std::string_view signal, std::string_view text) {
+    if (const VariantHandle arguments = tupleIn(text)) {
+        forEach(subscriptions, [&](const Subscription& each) {
+            if (each.signal == signal) {
+                each.heard(fuzz::bus(), ":1.1", "/", "interface", each.signal.c_str(), arguments.get(), each.self);
+            }
+        });
+    }
+}
+
+/// What the caller finds under the name of a result: the answer, and whether the call was given up.
+struct OwnAnswer {
+    VariantHandle value;
+    bool isCancelled;
+};
+
+void answerOwnCall(std::string_view text) {
+    if (ownCalls.empty()) {
+        return;
+    }
+    const OwnCall call = std::move(ownCalls.front());
+    ownCalls.pop_front();
+    OwnAnswer answer{tupleIn(text, call.answerType.get()),
+                     g_cancellable_is_cancelled(call.cancellable.get()) != FALSE};
+    call.answered(G_OBJECT(fuzz::bus()), reinterpret_cast<GAsyncResult*>(&answer), call.self);
+}
+
 } // namespace
 
 GDBusConnection* fuzz::bus() {
@@ -57,28 +145,24 @@ GDBusConnection* fuzz::bus() {
     return connection;
 }
 
-fuzz::Answer fuzz::call(std::string_view line) {
+fuzz::Answer fuzz::happen(std::string_view line) {
     const auto [name, text] = cut(line, " ");
-    for (const auto& [number, object] : exported) {
-        const GDBusMethodInfo* const method = g_dbus_interface_info_lookup_method(
-            const_cast<GDBusInterfaceInfo*>(object.interface), std::string{name}.c_str());
-        if (!method) {
-            continue;
-        }
-        const VariantHandle arguments{
-            !platform::isUtf8(text) ? nullptr
-                                    : g_variant_parse(G_VARIANT_TYPE(typeOf(method->in_args).c_str()), text.data(),
-                                                      text.data() + text.size(), nullptr, nullptr)};
-        if (!arguments) {
-            continue;
-        }
-        GDBusMethodInvocation& invocation = calls.emplace_back(_GDBusMethodInvocation{method});
-        object.functions->method_call(bus(), ":1.1", "/", object.interface->name, method->name, arguments.get(),
-                                      &invocation, object.self);
-        return invocation.answer;
+    if (name == "signal") {
+        const auto [signal, arguments] = cut(text, " ");
+        hear(signal, arguments);
+    } else if (name == "answer") {
+        answerOwnCall(text);
+    } else if (name == "appears") {
+        forEach(watches, [](const Watch& watch) { watch.appeared(bus(), "name", ":1.1", watch.self); });
+    } else if (name == "vanishes") {
+        forEach(watches, [](const Watch& watch) { watch.vanished(bus(), "name", watch.self); });
+    } else {
+        return call(std::string{name}, text);
     }
     return Answer::None;
 }
+
+std::size_t fuzz::unansweredCalls() { return ownCalls.size(); }
 
 void fuzz::readProperties() {
     for (const auto& [number, object] : exported) {
@@ -122,6 +206,49 @@ gboolean g_dbus_connection_emit_signal(GDBusConnection*, const char*, const char
     }
     return TRUE;
 }
+
+guint g_dbus_connection_signal_subscribe(GDBusConnection*, const char*, const char*, const char* signal,
+                                         const char*, const char*, GDBusSignalFlags, GDBusSignalCallback heard,
+                                         gpointer self, GDestroyNotify) {
+    subscriptions[++lastNumber] = {signal, heard, self};
+    return lastNumber;
+}
+
+void g_dbus_connection_signal_unsubscribe(GDBusConnection*, guint number) { subscriptions.erase(number); }
+
+guint g_bus_watch_name_on_connection(GDBusConnection*, const char*, GBusNameWatcherFlags,
+                                     GBusNameAppearedCallback appeared, GBusNameVanishedCallback vanished,
+                                     gpointer self, GDestroyNotify) {
+    watches[++lastNumber] = {appeared, vanished, self};
+    return lastNumber;
+}
+
+void g_bus_unwatch_name(guint number) { watches.erase(number); }
+
+void g_dbus_connection_call(GDBusConnection*, const char*, const char*, const char*, const char*,
+                            GVariant* arguments, const GVariantType* answerType, GDBusCallFlags, int,
+                            GCancellable* cancellable, GAsyncReadyCallback answered, gpointer self) {
+    const VariantHandle kept = platform::linux::owned(arguments);
+    fuzz::require(!kept || g_variant_is_of_type(kept.get(), G_VARIANT_TYPE_TUPLE),
+                  "a call has a tuple of arguments");
+    if (answered) {
+        platform::linux::TextHandle type{answerType ? g_variant_type_dup_string(answerType) : nullptr};
+        ownCalls.push_back({std::move(type), platform::linux::shared(cancellable), answered, self});
+    }
+}
+
+GVariant* g_dbus_connection_call_finish(GDBusConnection*, GAsyncResult* result, GError** error) {
+    auto& answer = *reinterpret_cast<OwnAnswer*>(result);
+    if (answer.isCancelled || !answer.value) {
+        g_set_error_literal(error, G_IO_ERROR, answer.isCancelled ? G_IO_ERROR_CANCELLED : G_IO_ERROR_FAILED, "no");
+        return nullptr;
+    }
+    return answer.value.release();
+}
+
+const char* g_dbus_connection_get_unique_name(GDBusConnection*) { return ":1.2"; }
+
+gboolean g_dbus_connection_flush_sync(GDBusConnection*, GCancellable*, GError**) { return TRUE; }
 
 void g_dbus_method_invocation_return_value(GDBusMethodInvocation* call, GVariant* value) {
     answer(call, fuzz::Answer::Value, value);

@@ -1,28 +1,38 @@
 #pragma once
 
-// Stands for a bus in targets that link it: what is exported on `bus()` is called by `call` here, in GLib's place.
-// It holds the answers to what the interfaces declare.
+// Stands for a bus in targets that link it: what is exported on `bus()` is called by `happen` here, in GLib's
+// place, and what is called, watched and subscribed to on it hears what the input says. It holds the program to
+// what its interfaces declare.
 
 #include <gio/gio.h>
 
+#include <cstddef>
 #include <string_view>
 
 namespace fuzz {
 
-/// A connection to export objects on. It leads nowhere, and belongs to this stand-in.
+/// A connection to put objects on. It leads nowhere, and belongs to this stand-in.
 GDBusConnection* bus();
 
-/// What has become of a call.
+/// What has become of a call to the program.
 enum class Answer { None, Value, Error };
 
-/// Calls the method that a line such as "Event (1, 'clicked', <0>, 7)" names, on the interface that declares it. A
-/// line that is no call of a method exported gives `None`, as does a call that waits for its answer.
-Answer call(std::string_view line);
+/// Lets happen what a line of the input says; a line that makes no sense is passed over.
+///
+///     Event (1, 'clicked', <0>, uint32 7)    a method that is exported is called; its answer is returned
+///     signal ActionInvoked (uint32 1, 'x')   the subscribers to the signal hear it
+///     answer (uint32 1,)                     the oldest call by the program is answered, by an error if the type
+///     is wrong appears                                the watchers of names learn that these have an owner
+///     vanishes                               and that they have none
+Answer happen(std::string_view line);
 
 /// Reads every property of every interface that is exported.
 void readProperties();
 
-/// Ends the run if a call still waits, and forgets those before.
+/// Ends the run if a call to the program still waits, and forgets those before.
 void requireThatAllAreAnswered();
+
+/// How many calls by the program are not answered yet.
+std::size_t unansweredCalls();
 
 } // namespace fuzz

@@ -35,7 +35,7 @@ struct CountingMenu {
 
 void checkCall(std::string_view line, CountingMenu& menu, Deeds& posted) {
     menu.picks = 0;
-    const fuzz::Answer answer = fuzz::call(line);
+    const fuzz::Answer answer = fuzz::happen(line);
     const Deeds deeds = std::exchange(posted, {});
     require(deeds.empty() || line.starts_with("Event"), "only events pick entries");
     require(answer != fuzz::Answer::Error || deeds.empty(), "what is refused does nothing");

@@ -54,7 +54,7 @@ private:
 
 void checkCall(Timer& timer, std::string_view line) {
     const int menusBefore = timer.menusShown;
-    const fuzz::Answer answer = fuzz::call(line);
+    const fuzz::Answer answer = fuzz::happen(line);
     const std::size_t picked = timer.settle();
     const std::string token = timer.token.take();
     const bool isMenuShown = timer.menusShown != menusBefore;

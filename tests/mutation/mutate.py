@@ -10,7 +10,6 @@ makes them fail, crash or take far longer than usual is caught; one that does no
 """
 
 import argparse
-import json
 import os
 import random
 import shutil
@@ -25,13 +24,15 @@ from pathlib import Path
 from faults import faults_in
 
 CHECKOUT = Path(__file__).resolve().parents[2]
-LABELS = ["components", "stories", "linux", "window", "sound", "contract", "fuzz", "models"]  # in this order
-LONGEST_BUILD = 3600  # seconds, of all
+# The folders of the suites, in the order in which they are asked.
+FOLDERS = ["components", "stories", "linux", "contract", "fuzz", "models"]
+LONGEST_BUILD = 3600  # seconds, of all that a file is tested by
 LONGEST_STEP = 300  # of what one fault touches
+COMPILER = "compiler"
 
 
 def run(command, limit, **options):
-    """The status of a command; None if it takes longer than the limit in seconds, and is killed with all it started."""
+    """The status of a command; None if it takes longer than the limit in seconds. What it started ends with it."""
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                           start_new_session=True, **options) as process:
         try:
@@ -39,37 +40,37 @@ def run(command, limit, **options):
         except subprocess.TimeoutExpired:
             return None
         finally:
-            try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
+            for number in (signal.SIGTERM, signal.SIGKILL):  # Ninja ends its compilers only if it is asked to end
+                try:
+                    os.killpg(process.pid, number)
+                    process.wait(5)
+                except (ProcessLookupError, subprocess.TimeoutExpired):
+                    pass
 
 
 class Suite:
     """A test program, run as a whole."""
 
-    def __init__(self, label, command, environment):
-        self.label = label
-        self.name = Path(command[0]).name
-        self.program = Path(command[0])
-        self.command = [part for part in command if not part.startswith("--gtest_filter")]
-        self.environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1",
-                                **dict(setting.split("=", 1) for setting in environment))
-        self.limit = 300.0
+    def __init__(self, program, arguments=()):
+        self.program = program
+        self.command = [program, *arguments]
+        self.limit = None
 
     def passes(self):
-        return run(self.command, self.limit, env=self.environment, cwd=self.program.parent) == 0
+        environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1")
+        return run(self.command, self.limit or LONGEST_STEP, env=environment, cwd=self.program.parent) == 0
 
     def measure(self):
-        """Runs without a fault, and allows for as much time as a busy machine might make of that."""
-        begin = time.monotonic()
-        if not self.passes() and not self.passes():
-            sys.exit(f"{self.name} fails without any fault")
-        self.limit = 20 + 5 * (time.monotonic() - begin)
+        """Runs without a fault, the first time, and allows for as much time as a busy machine might make of that."""
+        if self.limit is None:
+            begin = time.monotonic()
+            if not self.passes() and not self.passes():
+                sys.exit(f"{self.program.name} fails without any fault")
+            self.limit = 20 + 5 * (time.monotonic() - begin)
 
 
 class Copy:
-    """A copy of the checkout, built."""
+    """A copy of the checkout, of which as much is built as is needed."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -83,38 +84,45 @@ class Copy:
         subprocess.run(["cmake", "-S", folder, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", "--log-level=ERROR"],
                        check=True, stdout=subprocess.DEVNULL)
-        if self.make([], LONGEST_BUILD) != 0:
-            sys.exit("the checkout does not build")
-        self.suites = self._suites()
-        for suite in self.suites:
-            suite.measure()
-
-    def make(self, targets, limit=LONGEST_STEP):
-        return run(["cmake", "--build", self.build, "--", "--quiet", *targets], limit)
+        self.suites = list(self._suites())
 
     def _suites(self):
-        known = json.loads(subprocess.check_output(["ctest", "--test-dir", self.build, "--show-only=json-v1"]))
-        suites = {}
-        for test in known["tests"]:
-            properties = {each["name"]: each["value"] for each in test["properties"]}
-            label = next((label for label in LABELS if label in properties.get("LABELS", [])), None)
-            if label and "desktop" not in properties["LABELS"] and test["command"][0].startswith(str(self.build)):
-                suites.setdefault(test["command"][0],
-                                  Suite(label, test["command"], properties.get("ENVIRONMENT", [])))
-        return sorted(suites.values(), key=lambda suite: (LABELS.index(suite.label), suite.name))
+        for folder in FOLDERS:
+            tests = self.build / "tests" / folder
+            for script in sorted(tests.rglob("*[[]1[]]_include.cmake")):  # CTest's, one for each program
+                yield Suite(script.with_name(script.name.removesuffix("[1]_include.cmake")))
+            for seeds in sorted((self.folder / "tests" / folder).glob("seeds/*")):
+                yield Suite(tests / f"fuzz_{seeds.name}", [seeds])
 
-    def what_catches(self, name, source, fault):
+    def make(self, suites, limit):
+        return run(["ninja", "-C", self.build, "--quiet",
+                    *(suite.program.relative_to(self.build) for suite in suites)], limit)
+
+    def suites_of(self, name):
+        """The suites that the file of that name is linked into, built and known to pass."""
+        def is_linked(suite):
+            inputs = subprocess.check_output(["ninja", "-C", self.build, "-t", "inputs",
+                                              suite.program.relative_to(self.build)]).decode()
+            return name in inputs
+
+        suites = [suite for suite in self.suites if is_linked(suite)]
+        if self.make(suites, LONGEST_BUILD) != 0:
+            sys.exit("the checkout does not build")
+        for suite in suites:
+            suite.measure()
+        return suites
+
+    def what_catches(self, name, source, fault, suites):
         """The name of the suite that notices the fault in the file of that name; None for none."""
         lines = source.split("\n")
         lines[fault.number - 1] = fault.after
-        begin = time.time()
         try:
             (self.folder / name).write_text("\n".join(lines))
-            if self.make([str(suite.program.relative_to(self.build)) for suite in self.suites]) != 0:
-                return "compiler"
-            for suite in self.suites:
-                if suite.program.stat().st_mtime >= begin and not suite.passes():
-                    return suite.name
+            for suite in suites:
+                if self.make([suite], LONGEST_STEP) != 0:
+                    return COMPILER
+                if not suite.passes():
+                    return suite.program.name
             return None
         finally:
             (self.folder / name).write_text(source)
@@ -123,14 +131,15 @@ class Copy:
 def try_file(copy, name, picked):
     """Prints what becomes of the faults in one file."""
     source = (copy.folder / name).read_text()
+    suites = copy.suites_of(name)
     catchers, survivors = Counter(), []
     for fault in picked(faults_in(source)):
-        catcher = copy.what_catches(name, source, fault)
+        catcher = copy.what_catches(name, source, fault, suites)
         catchers[catcher] += 1
         if catcher is None:
             survivors.append(fault)
             print(f"{name}:{fault}", flush=True)
-    not_compiled = catchers.pop("compiler", 0)
+    not_compiled = catchers.pop(COMPILER, 0)
     total = sum(catchers.values())
     caught = total - len(survivors)
     print(f"{name}: {caught} of {total} caught ({100 * caught / max(total, 1):.1f} %), {not_compiled} did not compile;"
@@ -150,6 +159,7 @@ def main():
         count = min(len(faults), options.most or len(faults), round(len(faults) * options.share / 100))
         return sorted(random.Random(options.seed).sample(faults, count), key=lambda fault: fault.number)
 
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended"))  # by way of all that cleans up
     with tempfile.TemporaryDirectory(prefix="marvelode-mutation-") as folder:
         copy = Copy(Path(folder))
         results = [try_file(copy, str(file.resolve().relative_to(CHECKOUT)), picked) for file in options.files]
