@@ -69,6 +69,19 @@ void keepMemorySmall() {
     mallopt(M_TOP_PAD, large);
 }
 
+/// Prints what GLib is about to end the program for, as when memory runs out. GLib's own way takes a lock that it
+/// may hold already, and would wait for itself for ever.
+void printFatalErrorsAtOnce() {
+    const auto print = [](const char* domain, GLogLevelFlags level, const char* message, gpointer) {
+        if ((static_cast<unsigned>(level) & static_cast<unsigned>(G_LOG_LEVEL_ERROR)) != 0) {
+            std::fprintf(stderr, "marvelode-timer: %s\n", message ? message : "out of memory");
+        } else {
+            g_log_default_handler(domain, level, message, nullptr);
+        }
+    };
+    g_log_set_default_handler(print, nullptr);
+}
+
 bool isReminding() { return marvelode::app->state == marvelode::App::State::Reminding; }
 
 /// What holds while the settings cannot be read: it is no first run, and reminders come as in one.
@@ -120,6 +133,7 @@ int main(int argc, char** argv) {
     }
     turnOffPools(argv);
     keepMemorySmall();
+    printFatalErrorsAtOnce();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
     ErrorSlot error;
     const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, error.out())};

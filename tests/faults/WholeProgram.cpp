@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 
 #include <csignal>
-#include <new>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -33,7 +33,7 @@ FaultPlan* mapPlan(const fs::path& path) {
     EXPECT_EQ(ftruncate(file, sizeof(FaultPlan)), 0);
     void* memory = mmap(nullptr, sizeof(FaultPlan), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     close(file);
-    return new (memory) FaultPlan{};
+    return std::construct_at(static_cast<FaultPlan*>(memory));
 }
 
 } // namespace
@@ -54,7 +54,11 @@ WholeProgram::WholeProgram()
 }
 
 WholeProgram::~WholeProgram() {
-    kill();
+    if (isRunning()) {
+        g_source_remove(_end);
+        ::kill(_process, SIGKILL);
+        waitpid(_process, nullptr, 0);
+    }
     munmap(_plan, sizeof(FaultPlan));
 }
 
