@@ -29,8 +29,8 @@ struct Exported {
 
 struct Subscription {
     std::string signal;
-    GDBusSignalCallback heard;
-    gpointer self;
+    GDBusSignalCallback heard = nullptr;
+    gpointer self = nullptr;
 };
 
 struct Watch {
@@ -65,12 +65,12 @@ VariantHandle tupleIn(std::string_view text, const char* type = nullptr) {
 }
 
 /// Calls `function` with each of the values, of which it may add and remove some.
-void forEach(const auto& values, auto function) {
-    const auto copy = values;
-    for (const auto& [number, value] : copy) {
-        if (values.contains(number)) {
-            function(value);
-        }
+template <typename Value, typename Function>
+void forEach(const std::map<guint, Value>& values, Function function) {
+    for (auto each = values.begin(); each != values.end();) {
+        const auto [number, value] = *each;
+        function(value);
+        each = values.upper_bound(number);
     }
 }
 

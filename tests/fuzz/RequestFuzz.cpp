@@ -35,7 +35,7 @@ public:
 
 private:
     struct Expected {
-        Event::Kind kind;
+        Event::Kind kind = Event::Kind::Closed;
         std::optional<ControlValue> value;
     };
 

@@ -14,7 +14,7 @@ namespace {
 /// GLib's opinion, asked for the pieces between zero bytes, which GLib takes for the ends of texts.
 bool isUtf8ForGlib(std::string_view bytes) {
     while (!bytes.empty()) {
-        const fuzz::Parts parts = fuzz::cut(bytes, std::string_view{"", 1});
+        const fuzz::Parts parts = fuzz::cut(bytes, std::string_view{"\0", 1});
         if (!g_utf8_validate(parts.first.data(), static_cast<gssize>(parts.first.size()), nullptr)) {
             return false;
         }
