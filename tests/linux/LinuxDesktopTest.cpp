@@ -1,12 +1,19 @@
 #include "platform/linux/LinuxDesktop.hpp"
 
+#include "platform/NSAlert.hpp"
+#include "platform/NSStatusItem.hpp"
 #include "platform/Timer.hpp"
+#include "tests/support/BusSignals.hpp"
 #include "tests/support/PrivateBuses.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace platform::linux {
 namespace {
@@ -18,9 +25,16 @@ protected:
             seconds, [](const auto&) {}, {}, false);
     }
 
+    /// Whose program for windows shows none, and ends in a moment.
+    static std::filesystem::path folderOfHelpers(const TemporaryFolder& folder) {
+        const auto program = folder.write("marvelode-timer-window", "#!/bin/sh\nsleep 0.2\n");
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return folder.path;
+    }
+
     TemporaryFolder folder;
     ObjectHandle<GDBusConnection> bus = connectToSession();
-    LinuxDesktop desktop{bus.get(), {folder.path, folder.path, folder.path / "settings"}, {}};
+    LinuxDesktop desktop{bus.get(), {folder.path, folderOfHelpers(folder), folder.path / "settings"}, {}};
 };
 
 TEST_F(LinuxDesktopTest, CountsToTheBreakByTheTimerThatWillFire) {
@@ -42,6 +56,28 @@ TEST_F(LinuxDesktopTest, CountsABreakThatIsDueFromItsOwnMomentWhateverASnoozeAdd
     EXPECT_LT(desktop.secondsUntilBreak().value(), 0);
     isDue = false;
     EXPECT_NEAR(desktop.secondsUntilBreak().value(), 60, 5) << "the next interval has begun";
+}
+
+TEST_F(LinuxDesktopTest, AnnouncesTheMenuAsEnabledAgainWhenAnAlertHasClosed) {
+    const auto menu = std::make_shared<NSMenu>();
+    menu->addItem(std::make_shared<NSMenuItem>(
+        "Ask", [](NSMenuItem&) { NSAlert{}.runModal(); }, ""));
+    const auto item = NSStatusBar::system().statusItemWithLength(50);
+    item->setMenu(menu);
+    const auto panel = connectToSession();
+    BusSignals signals{panel.get(), bus.get(), "com.canonical.dbusmenu"};
+    desktop.pick("Ask");
+    const auto entry = [](const char* isEnabled) {
+        return std::string{"ItemsPropertiesUpdated([(1, {'label': <'Ask'>, 'enabled': <"} + isEnabled + ">})], [])";
+    };
+    std::vector<std::string> seen;
+    EXPECT_TRUE(runLoopUntil([&] {
+        for (std::string& each : signals.take()) {
+            seen.push_back(std::move(each));
+        }
+        return seen.size() >= 2;
+    }));
+    EXPECT_EQ(seen, (std::vector<std::string>{entry("false"), entry("true")}));
 }
 
 } // namespace

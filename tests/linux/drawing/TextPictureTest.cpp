@@ -87,5 +87,59 @@ TEST(TextPicture, LeavesOutWhatItCannotDraw) {
               drawTextPicture(22, "9m", std::nullopt, 1).pixels);
 }
 
+/// A square with a column of solid blue at its left and nothing beside it.
+Picture blueColumn(int size) {
+    Picture icon{size, size};
+    for (int y = 0; y < size; ++y) {
+        icon.at(0, y) = 0xFF0000FFU;
+    }
+    return icon;
+}
+
+TEST(WidePicture, IsAsHighAsTheIconAndTwiceAsWide) {
+    for (const int size : panelSizes) {
+        const Picture picture = drawTextBesideIcon(blueColumn(size), "9m", std::nullopt);
+        EXPECT_EQ(picture.height, size);
+        EXPECT_NEAR(picture.width, 2.08 * size, 2);
+        EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(picture.width * picture.height));
+    }
+}
+
+TEST(WidePicture, HasTheIconAtItsLeftAndTheTextAtItsRight) {
+    constexpr int margin = 2;
+    const Picture picture = drawTextBesideIcon(blueColumn(24), "9m", NSColor::red);
+    EXPECT_EQ(picture.at(margin, 12) & 0xFFFFFFU, 0x0000FFU);
+    const auto redIn = [&](int from, int to) {
+        int count = 0;
+        for (int x = from; x < to; ++x) {
+            for (int y = 0; y < picture.height; ++y) {
+                count += isRed(picture.at(x, y));
+            }
+        }
+        return count;
+    };
+    EXPECT_GT(redIn(24, picture.width), 24);
+    EXPECT_EQ(redIn(0, 24), 0);
+    EXPECT_EQ(redIn(picture.width - margin, picture.width), 0) << "the text keeps off the edge";
+}
+
+TEST(WidePicture, DiffersForEveryText) {
+    std::set<std::vector<std::uint32_t>> pictures;
+    for (int number = 0; number <= 61; ++number) {
+        pictures.insert(drawTextBesideIcon(blueColumn(22), std::to_string(number) + "m", std::nullopt).pixels);
+    }
+    EXPECT_EQ(pictures.size(), 62U);
+}
+
+TEST(ColouredIcon, IsAsTransparentAsBeforeAndMostlyInThatColour) {
+    Picture icon{2, 1};
+    icon.pixels = {0xFF808080U, 0x00808080U};
+    const Picture red = inColour(icon, NSColor::red);
+    EXPECT_EQ(part(red.pixels[0], 24), 255U);
+    EXPECT_GT(part(red.pixels[0], 16), 220U);
+    EXPECT_LT(part(red.pixels[0], 0), 80U);
+    EXPECT_EQ(part(red.pixels[1], 24), 0U);
+}
+
 } // namespace
 } // namespace platform::linux
