@@ -21,6 +21,10 @@ public:
         takeName(_bus.get(), "org.kde.StatusNotifierWatcher");
     }
 
+    ~TrayWatcher() { g_dbus_connection_close_sync(_bus.get(), nullptr, nullptr); }
+    TrayWatcher(const TrayWatcher&) = delete;
+    TrayWatcher& operator=(const TrayWatcher&) = delete;
+
     void getReady() {
         _interface.emplace(
             _bus.get(), "/StatusNotifierWatcher",

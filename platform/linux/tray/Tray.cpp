@@ -13,6 +13,7 @@ constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
 constexpr std::chrono::seconds firstRetryDelay{3};
 constexpr std::chrono::seconds longestRetryDelay{60};
+constexpr std::chrono::seconds pauseBetweenQuestions{1};
 
 std::string processName(unsigned identifier) {
     std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
@@ -79,6 +80,7 @@ void Tray::watcherVanished() {
     _registration.cancel();
     _nextRegistration.cancel();
     _panelQuestion.cancel();
+    _nextPanelQuestion.cancel();
     _isRegistered = false;
     setPresence(false);
 }
@@ -107,9 +109,12 @@ void Tray::registrationFailed(std::string_view reason) {
     _retryDelay = std::min(2 * _retryDelay, longestRetryDelay);
 }
 
-/// A panel has registered with the watcher or left it.
+/// A panel has registered with the watcher or left it. However often they do, there is one question at a time, and
+/// one in a second.
 void Tray::panelsChanged() {
-    if (_isRegistered) {
+    if (_panelQuestion.isPending()) {
+        _isAnswerOutdated = true;
+    } else if (_isRegistered && !_nextPanelQuestion.isPending()) {
         askForPanel();
     } else if (_nextRegistration.isPending()) {
         registerItem();
@@ -118,16 +123,13 @@ void Tray::panelsChanged() {
 
 /// The watcher may run without any panel that shows what it collects. One that does not tell is taken to have one.
 void Tray::askForPanel() {
-    _isAnswerOutdated = _panelQuestion.isPending();
-    if (_isAnswerOutdated) {
-        return; // one question at a time, however often panels come and go
-    }
+    _isAnswerOutdated = false;
     const BusMethod question{watcher, watcherPath, "org.freedesktop.DBus.Properties", "Get"};
     _panelQuestion.start(_bus.get(), question, g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"),
                          "(v)", [this](const VariantHandle& answer, const ErrorSlot&) {
                              setPresence(!deniesPanel(answer));
                              if (_isAnswerOutdated) {
-                                 askForPanel();
+                                 _nextPanelQuestion.start(pauseBetweenQuestions, [this] { askForPanel(); });
                              }
                          });
 }

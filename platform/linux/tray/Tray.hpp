@@ -47,6 +47,7 @@ private:
     DelayedCall _nextRegistration; ///< Pending while the watcher has not taken the item.
     std::chrono::seconds _retryDelay{};
     BusCall _panelQuestion;
+    DelayedCall _nextPanelQuestion;
     bool _isRegistered = false;
     bool _isAnswerOutdated = false; ///< Of the question that is under way.
     std::optional<bool> _isPresent;
