@@ -39,6 +39,8 @@ public:
         g_dbus_connection_emit_signal(_bus.get(), nullptr, object, name, "ActionInvoked", arguments, nullptr);
     }
 
+    GDBusConnection* bus() const { return _bus.get(); }
+
     std::map<std::uint32_t, Message> onScreen;
     std::vector<std::uint32_t> closings;
     int shows = 0;

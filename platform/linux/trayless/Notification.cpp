@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* service = "org.freedesktop.Notifications";
 constexpr const char* object = "/org/freedesktop/Notifications";
+constexpr std::chrono::milliseconds timeToStartTheService{120'000};
 
 } // namespace
 
@@ -50,6 +51,12 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
         return g_dbus_connection_signal_subscribe(sessionBus, service, service, signal, object, nullptr,
                                                   G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
     };
+    // The next service begins to number anew.
+    const auto ownerChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                                 gpointer self) { static_cast<Notification*>(self)->_id = 0; };
+    _ownerSubscription = g_dbus_connection_signal_subscribe(
+        sessionBus, "org.freedesktop.DBus", "org.freedesktop.DBus", "NameOwnerChanged", "/org/freedesktop/DBus",
+        service, G_DBUS_SIGNAL_FLAGS_NONE, ownerChanged, this, nullptr);
     _actionSubscription = subscribe("ActionInvoked", userActed);
     _tokenSubscription = subscribe("ActivationToken", userActed);
     _closedSubscription = subscribe("NotificationClosed", closed);
@@ -63,12 +70,21 @@ Notification::~Notification() {
     g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _actionSubscription);
     g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _tokenSubscription);
     g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _closedSubscription);
+    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _ownerSubscription);
 }
 
 void Notification::show(const std::string& summary, const std::string& body, const std::vector<Action>& actions) {
+    _wanted = {summary, body, actions};
+    _isOutdated = _showing.isPending(); // its number has to be known before it can be replaced
+    if (!_isOutdated) {
+        send();
+    }
+}
+
+void Notification::send() {
     GVariantBuilder keysAndLabels;
     g_variant_builder_init(&keysAndLabels, G_VARIANT_TYPE("as"));
-    for (const Action& action : actions) {
+    for (const Action& action : _wanted->actions) {
         g_variant_builder_add(&keysAndLabels, "s", action.key.c_str());
         g_variant_builder_add(&keysAndLabels, "s", action.label.c_str());
     }
@@ -76,23 +92,28 @@ void Notification::show(const std::string& summary, const std::string& body, con
     g_variant_builder_init(&hints, G_VARIANT_TYPE("a{sv}"));
     g_variant_builder_add(&hints, "{sv}", "desktop-entry", g_variant_new_string("org.marvelode.Timer"));
     constexpr int untilTheDesktopDecides = -1;
-    _isWanted = true;
     GVariant* const message =
-        g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer", summary.c_str(),
-                      body.c_str(), &keysAndLabels, &hints, untilTheDesktopDecides);
-    _showing.start(_sessionBus.get(), {service, object, service, "Notify", true}, message, "(u)",
-                   [this](const VariantHandle& answer, const ErrorSlot&) {
-                       if (answer) {
-                           g_variant_get(answer.get(), "(u)", &_id);
-                       }
-                       if (!_isWanted) {
-                           withdraw();
-                       }
-                   });
+        g_variant_new("(susssasa{sv}i)", "Marvelode Timer", _id, "org.marvelode.Timer", _wanted->summary.c_str(),
+                      _wanted->body.c_str(), &keysAndLabels, &hints, untilTheDesktopDecides);
+    _isOutdated = false;
+    _showing.start(
+        _sessionBus.get(), {service, object, service, "Notify", true}, message, "(u)",
+        [this](const VariantHandle& answer, const ErrorSlot&) { sent(answer); }, timeToStartTheService);
+}
+
+void Notification::sent(const VariantHandle& answer) {
+    if (answer) {
+        g_variant_get(answer.get(), "(u)", &_id);
+    }
+    if (!_wanted) {
+        withdraw();
+    } else if (_isOutdated) {
+        send();
+    }
 }
 
 void Notification::withdraw() {
-    _isWanted = false; // should its number not be known yet, it goes as soon as that comes
+    _wanted.reset(); // if its number is not known yet, it is withdrawn as soon as that comes
     if (_id == 0) {
         return;
     }

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,15 @@ public:
     void withdraw();
 
 private:
+    struct Message {
+        std::string summary;
+        std::string body;
+        std::vector<Action> actions;
+    };
+
+    void send();
+    void sent(const VariantHandle& answer);
+
     ObjectHandle<GDBusConnection> _sessionBus;
     std::function<void(std::string_view)> _chosen;
     ActivationToken& _activationToken;
@@ -44,8 +54,10 @@ private:
     unsigned _actionSubscription;
     unsigned _tokenSubscription;
     unsigned _closedSubscription;
+    unsigned _ownerSubscription;
     std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
-    bool _isWanted = false;
+    std::optional<Message> _wanted;
+    bool _isOutdated = false; ///< What is on its way to the screen.
 };
 
 } // namespace platform::linux

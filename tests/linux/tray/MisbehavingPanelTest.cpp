@@ -10,7 +10,6 @@
 #include "tests/support/TrayWatcher.hpp"
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <array>
 #include <chrono>
@@ -112,20 +111,6 @@ TEST_P(MisbehavingPanel, ShowsTheItemOnceItBehaves) {
     EXPECT_TRUE(comesAbout([&] { return isPresent == true && !window.isOpen; }));
     runLoopFor(100ms);
     EXPECT_TRUE(isPresent == true && !window.isOpen) << "and it stays so";
-}
-
-TEST_P(MisbehavingPanel, CostsNoMemory) {
-    misbehave(Interference::always);
-    start();
-    EXPECT_TRUE(comesAbout([&] { return isPresent.has_value() || window.isOpen; }));
-    if (std::get<Misbehaviour>(GetParam()) == Misbehaviour::Dies) {
-        watcher.emplace();
-    }
-    const std::size_t before = mallinfo2().uordblks;
-    floodWithPanels(watcher->bus());
-    call(watcher->bus(), g_dbus_connection_get_unique_name(bus.get()), "/", "org.freedesktop.DBus.Peer", "Ping",
-         nullptr); // whose answer comes behind the flood
-    EXPECT_TRUE(runLoopUntil([&] { return mallinfo2().uordblks < before + 200'000; }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, MisbehavingPanel,

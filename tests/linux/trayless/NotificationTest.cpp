@@ -105,6 +105,28 @@ TEST_F(NotificationTest, IsWithdrawnEvenBeforeItsNumberIsKnown) {
     EXPECT_TRUE(runLoopUntil([&] { return daemon->onScreen.empty(); }));
 }
 
+TEST_F(NotificationTest, IsShownOnceIfItIsWithdrawnAndShownAgainBeforeItsNumberIsKnown) {
+    show("First");
+    notification->withdraw();
+    show("Second");
+    ASSERT_TRUE(runLoopUntil([&] { return daemon->shows == 2; }));
+    settle();
+    ASSERT_EQ(daemon->onScreen.size(), 1U);
+    EXPECT_EQ(daemon->onScreen.at(number()).summary, "Second");
+}
+
+TEST_F(NotificationTest, TouchesNoMessageOfAServiceThatCameLater) {
+    show();
+    ASSERT_TRUE(runLoopUntil([&] { return daemon->shows == 1; }));
+    settle();
+    daemon.reset();
+    daemon.emplace();
+    settle();
+    notification->withdraw();
+    settle();
+    EXPECT_THAT(daemon->closings, IsEmpty()) << "that number is of another program's message";
+}
+
 TEST_F(NotificationTest, GoesWithItsOwner) {
     show();
     ASSERT_TRUE(runLoopUntil([&] { return daemon->shows == 1; }));
