@@ -1,6 +1,7 @@
 #include "platform/View.hpp"
 
 #include "platform/Fatal.hpp"
+#include "platform/Overloaded.hpp"
 
 #include <charconv>
 
@@ -93,11 +94,20 @@ void View::appear() const {
             onAppear->action();
         }
     }
-    if (const auto* stack = std::get_if<node::Stack>(&node)) {
-        for (const View& child : stack->children) {
-            child.appear();
-        }
-    }
+    std::visit(Overloaded{
+                   [](const node::Text&) {},
+                   [](const node::Image&) {},
+                   [](const node::TextField&) {},
+                   [](const node::Toggle&) {},
+                   [](const node::Picker&) {},
+                   [](const node::Button&) {},
+                   [](const node::Stack& stack) {
+                       for (const View& child : stack.children) {
+                           child.appear();
+                       }
+                   },
+               },
+               node);
 }
 
 View Text(const std::string& markdown) { return View{node::Text{runsOf(markdown)}, {}}; }

@@ -1,5 +1,6 @@
 #include "platform/linux/window/Protocol.hpp"
 
+#include "platform/Overloaded.hpp"
 #include "platform/linux/window/Values.hpp"
 
 #include <algorithm>
@@ -10,34 +11,47 @@ namespace {
 
 constexpr std::array eventKinds{"noDisplay", "shown", "changed", "pressed", "submitted", "closed"};
 
+std::vector<const Node*> controlsIn(const node::Stack& stack) {
+    std::vector<const Node*> controls;
+    for (const View& child : stack.children) {
+        const auto inside = linux::controlsIn(child);
+        controls.insert(controls.end(), inside.begin(), inside.end());
+    }
+    return controls;
+}
+
 } // namespace
 
 std::vector<const Node*> controlsIn(const View& view) {
-    if (const auto* stack = std::get_if<node::Stack>(&view.node)) {
-        std::vector<const Node*> controls;
-        for (const View& child : stack->children) {
-            const auto inside = controlsIn(child);
-            controls.insert(controls.end(), inside.begin(), inside.end());
-        }
-        return controls;
-    }
-    const bool takesNoInput =
-        std::holds_alternative<node::Text>(view.node) || std::holds_alternative<node::Image>(view.node);
-    return takesNoInput ? std::vector<const Node*>{} : std::vector{&view.node};
+    using Controls = std::vector<const Node*>;
+    return std::visit(Overloaded{
+                          [](const node::Text&) { return Controls{}; },
+                          [](const node::Image&) { return Controls{}; },
+                          [&](const node::TextField&) { return Controls{&view.node}; },
+                          [&](const node::Toggle&) { return Controls{&view.node}; },
+                          [&](const node::Picker&) { return Controls{&view.node}; },
+                          [&](const node::Button&) { return Controls{&view.node}; },
+                          [](const node::Stack& stack) { return controlsIn(stack); },
+                      },
+                      view.node);
 }
 
 std::vector<ControlValue> valuesOf(const View& view) {
     std::vector<ControlValue> values;
     for (const Node* control : controlsIn(view)) {
-        if (const auto* field = std::get_if<node::TextField>(control)) {
-            values.emplace_back(field->value.get());
-        } else if (const auto* toggle = std::get_if<node::Toggle>(control)) {
-            values.emplace_back(toggle->isOn.get());
-        } else if (const auto* picker = std::get_if<node::Picker>(control)) {
-            values.emplace_back(static_cast<std::int64_t>(picker->selection.get()));
-        } else {
-            values.emplace_back(false);
-        }
+        values.push_back(
+            std::visit(Overloaded{
+                           [](const node::Text&) -> ControlValue { return false; },
+                           [](const node::Image&) -> ControlValue { return false; },
+                           [](const node::TextField& field) -> ControlValue { return field.value.get(); },
+                           [](const node::Toggle& toggle) -> ControlValue { return toggle.isOn.get(); },
+                           [](const node::Picker& picker) -> ControlValue {
+                               return static_cast<std::int64_t>(picker.selection.get());
+                           },
+                           [](const node::Button&) -> ControlValue { return false; },
+                           [](const node::Stack&) -> ControlValue { return false; },
+                       },
+                       *control));
     }
     return values;
 }

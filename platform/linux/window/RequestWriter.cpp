@@ -1,7 +1,8 @@
-// How requests are written. The functions that encode a part give floating references, which the enclosing variant
-// takes over.
+// How requests are written. The functions that encode a part return floating references, which belong to the
+// enclosing variant.
 
 #include "platform/Overloaded.hpp"
+#include "platform/linux/window/Kinds.hpp"
 #include "platform/linux/window/Protocol.hpp"
 #include "platform/linux/window/Values.hpp"
 
@@ -30,32 +31,31 @@ gint32 ordinal(Enumeration value) {
     return static_cast<gint32>(value);
 }
 
+/// A view or a modifier of that kind, about which `content` is said.
+template <typename Kind>
+GVariant* named(const Kind&, GVariant* content) {
+    return g_variant_new("(sv)", wireName(KindOf<Kind>{}), content);
+}
+
 GVariant* encodeModifier(const Modifier& modifier) {
     return std::visit(
         Overloaded{
             [](const modifier::Frame& frame) {
-                return g_variant_new("(sv)", "frame",
-                                     g_variant_new("(@md@mdi)", encodeNumber(frame.width),
-                                                   encodeNumber(frame.height), ordinal(frame.alignment)));
+                return named(frame, g_variant_new("(@md@mdi)", encodeNumber(frame.width),
+                                                  encodeNumber(frame.height), ordinal(frame.alignment)));
             },
             [](const modifier::Padding& padding) {
-                return g_variant_new("(sv)", "padding",
-                                     g_variant_new("(i@md)", ordinal(padding.edges), encodeNumber(padding.length)));
+                return named(padding,
+                             g_variant_new("(i@md)", ordinal(padding.edges), encodeNumber(padding.length)));
             },
-            [](const modifier::FontStyle& style) {
-                return g_variant_new("(sv)", "font", g_variant_new_int32(ordinal(style.font)));
-            },
+            [](const modifier::FontStyle& style) { return named(style, g_variant_new_int32(ordinal(style.font))); },
             [](const modifier::Disabled& disabled) {
-                return g_variant_new("(sv)", "disabled", g_variant_new_boolean(disabled.isDisabled));
+                return named(disabled, g_variant_new_boolean(disabled.isDisabled));
             },
-            [](const modifier::Focusable&) {
-                return g_variant_new("(sv)", "focusable", g_variant_new_boolean(TRUE));
-            },
-            [](const modifier::FixedSize&) {
-                return g_variant_new("(sv)", "fixedSize", g_variant_new_boolean(TRUE));
-            },
+            [](const modifier::Focusable& focusable) { return named(focusable, g_variant_new_boolean(TRUE)); },
+            [](const modifier::FixedSize& fixed) { return named(fixed, g_variant_new_boolean(TRUE)); },
             [](const modifier::Shortcut& shortcut) {
-                return g_variant_new("(sv)", "shortcut", g_variant_new_int32(ordinal(shortcut.key)));
+                return named(shortcut, g_variant_new_int32(ordinal(shortcut.key)));
             },
             [](const modifier::OnAppear&) { // an action, which the resident program has run already
                 return static_cast<GVariant*>(nullptr);
@@ -76,29 +76,24 @@ GVariant* encodeNode(const Node& node) {
                     g_variant_builder_add(&runs, "(sms)", run.string.c_str(),
                                           run.link ? run.link->c_str() : nullptr);
                 }
-                return g_variant_new("(sv)", "text", g_variant_builder_end(&runs));
+                return named(text, g_variant_builder_end(&runs));
             },
             [](const node::Image& image) {
-                return g_variant_new("(sv)", "image",
-                                     g_variant_new("(^aydd)", image.image.url.c_str(), image.image.size.width,
-                                                   image.image.size.height));
+                return named(image, g_variant_new("(^aydd)", image.image.url.c_str(), image.image.size.width,
+                                                  image.image.size.height));
             },
             [](const node::TextField& field) {
-                return g_variant_new("(sv)", "textField",
-                                     g_variant_new("(sx)", field.placeholder.c_str(), gint64{field.value.get()}));
+                return named(field, g_variant_new("(sx)", field.placeholder.c_str(), gint64{field.value.get()}));
             },
             [](const node::Toggle& toggle) {
-                return g_variant_new("(sv)", "toggle",
-                                     g_variant_new("(sb)", toggle.title.c_str(), gboolean{toggle.isOn.get()}));
+                return named(toggle, g_variant_new("(sb)", toggle.title.c_str(), gboolean{toggle.isOn.get()}));
             },
             [](const node::Picker& picker) {
-                return g_variant_new("(sv)", "picker",
-                                     g_variant_new("(s@asx)", picker.title.c_str(), encodeTexts(picker.items),
+                return named(picker, g_variant_new("(s@asx)", picker.title.c_str(), encodeTexts(picker.items),
                                                    static_cast<gint64>(picker.selection.get())));
             },
             [](const node::Button& button) {
-                return g_variant_new("(sv)", "button",
-                                     g_variant_new("(sd)", button.label.c_str(), button.labelPadding));
+                return named(button, g_variant_new("(sd)", button.label.c_str(), button.labelPadding));
             },
             [](const node::Stack& stack) {
                 GVariantBuilder children;
@@ -106,9 +101,8 @@ GVariant* encodeNode(const Node& node) {
                 for (const View& child : stack.children) {
                     g_variant_builder_add(&children, "v", encodeView(child));
                 }
-                return g_variant_new("(sv)", "stack",
-                                     g_variant_new("(ii@av)", ordinal(stack.axis), ordinal(stack.alignment),
-                                                   g_variant_builder_end(&children)));
+                return named(stack, g_variant_new("(ii@av)", ordinal(stack.axis), ordinal(stack.alignment),
+                                                  g_variant_builder_end(&children)));
             },
         },
         node);

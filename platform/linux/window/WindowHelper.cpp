@@ -10,7 +10,7 @@
 namespace platform::linux {
 namespace {
 
-/// Ticks the alert's check box as the user did. Gives false if the event tells nothing of the kind.
+/// Ticks the alert's check box as the user did. Returns false if the event tells nothing of the kind.
 bool tick(NSAlert& alert, const Event& event) {
     const bool* isTicked = event.value ? std::get_if<bool>(&*event.value) : nullptr;
     NSSuppressionButton* checkBox = alert.suppressionButton();
@@ -22,54 +22,49 @@ bool tick(NSAlert& alert, const Event& event) {
     return true;
 }
 
-/// Does what a change by the user does to a control, if the value is one that the control can take.
-class Change {
+/// Does to a control what the user did to it in the window. Returns false if that makes no sense.
+class Deed {
 public:
-    explicit Change(ControlValue value)
-        : _value{value} {}
+    explicit Deed(const Event& event)
+        : _event{event} {}
 
+    bool operator()(const node::Text&) const { return false; }
+    bool operator()(const node::Image&) const { return false; }
+    bool operator()(const node::Stack&) const { return false; }
     bool operator()(const node::TextField& field) const {
-        const auto* number = std::get_if<std::int64_t>(&_value);
-        return number && (field.value.set(*number), true);
+        const auto* number = changedTo<std::int64_t>();
+        if (number) {
+            field.value.set(*number);
+        } else if (_event.kind == Event::Kind::Submitted && field.onSubmit) {
+            field.onSubmit();
+        }
+        return number || _event.kind == Event::Kind::Submitted;
     }
     bool operator()(const node::Toggle& toggle) const {
-        const auto* isOn = std::get_if<bool>(&_value);
+        const auto* isOn = changedTo<bool>();
         return isOn && (toggle.isOn.set(*isOn), true);
     }
     bool operator()(const node::Picker& picker) const {
-        const auto* index = std::get_if<std::int64_t>(&_value);
+        const auto* index = changedTo<std::int64_t>();
         const bool isItem = index && *index >= 0 && static_cast<std::size_t>(*index) < picker.items.size();
         return isItem && (picker.select(static_cast<std::size_t>(*index)), true);
     }
-    bool operator()(const auto& /* takes no value */) const { return false; }
+    bool operator()(const node::Button& button) const {
+        return _event.kind == Event::Kind::Pressed && (button.action(), true);
+    }
 
 private:
-    ControlValue _value;
+    template <typename Value>
+    const Value* changedTo() const {
+        return _event.value ? std::get_if<Value>(&*_event.value) : nullptr;
+    }
+
+    Event _event;
 };
 
-/// Does to the view's control what the user did to it in the window. Gives false if that makes no sense.
 bool apply(const Event& event, const View& content) {
     const auto controls = controlsIn(content);
-    if (event.control >= controls.size()) {
-        return false;
-    }
-    const Node& control = *controls[event.control];
-    if (event.kind == Event::Kind::Changed) {
-        return std::visit(Change{*event.value}, control);
-    }
-    const auto* button = std::get_if<node::Button>(&control);
-    const auto* field = std::get_if<node::TextField>(&control);
-    if (event.kind == Event::Kind::Pressed && button) {
-        button->action();
-        return true;
-    }
-    if (event.kind == Event::Kind::Submitted && field) {
-        if (field->onSubmit) {
-            field->onSubmit();
-        }
-        return true;
-    }
-    return false;
+    return event.control < controls.size() && std::visit(Deed{event}, *controls[event.control]);
 }
 
 } // namespace

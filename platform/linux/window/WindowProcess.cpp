@@ -35,7 +35,7 @@ using Packet = std::array<char, longestEvent>;
 
 std::string messageOf(int error) { return std::generic_category().message(error); }
 
-/// GTK 3 reads the older of the two.
+/// The names that newer and older toolkits read.
 std::vector<std::string> variablesFor(const std::string& activationToken) {
     if (activationToken.empty()) {
         return {};

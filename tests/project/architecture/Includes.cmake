@@ -1,6 +1,7 @@
 # Fails if a component or a platform type includes what it must not: components know the platform types, one another and
 # the language's library without its clocks, files and threads, and are compiled alike everywhere; platform types know no
-# operating system. Run as: cmake -D FOLDER=<the project's folder> -P Includes.cmake
+# operating system; and the toolkit is included by the program that shows windows alone. Run as:
+# cmake -D FOLDER=<the project's folder> -P Includes.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -45,6 +46,20 @@ foreach(file IN LISTS files)
             report(${file} "${line}")
         endif()
     endforeach()
+endforeach()
+
+# The toolkit is known to the program that shows windows and to nothing else.
+set(toolkit_folder platform/linux/window/helper)
+file(GLOB_RECURSE files RELATIVE ${FOLDER} ${FOLDER}/platform/*.hpp ${FOLDER}/platform/*.cpp ${FOLDER}/tests/*.cpp)
+foreach(file IN LISTS files)
+    if(NOT file MATCHES "^${toolkit_folder}/")
+        read_directives(${FOLDER}/${file})
+        foreach(line IN LISTS lines)
+            if(line MATCHES "<(gtk|gdk|gtk-layer-shell|pango|cairo|atk)[-/.]")
+                report(${file} "${line}")
+            endif()
+        endforeach()
+    endif()
 endforeach()
 
 if(NOT seen)

@@ -1,9 +1,9 @@
 #include "platform/linux/window/helper/Content.hpp"
 
 #include "platform/Overloaded.hpp"
+#include "platform/linux/window/helper/Labels.hpp"
 #include "platform/linux/window/helper/Pictures.hpp"
 
-#include <algorithm>
 #include <cmath>
 
 namespace platform::linux {
@@ -49,75 +49,16 @@ GtkWidget* padded(GtkWidget* widget, const modifier::Padding& padding) {
     return box;
 }
 
-std::string markupOf(const node::Text& text) {
-    std::string markup;
-    for (const node::TextRun& run : text.runs) {
-        const auto escaped = [](const std::string& plain) {
-            const std::unique_ptr<gchar, decltype(&g_free)> markedUp{
-                g_markup_escape_text(plain.c_str(), static_cast<gssize>(plain.size())), g_free};
-            return std::string{markedUp.get()};
-        };
-        markup += run.link ? "<a href=\"" + escaped(*run.link) + "\">" + escaped(run.string) + "</a>"
-                           : escaped(run.string);
-    }
-    return markup;
-}
-
-void setFont(GtkWidget* label, Font font) {
-    PangoAttrList* attributes = pango_attr_list_new();
-    if (font == Font::Title2) {
-        pango_attr_list_insert(attributes, pango_attr_scale_new(1.3));
-        pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
-    } else if (font == Font::Caption) {
-        pango_attr_list_insert(attributes, pango_attr_scale_new(PANGO_SCALE_SMALL));
-        gtk_style_context_add_class(gtk_widget_get_style_context(label), GTK_STYLE_CLASS_DIM_LABEL);
-    }
-    gtk_label_set_attributes(GTK_LABEL(label), attributes);
-    pango_attr_list_unref(attributes);
-}
-
-std::string plain(const node::Text& text) {
-    std::string whole;
-    for (const node::TextRun& run : text.runs) {
-        whole += run.string;
-    }
-    return whole;
-}
-
-/// Whether two views are drawn alike, but for their texts and values and whether they take input.
-bool isAlike(const View& one, const View& other) {
-    const auto isSameKind = [](const Modifier& left, const Modifier& right) {
-        return left.index() == right.index();
-    };
-    return std::equal(one.modifiers.begin(), one.modifiers.end(), other.modifiers.begin(), other.modifiers.end(),
-                      isSameKind) &&
-           std::visit(
-               Overloaded{
-                   [](const node::Text&, const node::Text&) { return true; },
-                   [](const node::Image& left, const node::Image& right) { return left.image == right.image; },
-                   [](const node::TextField& left, const node::TextField& right) {
-                       return left.placeholder == right.placeholder;
-                   },
-                   [](const node::Toggle& left, const node::Toggle& right) { return left.title == right.title; },
-                   [](const node::Picker& left, const node::Picker& right) {
-                       return left.title == right.title && left.items == right.items;
-                   },
-                   [](const node::Button& left, const node::Button& right) { return left.label == right.label; },
-                   [](const node::Stack& left, const node::Stack& right) {
-                       return left.axis == right.axis && left.children.size() == right.children.size();
-                   },
-                   [](const auto&, const auto&) { return false; },
-               },
-               one.node, other.node);
-}
-
 /// Whether a control has no text of its own, so that the text before it is its name.
 bool isNameless(const Node& node) {
     return std::visit(Overloaded{
                           [](const node::TextField&) { return true; },
                           [](const node::Toggle& toggle) { return toggle.title.empty(); },
                           [](const node::Picker& picker) { return picker.title.empty(); },
-                          [](const auto&) { return false; },
+                          [](const node::Text&) { return false; },
+                          [](const node::Image&) { return false; },
+                          [](const node::Button&) { return false; },
+                          [](const node::Stack&) { return false; },
                       },
                       node);
 }
@@ -129,71 +70,15 @@ Content::Content(const View& view)
     _root = build(view, Font::Body).outer;
 }
 
-void Content::Field::show() {
-    shown = node->text();
-    gtk_entry_set_text(entry, shown.c_str());
-}
-
-void Content::commitEdits() {
-    for (const auto& field : _fields) {
-        if (field->isEdited()) {
-            field->node->commit(field->text());
-            field->show();
-        }
-    }
-}
-
-void Content::refresh() {
-    for (const auto& field : _fields) {
-        if (!field->isEdited() && field->shown != field->node->text()) {
-            field->show();
-        }
-    }
-    for (const auto& refresher : _refreshers) {
-        refresher();
-    }
-}
-
-bool Content::follow(const View& fresh) {
-    auto widget = _widgets.cbegin();
-    return follow(_view, fresh, widget);
-}
-
-bool Content::follow(const View& before, const View& fresh, std::vector<GtkWidget*>::const_iterator& widget) {
-    if (!isAlike(before, fresh)) {
-        return false;
-    }
-    if (const auto* stack = std::get_if<node::Stack>(&fresh.node)) {
-        const auto* child = std::get<node::Stack>(before.node).children.data();
-        for (const View& freshChild : stack->children) {
-            if (!follow(*child++, freshChild, widget)) {
-                return false;
-            }
-        }
-    }
-    GtkWidget* inner = *widget++;
-    if (const auto* text = std::get_if<node::Text>(&fresh.node);
-        text && plain(*text) != gtk_label_get_text(GTK_LABEL(inner))) {
-        if (gtk_label_get_mnemonic_widget(GTK_LABEL(inner))) {
-            return false; // names a control
-        }
-        gtk_label_set_markup(GTK_LABEL(inner), markupOf(*text).c_str());
-    }
-    if (const auto* disabled = fresh.last<modifier::Disabled>()) {
-        gtk_widget_set_sensitive(inner, !disabled->isDisabled);
-    }
-    return true;
-}
-
 Content::Widgets Content::build(const View& view, Font font) {
     if (const auto* style = view.last<modifier::FontStyle>()) {
         font = style->font;
     }
     GtkWidget* inner = std::visit(Overloaded{
-                                      [&](const node::Text& text) { return build(text, font); },
+                                      [&](const node::Text& text) { return label(text, font); },
                                       [&](const node::Image& image) { return build(image, view); },
                                       [&](const node::Stack& stack) { return build(stack, font); },
-                                      [&](const auto& control) { return build(control); },
+                                      [&](const auto& control) { return build(control); }, // one for each kind
                                   },
                                   view.node);
     _widgets.push_back(inner);
@@ -202,17 +87,6 @@ Content::Widgets Content::build(const View& view, Font font) {
         outer = modified(outer, inner, modifier);
     }
     return {outer, inner};
-}
-
-GtkWidget* Content::build(const node::Text& text, Font font) {
-    GtkWidget* label = gtk_label_new(nullptr);
-    gtk_label_set_markup(GTK_LABEL(label), markupOf(text).c_str());
-    setFont(label, font);
-    // GTK colours links when it lays a text out, and lays it out anew with new attributes only
-    connect(label, "state-flags-changed", [label](GtkStateFlags) {
-        gtk_label_set_attributes(GTK_LABEL(label), gtk_label_get_attributes(GTK_LABEL(label)));
-    });
-    return label;
 }
 
 GtkWidget* Content::build(const node::Image& image, const View& view) {

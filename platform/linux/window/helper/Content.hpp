@@ -34,8 +34,8 @@ public:
     /// Shows what the controls are bound to, except where the user is typing.
     void refresh();
 
-    /// Shows the texts of `fresh`, and takes input where it does, with the widgets that are there. Gives false, and
-    /// is of no use any more, if they cannot be those of `fresh`.
+    /// Shows the texts of `fresh`, and takes input where it does, with the widgets that are there. Returns false,
+    /// and is of no use any more, if they cannot be those of `fresh`.
     bool follow(const View& fresh);
 
 private:
@@ -57,9 +57,10 @@ private:
     };
 
     bool follow(const View& before, const View& fresh, std::vector<GtkWidget*>::const_iterator& widget);
+    bool follow(const node::Stack& before, const node::Stack& fresh,
+                std::vector<GtkWidget*>::const_iterator& widget);
 
     Widgets build(const View& view, Font font);
-    GtkWidget* build(const node::Text& text, Font font);
     GtkWidget* build(const node::Image& image, const View& view);
     GtkWidget* build(const node::TextField& node);
     GtkWidget* build(const node::Toggle& node);
@@ -70,7 +71,7 @@ private:
     GtkWidget* framed(GtkWidget* widget, const modifier::Frame& frame);
     GtkWidget* modified(GtkWidget* widget, GtkWidget* inner, const Modifier& modifier);
 
-    /// Lets `label` name the widget beside it, for assistive technology and for the keyboard.
+    /// Names the widget by the label beside it, for assistive technology and for the keyboard.
     void name(GtkWidget* widget, GtkWidget* label);
 
     struct Unreference {

@@ -1,14 +1,12 @@
 #include "platform/linux/window/helper/TopLevel.hpp"
 
-#include "platform/linux/window/helper/Pictures.hpp"
+#include "platform/linux/window/helper/Layers.hpp"
 
-#include <gtk-layer-shell.h>
 #ifdef GDK_WINDOWING_X11
 #include <gdk/gdkx.h>
 #endif
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,45 +14,6 @@ namespace platform::linux {
 namespace {
 
 constexpr guint keylessMilliseconds = 500;
-
-/// Round corners and shadows need a compositor; without one, a thin line sets the window off.
-constexpr const char* appearance = R"(
-    window.csd:not(.solid-csd), window.csd:not(.solid-csd) decoration { border-radius: 12px; }
-    window.solid-csd decoration { padding: 1px; border: none; box-shadow: none; background-color: @borders; }
-    window .alert { margin: 24px; }
-    window .alert checkbutton { margin-left: -4px; }
-    window .alert button { min-width: 76px; }
-    window .panel { margin: 24px 14px 14px 14px; }
-)";
-
-bool isOnX11() {
-#ifdef GDK_WINDOWING_X11
-    return GDK_IS_X11_DISPLAY(gdk_display_get_default());
-#else
-    return false;
-#endif
-}
-
-/// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself: GNOME's,
-/// which is that of all desktops on Wayland, where GTK takes its other settings from the same place.
-bool prefersDark() {
-    const gchar* desktop = g_getenv("XDG_CURRENT_DESKTOP");
-    const bool isGnome = desktop && std::string_view{desktop}.find("GNOME") != std::string_view::npos;
-    if (!isGnome && isOnX11()) {
-        return false;
-    }
-    constexpr const char* schemaId = "org.gnome.desktop.interface";
-    const std::unique_ptr<GSettingsSchema, decltype(&g_settings_schema_unref)> schema{
-        g_settings_schema_source_lookup(g_settings_schema_source_get_default(), schemaId, TRUE),
-        g_settings_schema_unref};
-    if (!schema || !g_settings_schema_has_key(schema.get(), "color-scheme")) {
-        return false;
-    }
-    const std::unique_ptr<GSettings, decltype(&g_object_unref)> settings{g_settings_new(schemaId), g_object_unref};
-    const std::unique_ptr<gchar, decltype(&g_free)> scheme{g_settings_get_string(settings.get(), "color-scheme"),
-                                                           g_free};
-    return std::string_view{scheme.get()} == "prefer-dark";
-}
 
 GdkMonitor* monitorOfPointer(GdkDisplay* display) {
     gint x = 0;
@@ -82,36 +41,9 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     return controls;
 }
 
-/// Gives a window in a layer all keys or none; a click alone does not move the keyboard there.
-void setHasKeyboard(GtkWindow* window, bool hasKeyboard) {
-    gtk_layer_set_keyboard_mode(window, hasKeyboard ? GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE
-                                                    : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
-}
-
-/// Puts a window in a layer above all others, with the keyboard, or below one that is there. That takes two layers:
-/// compositors disagree about which of two windows in one is the upper.
-void setIsInFront(GtkWindow* window, bool isInFront) {
-    if (gtk_layer_is_layer_window(window)) {
-        gtk_layer_set_layer(window, isInFront ? GTK_LAYER_SHELL_LAYER_OVERLAY : GTK_LAYER_SHELL_LAYER_TOP);
-        setHasKeyboard(window, isInFront);
-    }
-}
-
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
 
 } // namespace
-
-void setUpAppearance() {
-    if (prefersDark()) {
-        g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", TRUE, nullptr);
-    }
-    const std::unique_ptr<GtkCssProvider, decltype(&g_object_unref)> provider{gtk_css_provider_new(),
-                                                                              g_object_unref};
-    gtk_css_provider_load_from_data(provider.get(), appearance, -1, nullptr);
-    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider.get()),
-                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    gtk_window_set_default_icon_name(applicationId);
-}
 
 TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<void()> shown,
                    std::function<void()> wantsToClose)
@@ -135,9 +67,15 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
         _wantsToClose();
         return GDK_EVENT_STOP;
     });
-    connect(_window, "map-event", [this, shown = std::move(shown)](GdkEvent*) -> gboolean {
+    connect(_window, "map-event", [this](GdkEvent*) -> gboolean {
         ignoreKeysFromNow();
-        shown();
+        return GDK_EVENT_PROPAGATE;
+    });
+    // on Wayland a window counts as mapped before the compositor knows it; it is drawn when that has answered
+    connect(_window, "draw", [shown = std::move(shown), wasShown = false](cairo_t*) mutable -> gboolean {
+        if (!std::exchange(wasShown, true)) {
+            shown();
+        }
         return GDK_EVENT_PROPAGATE;
     });
     connect(_window, "key-press-event", [this](GdkEventKey* event) { return keyPressed(*event); });
@@ -155,7 +93,7 @@ TopLevel::~TopLevel() {
 }
 
 void TopLevel::moveByBackground() {
-    if (gtk_layer_is_layer_window(_window)) {
+    if (isInLayer(_window)) {
         return; // those stay where the compositor puts them
     }
     gtk_widget_add_events(GTK_WIDGET(_window), GDK_BUTTON_PRESS_MASK);
@@ -171,12 +109,7 @@ void TopLevel::moveByBackground() {
 
 void TopLevel::appearEverywhere() {
     gtk_window_stick(_window);
-    if (gtk_layer_is_supported()) {
-        gtk_layer_init_for_window(_window);
-        gtk_layer_set_namespace(_window, "marvelode-timer");
-        gtk_window_set_decorated(_window, TRUE); // with shadow and corners, as anywhere else
-        setIsInFront(_window, true);
-    }
+    putInLayer(_window);
     if (GtkWindow* below = gtk_window_get_transient_for(_window)) {
         setIsInFront(below, false);
     }
@@ -184,7 +117,7 @@ void TopLevel::appearEverywhere() {
 
 void TopLevel::ignoreEarlyKeys() {
     _ignoresEarlyKeys = true;
-    if (!gtk_layer_is_layer_window(_window)) {
+    if (!isInLayer(_window)) {
         return;
     }
     setHasKeyboard(_window, false);
@@ -199,7 +132,7 @@ void TopLevel::ignoreEarlyKeys() {
 }
 
 void TopLevel::shareTheKeyboard() {
-    if (!gtk_layer_is_layer_window(_window)) {
+    if (!isInLayer(_window)) {
         return;
     }
     gtk_widget_add_events(GTK_WIDGET(_window), GDK_LEAVE_NOTIFY_MASK);

@@ -67,7 +67,4 @@ private:
     unsigned _takesKeyboard = 0; ///< A source while a window in a layer leaves the keyboard to others.
 };
 
-/// Lets this program's windows look as they should; call once, after GTK was initialised.
-void setUpAppearance();
-
 } // namespace platform::linux

@@ -1,8 +1,9 @@
 #include "platform/linux/window/helper/Windows.hpp"
 
+#include "platform/Overloaded.hpp"
+#include "platform/linux/window/helper/AlertPicture.hpp"
 #include "platform/linux/window/helper/Content.hpp"
 #include "platform/linux/window/helper/Mnemonics.hpp"
-#include "platform/linux/window/helper/Pictures.hpp"
 
 #include <algorithm>
 #include <string>
@@ -11,7 +12,6 @@
 namespace platform::linux {
 namespace {
 
-constexpr int alertPictureHeight = 64;
 constexpr const char* alertTitle = "Marvelode Timer";
 
 GtkWidget* textLabel(const std::string& text) {
@@ -30,13 +30,6 @@ GtkWidget* messageLabel(const std::string& text) {
     gtk_label_set_attributes(GTK_LABEL(label), attributes);
     pango_attr_list_unref(attributes);
     return label;
-}
-
-GtkWidget* alertPicture(const AlertRequest& request) {
-    GtkWidget* icon = request.alert.icon ? nullptr : applicationIcon(alertPictureHeight);
-    GtkWidget* image = icon ? icon : picture(request.picture, alertPictureHeight);
-    gtk_widget_set_valign(image, GTK_ALIGN_START);
-    return image;
 }
 
 } // namespace
@@ -216,26 +209,30 @@ GtkWindow* Windows::topmost() const { return _windows.empty() ? nullptr : _windo
 
 void Windows::handle(Request request) {
     const auto named = [this](std::uint32_t number) {
-        return std::find_if(_windows.begin(), _windows.end(),
-                            [&](const auto& window) { return window->number == number; });
+        const auto found = std::find_if(_windows.begin(), _windows.end(),
+                                        [&](const auto& window) { return window->number == number; });
+        return found == _windows.end() ? nullptr : found->get();
     };
-    if (const auto* alert = std::get_if<AlertRequest>(&request)) {
-        _windows.push_back(std::make_unique<Alert>(*alert, topmost(), _tell));
-    } else if (auto* panel = std::get_if<PanelRequest>(&request)) {
-        if (const auto window = named(panel->window); window != _windows.end()) {
-            (*window)->show(std::move(*panel));
-        } else {
-            _windows.push_back(std::make_unique<Panel>(std::move(*panel), topmost(), _tell));
-        }
-    } else if (auto* values = std::get_if<ValuesRequest>(&request)) {
-        if (const auto window = named(values->window); window != _windows.end()) {
-            (*window)->show(std::move(values->values));
-        }
-    } else if (const auto* closed = std::get_if<CloseRequest>(&request)) {
-        if (const auto window = named(closed->window); window != _windows.end()) {
-            _windows.erase(window);
-        }
-    }
+    std::visit(
+        Overloaded{
+            [&](AlertRequest& alert) { _windows.push_back(std::make_unique<Alert>(alert, topmost(), _tell)); },
+            [&](PanelRequest& panel) {
+                if (Window* shown = named(panel.window)) {
+                    shown->show(std::move(panel));
+                } else {
+                    _windows.push_back(std::make_unique<Panel>(std::move(panel), topmost(), _tell));
+                }
+            },
+            [&](ValuesRequest& fresh) {
+                if (Window* shown = named(fresh.window)) {
+                    shown->show(std::move(fresh.values));
+                }
+            },
+            [&](CloseRequest& closed) {
+                std::erase_if(_windows, [&](const auto& window) { return window->number == closed.window; });
+            },
+        },
+        request);
 }
 
 } // namespace platform::linux

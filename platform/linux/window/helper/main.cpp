@@ -2,11 +2,12 @@
 // what to show, and is told there what the user does. It ends with the last window, or with the resident program.
 
 #include "platform/linux/window/Protocol.hpp"
+#include "platform/linux/window/helper/Appearance.hpp"
 #include "platform/linux/window/helper/Pictures.hpp"
-#include "platform/linux/window/helper/TopLevel.hpp"
 #include "platform/linux/window/helper/Windows.hpp"
 
 #include <glib-unix.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -33,7 +34,43 @@ void tell(const Event& event) {
          MSG_NOSIGNAL); // its end is noticed where requests are read
 }
 
-/// Reads one request and does it. Gives whether there may be more.
+/// Changes a variable of the environment until this object is destroyed. What is started from a window, such as a
+/// browser, finds what the user had.
+class VariableForNow {
+public:
+    /// Unsets the variable if `value` is null.
+    VariableForNow(const char* name, const char* value)
+        : _name{name} {
+        if (const char* before = g_getenv(name)) {
+            _before = before;
+        }
+        set(value);
+    }
+    ~VariableForNow() { set(_before ? _before->c_str() : nullptr); }
+    VariableForNow(const VariableForNow&) = delete;
+    VariableForNow& operator=(const VariableForNow&) = delete;
+
+private:
+    void set(const char* value) const {
+        if (value) {
+            g_setenv(_name, value, TRUE);
+        } else {
+            g_unsetenv(_name);
+        }
+    }
+
+    const char* _name;
+    std::optional<std::string> _before;
+};
+
+bool setUpToolkit(int& argc, char**& argv) {
+    const VariableForNow noModules{"GTK_MODULES", nullptr};  // none is needed here, and each delays the window
+    const VariableForNow localFiles{"GIO_USE_VFS", "local"}; // all files are, so there is no need to ask a daemon
+    g_vfs_get_default();                                     // reads the latter
+    return gtk_init_check(&argc, &argv) != FALSE;
+}
+
+/// Reads one request and does it. Returns whether there may be more.
 gboolean serve(gint, GIOCondition, gpointer windows) {
     std::array<char, longestMessage> packet; // NOLINT(*-member-init): written before it is read
     const ssize_t size = recv(residentProgram, packet.data(), packet.size(), 0);
@@ -55,11 +92,10 @@ int main(int argc, char** argv) {
                    argv[0]);
         return EXIT_FAILURE;
     }
-    g_unsetenv("GTK_MODULES");              // nothing here needs one, and each delays the window
-    g_setenv("GIO_USE_VFS", "local", TRUE); // all files are local, so there is no need to ask a daemon
+    prctl(PR_SET_NAME, "marvelode-timer-window"); // the system would call it by the number of its open file
     g_set_prgname(applicationId);
     g_set_application_name("Marvelode Timer");
-    if (!gtk_init_check(&argc, &argv)) {
+    if (!setUpToolkit(argc, argv)) {
         tell({Event::Kind::NoDisplay, 0, 0, {}});
         return EXIT_FAILURE;
     }
