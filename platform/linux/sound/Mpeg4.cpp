@@ -63,6 +63,12 @@ public:
 
     /// The boxes that fill the bytes from `begin` to before `end`; none at all if they are damaged.
     Boxes boxes(std::uint64_t begin, std::uint64_t end) const {
+        const Boxes found = boxesBefore(begin, end);
+        return !found.empty() && found.back().end == end ? found : Boxes{};
+    }
+
+    /// The boxes from `begin` on, up to `end` or to the first bytes that are no box.
+    Boxes boxesBefore(std::uint64_t begin, std::uint64_t end) const {
         constexpr std::size_t mostInSound = 1000;
         constexpr std::uint64_t longSizeFollows = 1;
         constexpr std::uint64_t extendsToEnd = 0;
@@ -71,7 +77,7 @@ public:
             std::uint64_t headerSize = 8;
             const std::optional<std::uint64_t> header = number(begin, end);
             if (!header || found.size() == mostInSound) {
-                return {};
+                return found;
             }
             std::uint64_t size = *header >> 32;
             if (size == extendsToEnd) {
@@ -81,7 +87,7 @@ public:
                 size = number(begin + 8, end).value_or(0);
             }
             if (size < headerSize || size > end - begin) {
-                return {};
+                return found;
             }
             found.push_back({static_cast<std::uint32_t>(*header), begin + headerSize, begin + size});
             begin += size;
@@ -139,7 +145,7 @@ private:
 
 bool holdsAac(const std::filesystem::path& path) {
     const Container container{path};
-    const Boxes file = container.boxes(0, container.size());
+    const Boxes file = container.boxesBefore(0, container.size());
     if (!contains(file, "ftyp") || !contains(file, "mdat")) {
         return false;
     }

@@ -1,5 +1,6 @@
 """A Wayland compositor whose screen is a window on a virtual desktop, where it is seen and used."""
 
+import contextlib
 import os
 import signal
 
@@ -49,6 +50,15 @@ class Sway:
         if self._program.is_running():
             self._program.send(signal.SIGKILL)
             self._program.status()
+
+    @contextlib.contextmanager
+    def stopped(self):
+        """A time in which it answers nothing."""
+        self._program.send(signal.SIGSTOP)
+        try:
+            yield
+        finally:
+            self._program.send(signal.SIGCONT)
 
     def _screen(self):
         screen = self._desktop.screenshot()

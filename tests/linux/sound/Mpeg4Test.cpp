@@ -89,6 +89,17 @@ TEST_F(CanPlay, LastBoxThatExtendsToTheEnd) {
     EXPECT_TRUE(canPlay(fileType + box("moov", soundTrack) + bytes(0, 4) + "mdat" + "music"));
 }
 
+TEST_F(CanPlay, SoundWithStrayBytesAtItsEnd) {
+    const std::string sound = contentsOf(resources / "Whistle.m4a");
+    for (const std::string& stray : {"\0"s, "\n\n\n"s, "seven b"s, std::string(1000, '\xFF')}) {
+        EXPECT_TRUE(canPlay(sound + stray)) << stray.size();
+    }
+}
+
+TEST_F(CanPlay, NoTrackWithStrayBytesInsideIt) {
+    EXPECT_FALSE(canPlay(fileType + box("moov", soundTrack + "stray") + media));
+}
+
 TEST_F(CanPlay, NoVideoOnly) { EXPECT_FALSE(canPlay(fileType + box("moov", videoTrack) + media)); }
 
 TEST_F(CanPlay, NoOtherCodec) {

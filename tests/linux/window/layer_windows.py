@@ -2,11 +2,13 @@
 """The windows on a Wayland compositor that has layers: those that the break cycle waits for stand above everything,
 the small window is a window like any other program's."""
 
-from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
+from shown import KEYLESS_SECONDS, OnEveryDesktop, PANEL, SHOW, ShownWindows, main
 from driving.desktop import Desktop
 from driving.sway import Sway
 from driving.waiting import wait_until
 
+import socket
+import subprocess
 import time
 
 SHADOW = 26  # around a window, no part of it
@@ -110,6 +112,22 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
     def test_small_window_is_in_the_middle_above_a_window(self):
         self.start_other("maximize")
         self.expect_in_the_middle("status", "Escape")
+
+    def test_small_window_counts_as_shown_when_the_compositor_has_answered(self):
+        ours, its = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+        program = subprocess.Popen(SHOW[1], env={**self.desktop.environment, **self.environment}, stdin=its)
+        its.close()
+        with program, ours:
+            ours.settimeout(10)
+            ours.send(PANEL.encode())
+            self.assertIn(b"'shown', uint32 7", ours.recv(1000))
+            with self.compositor.stopped():
+                ours.send(PANEL.replace("uint32 7", "uint32 8").encode())
+                ours.settimeout(1)
+                with self.assertRaises(TimeoutError):
+                    ours.recv(1000)
+            ours.settimeout(10)
+            self.assertIn(b"'shown', uint32 8", ours.recv(1000))
 
     def test_windows_are_as_dark_as_the_user_likes_them(self):
         settings = self.desktop.config / "glib-2.0/settings/keyfile"

@@ -41,6 +41,7 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    prctl(PR_SET_NAME, "marvelode-timer-sound"); // the system would call it by the number of its open file
     // A sound does not outlive the program that asked for it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // Threads of the sound libraries may still be running: nothing is destroyed under their feet.
