@@ -7,8 +7,8 @@
 
 namespace platform::linux {
 
-/// Whether the file at `path` is a readable, complete MPEG-4 container with an audio track in AAC, behind which other
-/// bytes may follow. Any bytes at all are a valid question; what is not a regular file is not read.
+/// Whether the file at `path` is a readable, complete MPEG-4 container with an audio track in AAC, behind which
+/// other bytes may follow. Any bytes at all are a valid question; what is not a regular file is not read.
 bool holdsAac(const std::filesystem::path& path);
 
 } // namespace platform::linux

@@ -135,6 +135,19 @@ TEST_F(SoundPlayerTest, OneBeepAtATime) {
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>{beeps}, {}), "beep\n");
 }
 
+TEST_F(SoundPlayerTest, NothingPlaysOnceTheSessionIsOver) {
+    SoundPlayer player{helper("exit 1"), _log};
+    for (int failures = 0; failures < 3; ++failures) {
+        _session.displayWasMissing();
+    }
+    EXPECT_FALSE(player.play(_sound));
+    player.beep();
+    _session.displayWasFound();
+    EXPECT_TRUE(player.play(_sound));
+    runUntilLogged();
+    EXPECT_THAT(_logged, SizeIs(1));
+}
+
 TEST_F(SoundPlayerTest, SuccessIsNotLoggedWhateverTheHelperWrites) {
     SoundPlayer player{helper("echo a warning from deep down >&2"), _log};
     EXPECT_TRUE(player.play(_sound));

@@ -1,21 +1,14 @@
-// The resident program's side of the windows, with small scripts in place of the program that shows them: whatever
-// that program does, each window comes to a defined end, and nothing of it stays behind.
+// The resident program's side of the windows, with small scripts in place of the program that shows them: what the
+// user does reaches alerts and panels, and each comes to a defined end.
 
-#include "tests/support/BareDesktop.hpp"
-#include "tests/support/ShortSeconds.hpp"
+#include "platform/linux/window/Protocol.hpp"
+#include "tests/linux/window/ScriptedProgram.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace platform::linux {
@@ -23,130 +16,9 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
-namespace fs = std::filesystem;
 
-/// Closes its panel's modal session, and counts.
-class Host : public NSWindowDelegate {
-public:
-    void windowWillClose() override {
-        ++closings;
-        NSApplication::shared().stopModal();
-    }
-
-    int closings = 0;
-};
-
-class WindowHelperTest : public testing::Test {
-protected:
-    WindowHelperTest() {
-        std::string name = (fs::temp_directory_path() / "marvelode-windows-XXXXXX").string();
-        folder = mkdtemp(name.data());
-        alert.addButton("Restart");
-        alert.addButton("Snooze");
-        alert.setShowsSuppressionButton(true);
-        panel.delegate = &host;
-    }
-    void TearDown() override {
-        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process or a zombie was left behind";
-        EXPECT_EQ(errno, ECHILD);
-        fs::remove_all(folder);
-    }
-
-    /// The program that shows windows is this shell script. Its standard input and output are the socket; `next`
-    /// waits for a request, which it appends to the file "requests", and `say` tells an event.
-    void play(const std::string& script) {
-        const fs::path program = folder / "program";
-        std::ofstream{program}
-            << "#!/bin/sh\n"
-               "cd '"
-            << folder.string()
-            << "'\n"
-               "echo start >>starts\n"
-               "next() { dd bs=65536 count=1 2>/dev/null >request; cat request >>requests; echo >>requests; }\n"
-               "say() { printf \"$1\" >&0; }\n"
-            << script;
-        fs::permissions(program, fs::perms::owner_all);
-        desktop.emplace(program);
-    }
-
-    std::vector<std::string> linesOf(const char* file) const {
-        std::ifstream stream{folder / file};
-        std::vector<std::string> lines;
-        for (std::string line; std::getline(stream, line);) {
-            lines.push_back(line);
-        }
-        return lines;
-    }
-
-    bool isTicked() const { return alert.suppressionButton()->state == NSSuppressionButton::StateValue::On; }
-
-    fs::path folder;
-    std::optional<BareDesktop> desktop;
-    NSAlert alert;
-    NSPanel panel;
-    Host host;
-    State<std::int64_t> minutes{10};
-    State<bool> isOn{false};
-    State<int> sound{0};
-    std::vector<std::string> actions;
-
-    View form() {
-        const auto action = [this](const char* name) { return [this, name] { actions.emplace_back(name); }; };
-        return VStack({
-            TextField("600", minutes.binding(), {}).onSubmit(action("submit")),
-            Toggle("", isOn.binding()),
-            Picker<int>("", sound.binding(), {{"Sonar", 0}, {"Bowl", 1}}).onChange(action("play")),
-            Button("Other", 5, action("press")),
-            Button("OK", 5, [this] { panel.close(); }),
-        });
-    }
-
-    void runPanel(const View& content) {
-        panel.contentView = std::make_shared<NSHostingView>(NSHostingView{[&] { return content; }});
-        NSApplication::shared().runModal(panel);
-    }
-};
-
-/// Calls something from the main loop after a while.
-class Later {
-public:
-    Later(std::chrono::milliseconds delay, std::function<void()> deed)
-        : _deed{std::move(deed)} {
-        const auto call = [](gpointer self) -> gboolean {
-            static_cast<Later*>(self)->_deed();
-            return G_SOURCE_REMOVE;
-        };
-        g_timeout_add(static_cast<guint>(delay.count()), call, this);
-    }
-
-private:
-    std::function<void()> _deed;
-};
-
-/// Calls something from the main loop as soon as a condition holds there.
-class Once {
-public:
-    Once(std::function<bool()> condition, std::function<void()> deed)
-        : _condition{std::move(condition)}
-        , _deed{std::move(deed)} {
-        const auto call = [](gpointer data) -> gboolean {
-            const auto* self = static_cast<Once*>(data);
-            const bool isTime = self->_condition();
-            if (isTime) {
-                self->_deed();
-            }
-            return isTime ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
-        };
-        g_timeout_add(1, call, this);
-    }
-
-private:
-    std::function<bool()> _condition;
-    std::function<void()> _deed;
-};
-
-using AnAlert = WindowHelperTest;
-using APanel = WindowHelperTest;
+using AnAlert = ScriptedProgram;
+using APanel = ScriptedProgram;
 
 TEST_F(AnAlert, GivesTheButtonThatWasPressed) {
     play("next; say \"('pressed', 1, 0, nothing)\"; next");
@@ -155,11 +27,6 @@ TEST_F(AnAlert, GivesTheButtonThatWasPressed) {
     EXPECT_EQ(alert.runModal(), NSAlert::SecondButtonReturn);
     EXPECT_TRUE(desktop->errors.empty());
     EXPECT_FALSE(isTicked());
-}
-
-TEST_F(AnAlert, GivesItsAnswerEvenIfTheProgramDiesRightAfterIt) {
-    play("next; say \"('pressed', 1, 0, nothing)\"");
-    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
 }
 
 TEST_F(AnAlert, KeepsItsCheckBoxAsTheUserLeftIt) {
@@ -174,71 +41,6 @@ TEST_F(AnAlert, KeepsItsCheckBoxAsTheUserLeftIt) {
 TEST_F(AnAlert, IsStoppedWhenItIsClosed) {
     play("next; say \"('closed', 1, 0, nothing)\"; next");
     EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_TRUE(desktop->errors.empty());
-}
-
-TEST_F(AnAlert, IsStoppedWhenTheProgramDies) {
-    play("next; kill -KILL $$");
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_EQ(desktop->errors, std::vector<std::string>{"the window program ended before its window was closed"});
-}
-
-TEST_F(AnAlert, KeepsTheTickMadeBeforeTheProgramDied) {
-    play("next; say \"('changed', 1, 2, just <true>)\"; kill -KILL $$");
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_TRUE(isTicked());
-}
-
-TEST_F(AnAlert, LeavesTheTokenToThePanelThatTheUserAskedFor) {
-    play("echo \"[$XDG_ACTIVATION_TOKEN]\" >>tokens; next; say \"('closed', $(wc -l <tokens), 0, nothing)\"; next");
-    desktop->activationToken.keep("of-the-click");
-    alert.runModal();
-    runPanel(form());
-    runPanel(form());
-    EXPECT_EQ(linesOf("tokens"), (std::vector<std::string>{"[]", "[of-the-click]", "[]"}));
-}
-
-TEST_F(AnAlert, IsStoppedWhenTheProgramCannotStart) {
-    desktop.emplace(folder / "missing");
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    ASSERT_EQ(desktop->errors.size(), 1U);
-    EXPECT_EQ(desktop->errors[0].find("no window can be shown"), 0U) << desktop->errors[0];
-    EXPECT_NE(desktop->errors[0].find("missing"), std::string::npos) << desktop->errors[0];
-}
-
-TEST_F(AnAlert, CanBeRunAgainAfterTheProgramDied) {
-    play("next; [ $(wc -l <starts) = 1 ] && exit; say \"('pressed', 2, 0, nothing)\"; next");
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
-}
-
-TEST_F(AnAlert, IsStoppedWhenTheProgramIsNotDoneClosing) {
-    play("next; say \"('pressed', 1, 0, nothing)\"; exec sleep 60");
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
-}
-
-TEST_F(AnAlert, IsStoppedWhenTheProgramStopsBeforeItShowsAnything) {
-    const ShortSeconds seconds{20ms};
-    play("next; kill -STOP $$");
-    EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
-    EXPECT_EQ(desktop->errors,
-              std::vector<std::string>{"the window program has shown no window for half a minute"});
-}
-
-TEST_F(AnAlert, WaitsAsLongAsItTakesOnceItIsShown) {
-    const ShortSeconds seconds{20ms};
-    play("next; say \"('shown', 1, 0, nothing)\"; sleep 1; say \"('pressed', 1, 0, nothing)\"; next");
-    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
-    EXPECT_TRUE(desktop->errors.empty());
-}
-
-TEST_F(AnAlert, StaysIfItWasShownWhileThisProgramStoodStill) {
-    const ShortSeconds seconds{20ms};
-    play("next; say \"('shown', 1, 0, nothing)\"; sleep 1; say \"('pressed', 1, 0, nothing)\"; next");
-    const Later standStill{10ms, [] { std::this_thread::sleep_for(900ms); }};
-    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
     EXPECT_TRUE(desktop->errors.empty());
 }
 
@@ -282,6 +84,15 @@ TEST_F(APanel, FollowsTheUserAndAnswersWithFreshValues) {
     EXPECT_EQ(requests[1], "('values', <(uint32 1, [<int64 25>, <false>, <int64 0>, <false>, <false>])>)");
     EXPECT_EQ(requests[5], "('values', <(uint32 1, [<int64 25>, <true>, <int64 1>, <false>, <false>])>)");
     EXPECT_TRUE(desktop->errors.empty());
+}
+
+TEST_F(APanel, IsModalAndAskedFor) {
+    play("next; say \"('closed', 1, 0, nothing)\"; next");
+    runPanel(form());
+    const auto request = decodeRequest(linesOf("requests").at(0), [](const Event&) {});
+    ASSERT_TRUE(request && std::holds_alternative<PanelRequest>(*request));
+    EXPECT_TRUE(std::get<PanelRequest>(*request).isModal);
+    EXPECT_FALSE(std::get<PanelRequest>(*request).comesUnasked);
 }
 
 TEST_F(APanel, IsToldWhenTheUserClosesIt) {
@@ -344,7 +155,7 @@ TEST_F(APanel, IsToldWhenTheProgramTalksNonsense) {
 }
 
 /// A panel whose button runs an alert, and what the alert answered.
-class AnAlertOnAPanel : public WindowHelperTest {
+class AnAlertOnAPanel : public ScriptedProgram {
 protected:
     void run() {
         runPanel(VStack({Button("OK", 5, [this] { answer = alert.runModal(); }), Toggle("", isOn.binding())}));
