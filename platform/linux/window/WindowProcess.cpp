@@ -123,7 +123,9 @@ void WindowProcess::send(const Request& request) {
     }
     const std::string message = encode(request);
     const bool fits = message.size() <= longestMessage;
-    if (!fits || ::send(_socket, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0) {
+    const bool isSent = fits && ::send(_socket, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
+    const bool hasEnded = fits && !isSent && (errno == EPIPE || errno == ECONNRESET);
+    if (!isSent && !hasEnded) { // what it said before its end is still to be read
         giveUp("the window program cannot be told what to show: " + messageOf(fits ? errno : EMSGSIZE));
     }
 }
@@ -138,7 +140,11 @@ void WindowProcess::giveUp(std::string_view reason) {
 /// Receives one packet. Returns whether there was one.
 bool WindowProcess::receive() {
     Packet packet{};
-    const ssize_t size = recv(_socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_TRUNC);
+    const auto receiveOne = [&] { return recv(_socket, packet.data(), packet.size(), MSG_DONTWAIT | MSG_TRUNC); };
+    ssize_t size = receiveOne();
+    if (size < 0 && errno == ECONNRESET) { // it ended without reading everything; what it had said comes after that
+        size = receiveOne();
+    }
     if (size < 0 && (errno == EAGAIN || errno == EINTR)) {
         return false;
     }

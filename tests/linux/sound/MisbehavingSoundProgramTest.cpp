@@ -70,6 +70,7 @@ protected:
     }
 
     static auto openDescriptors() {
+        g_main_context_iteration(nullptr, FALSE); // has one of its own from its first use on
         const std::filesystem::directory_iterator descriptors{"/proc/self/fd"};
         return std::distance(begin(descriptors), end(descriptors));
     }

@@ -73,6 +73,7 @@ class MisbehavingWindowProgram : public ScriptedProgram,
                                  public testing::WithParamInterface<std::tuple<Commands, Commands>> {
 protected:
     static auto openDescriptors() {
+        g_main_context_iteration(nullptr, FALSE); // has one of its own from its first use on
         const std::filesystem::directory_iterator descriptors{"/proc/self/fd"};
         return std::distance(begin(descriptors), end(descriptors));
     }

@@ -121,6 +121,11 @@ TEST_F(WindowProcessTest, SaysThatAMessageIsTooLong) {
               std::vector<std::string>{"the window program cannot be told what to show: Message too long"});
 }
 
+TEST_F(WindowProcessTest, IsHeardThoughItEndsWithoutReadingWhatItIsTold) {
+    play("sleep 0.1; say \"('pressed', 1, 1, nothing)\"; exit");
+    EXPECT_EQ(alert.runModal(), NSAlert::SecondButtonReturn);
+}
+
 TEST_F(WindowProcessTest, IsNotStartedForEachReminderOnceItFindsNoDisplay) {
     play("say \"('noDisplay', 0, 0, nothing)\"; exit 1");
     for (int reminder = 0; reminder < 23; ++reminder) {
@@ -131,7 +136,7 @@ TEST_F(WindowProcessTest, IsNotStartedForEachReminderOnceItFindsNoDisplay) {
 }
 
 TEST_F(WindowProcessTest, IsStartedForEachReminderOnceItHasADisplayAgain) {
-    play("[ $DISPLAY = :new ] || { say \"('noDisplay', 0, 0, nothing)\"; exit 1; }\n"
+    play("[ \"$DISPLAY\" = :new ] || { say \"('noDisplay', 0, 0, nothing)\"; exit 1; }\n"
          "next; say \"('shown', 1, 0, nothing)\"; say \"('pressed', 4, 0, nothing)\"; next");
     for (int reminder = 0; reminder < 3; ++reminder) {
         EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
