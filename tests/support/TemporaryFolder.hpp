@@ -1,6 +1,7 @@
 #pragma once
 
-// A folder for the files of one test. It goes, with all that is in it, when the test ends, even if that is killed.
+// A folder for the files of one test. It is removed with all that is in it when the test ends, even if that is
+// killed.
 
 #include <glib.h>
 #include <unistd.h>
@@ -35,7 +36,7 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// Writes a file and gives its path.
+    /// Writes a file and returns its path.
     std::filesystem::path write(const std::string& name, std::string_view contents) const {
         std::filesystem::remove(path / name); // a new file need not reach the disk, an overwritten one does
         std::ofstream file{path / name, std::ios::binary};
@@ -46,7 +47,7 @@ public:
     std::filesystem::path path;
 
 private:
-    /// Starts a process, nobody's child, that removes the folder as soon as this process holds its line no more.
+    /// Starts a process, no child of this one, that removes the folder once this process has ended.
     void startCleaner(std::string& name) {
         std::string shell = "/bin/sh";
         std::string option = "-c";

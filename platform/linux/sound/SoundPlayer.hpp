@@ -1,7 +1,7 @@
 #pragma once
 
 // The resident program's side of sounds: it has no decoder and no way to a sound server, so it starts a short-lived
-// helper program for each sound and looks after it. Whatever befalls a helper is told to the log and delays nobody.
+// helper program for each sound and looks after it. A helper's failure is told to the log and delays nothing.
 
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/HelperProgram.hpp"
@@ -32,7 +32,7 @@ public:
     bool canPlay(const std::filesystem::path& sound) const;
 
     /// Starts the sound and returns at once; false if it is playing already, its helper cannot be started or the
-    /// graphical session is over, so that there is nobody to hear it.
+    /// graphical session is over, so that no user could hear it.
     bool play(const std::filesystem::path& sound);
 
     /// Starts the desktop's alert sound and returns at once; does nothing where `play` would return false.

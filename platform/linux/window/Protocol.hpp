@@ -74,7 +74,7 @@ struct PanelRequest {
     std::string title;
     bool isMovableByBackground;
     bool isModal;      ///< Then the break cycle waits for it, so it must be seen wherever the user works.
-    bool comesUnasked; ///< Then it leaves the keyboard to whoever is typing.
+    bool comesUnasked; ///< Then the keyboard stays with the window that has it.
     View content;
 
     /// After decoding: what the bindings in `content` read, to be replaced by what a `ValuesRequest` brings.

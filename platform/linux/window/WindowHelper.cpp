@@ -77,7 +77,7 @@ public:
         , isPanel{isPanel}
         , _helper{helper} {
         if (_helper._sessions.empty()) {
-            // nobody has asked for an alert: a token that is there was handed out for something else
+            // an alert comes unasked: a token that is there was handed out for another window
             _helper._process = std::make_unique<WindowProcess>(
                 _helper._program, _helper._errorLog, [] {},
                 isPanel ? _helper._activationToken.take() : std::string{});

@@ -41,10 +41,10 @@ public:
     /// them, until `stopModal()`. A panel that the user or an accident closes is told so by `NSPanel::close`.
     void runModal(NSPanel& panel, const View& content);
 
-    /// Lets the innermost `runModal` return; does nothing if there is none.
+    /// Makes the innermost `runModal` return; does nothing if there is none.
     void stopModal();
 
-    /// Lets every `runAlert` and `runModal` return, without any panel being told.
+    /// Makes every `runAlert` and `runModal` return, without telling any panel.
     void closeAll();
 
 private:

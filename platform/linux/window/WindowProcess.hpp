@@ -2,7 +2,7 @@
 
 // One run of the program that shows windows, and the socket that leads to it. It is started by the constructor and
 // is killed, if it has not ended by itself, by the destructor. If its first window is not on the screen after half
-// a minute, it is given up: nobody must wait for an answer to what cannot be seen.
+// a minute, it is given up, since the user cannot answer what cannot be seen.
 
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/HelperProcess.hpp"

@@ -1,4 +1,4 @@
-// The resident program and the helpers that it starts for sounds, whatever those do. Small scripts stand in for
+// The resident program and the helpers that it starts for sounds. Small scripts stand in for
 // them.
 
 #include "platform/linux/sound/SoundPlayer.hpp"
@@ -78,7 +78,7 @@ protected:
         return line;
     }
 
-    /// Waits for the helper to read from the pipe, and gives it a line.
+    /// Waits for the helper to read from the pipe, and writes it a line.
     void lineToHelper() const { std::ofstream{_pipe} << "go on\n"; }
 
     static bool isGone(const std::string& process) { return kill(std::stoi(process), 0) != 0 && errno == ESRCH; }
@@ -245,7 +245,7 @@ TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
     EXPECT_THAT(_logged, IsEmpty());
 }
 
-/// Signals that interrupt whatever this process waits for, again and again.
+/// Signals that interrupt this process's waiting, again and again.
 class Interruptions {
 public:
     Interruptions() {

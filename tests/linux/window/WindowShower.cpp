@@ -145,7 +145,7 @@ void popup() {
     std::cout << "answered " << answer << (isTicked ? " ticked" : "") << std::endl;
 }
 
-/// The small window. Its "Quit" ends it; SIGUSR1 lets a minute pass, SIGUSR2 enables or disables "Quit".
+/// The small window. Its "Quit" ends it; SIGUSR1 makes a minute pass, SIGUSR2 enables or disables "Quit".
 class Status {
 public:
     Status(const linux::HelperProgram& helper, bool isUnasked, linux::ErrorLog& errorLog)

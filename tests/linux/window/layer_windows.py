@@ -54,7 +54,7 @@ class LayerWindows(OnEveryDesktop, ShownWindows):
                 (self.height - window_height) // 2 + y + height // 2)
 
     def expect_in_the_middle(self, window, key):
-        """Lets the window be shown above the other one, and closes it."""
+        """Shows the window above the other one, and closes it."""
         before = self.await_rest()
         self.show(window)
         left, top, right, bottom = self.rectangle(before)

@@ -1,4 +1,4 @@
-"""What the tests of the real windows share: a program that lets them be shown, ways to find and use them, a window of
+"""What the tests of the real windows share: a program that has them shown, ways to find and use them, a window of
 another program, and the tests that hold on every desktop.
 
 Each script is started as SCRIPT SHOWER WINDOW_PROGRAM RESOURCES [TEST...].
@@ -52,7 +52,7 @@ class ShownWindows(unittest.TestCase):
                    "the other window to have the keyboard")
 
     def show(self, *windows, **environment):
-        """Lets the windows be shown one after the other, and waits for the first to have the keyboard."""
+        """Shows the windows one after the other, and waits for the first to have the keyboard."""
         self.shower = self.start(*SHOW, *windows, **environment)
         self.window_is_up()
 
@@ -67,7 +67,7 @@ class ShownWindows(unittest.TestCase):
         return [each for each in self.desktop.windows() if each.name == "Marvelode Timer"]
 
     def window_is_up(self, count=1):
-        """Waits for that many windows; gives the one that has the keyboard and took its time to listen to it."""
+        """Waits for that many windows; returns the one that has the keyboard and took its time to listen to it."""
         def active():
             windows = self.windows()
             return len(windows) == count and next((each for each in windows if each.has("active")), None)
@@ -99,7 +99,7 @@ class ShownWindows(unittest.TestCase):
         wait_until(lambda: self.other.output() == text, f"“{text}”, not “{self.other.output()}”, in the other window")
 
     def type_through(self, window):
-        """Lets a window appear under the hands of somebody who is typing on and on."""
+        """Shows a window under the hands of a user who is typing on and on."""
         for _ in range(10):
             self.shower = self.start(*SHOW, window)
             last = begin = time.monotonic()

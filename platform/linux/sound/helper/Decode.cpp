@@ -46,7 +46,7 @@ Input open(const std::filesystem::path& path) {
     return Input{input};
 }
 
-/// Gives every frame that is ready to `sink`.
+/// Passes every frame that is ready to `sink`.
 template <typename Sink>
 void drain(AVCodecContext& decoder, AVFrame& frame, Sink sink) {
     for (;;) {

@@ -35,7 +35,7 @@ Properties describe(const char* key, const std::string& value) {
 /// One attempt to play something.
 class Playback {
 public:
-    /// Plays through `driver`, or through the desktop's usual one, and gives libcanberra's status at the end.
+    /// Plays through `driver`, or through the desktop's usual one, and returns libcanberra's status at the end.
     int run(const char* driver, ca_proplist& properties) {
         ca_context* context = nullptr;
         if (const int status = ca_context_create(&context); status != CA_SUCCESS) {

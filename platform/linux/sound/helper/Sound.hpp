@@ -1,6 +1,6 @@
 #pragma once
 
-// A sound as a row of numbers, ready for a loudspeaker, and the two ways to come by one. Whatever goes wrong is
+// A sound as a row of numbers, ready for a loudspeaker, and the two ways to get one. Every failure is
 // thrown as a `Failure` whose text is a plain sentence.
 
 #include <cstdint>

@@ -27,7 +27,7 @@ GtkAlign alignOf(Alignment alignment) {
     return GTK_ALIGN_FILL;
 }
 
-/// A box that gives `widget` a place inside itself.
+/// A box around `widget`, which can be placed inside it.
 GtkWidget* boxed(GtkWidget* widget) {
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
     gtk_box_pack_start(GTK_BOX(box), widget, TRUE, TRUE, 0);

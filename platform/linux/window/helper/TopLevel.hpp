@@ -26,23 +26,23 @@ public:
 
     GtkWindow* window() const { return _window; }
 
-    /// Lets the user drag the window by everything that is no control, where the desktop lets windows move.
+    /// Makes everything in the window that is no control a handle to drag it by, where the desktop moves windows.
     void moveByBackground();
 
-    /// Lets the window appear wherever the user works, above full-screen windows too where the desktop allows it.
-    /// The one below, which is to appear so too, gives it the keyboard until it goes.
+    /// Shows the window wherever the user works, above full-screen windows too where the desktop allows it. The one
+    /// below, which must be shown so too, is without the keyboard until this one is destroyed.
     void appearEverywhere();
 
-    /// Lets the user type elsewhere while the window, which appears everywhere, is up. Most desktops do so by
+    /// Leaves the keyboard to other windows while this one, which appears everywhere, is up. Most desktops do so by
     /// themselves, but not with a window in a layer: there the keyboard leaves it with the pointer and comes back
     /// with a click.
     void shareTheKeyboard();
 
-    /// Lets the window take no key for its first half second, nor for half a second after a letter that comes in
-    /// that time: somebody who is typing as it appears does not mean it.
+    /// Ignores keys for the window's first half second, and for half a second after a letter that comes in that
+    /// time: a user who is typing as it appears does not mean it.
     void ignoreEarlyKeys();
 
-    /// Lets the window appear without taking the keyboard from the window that has it, where the desktop allows it.
+    /// Shows the window without taking the keyboard from the one that has it, where the desktop allows it.
     void leaveTheKeyboard();
 
     /// Shows `content` with the keyboard on `defaultButton`, which the Return key presses; it may be null.

@@ -86,7 +86,7 @@ public:
         atk_object_set_role(accessible, ATK_ROLE_ALERT);
         atk_object_set_description(accessible, alert.informativeText.c_str());
         _topLevel.appearEverywhere();
-        if (!below) { // nobody has asked for it
+        if (!below) { // it comes unasked
             _topLevel.ignoreEarlyKeys();
         }
         _topLevel.moveByBackground();
@@ -94,7 +94,7 @@ public:
     }
 
     GtkWindow* window() const override { return _topLevel.window(); }
-    void show(std::vector<ControlValue>) override {} // an alert's check box follows nobody but the user
+    void show(std::vector<ControlValue>) override {} // an alert's check box follows the user alone
     void show(PanelRequest) override {}
 
 private:
@@ -178,7 +178,7 @@ public:
         }
         auto filling = std::make_unique<Filling>(std::move(request));
         _topLevel.replace(filling->content.root());
-        _filling = std::move(filling); // the old one goes after the widgets that call its operations
+        _filling = std::move(filling); // the old one is destroyed after the widgets that call its operations
     }
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
-// The windows that the resident program asked for, the topmost last. Requests come in, what the user does goes out.
+// The windows that the resident program asked for, the topmost last. Requests come in; events tell what the user
+// does.
 
 #include "platform/linux/window/Protocol.hpp"
 #include "platform/linux/window/helper/TopLevel.hpp"
