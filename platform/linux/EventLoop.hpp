@@ -29,7 +29,7 @@ public:
     /// Waits for the next event and handles what is due; may be called from inside an event.
     void iterate();
 
-    /// Lets `run()` return once the event at hand is done.
+    /// Makes `run()` return after the current event.
     void quit() { _isOver = true; }
 
     void schedule(const std::shared_ptr<Timer>& timer);
@@ -42,10 +42,11 @@ public:
     };
     std::optional<OneShot> latestOneShot() const;
 
-    /// Has `settle` called soon and once, however often this is asked for; for events that are not this loop's.
+    /// Calls `settle` in the next turn, once for all requests, even those that `settle` itself makes. For events
+    /// that are not this loop's own.
     void settleSoon() { _isUnsettled = true; }
 
-    /// Runs `work` as an event of its own; destroys it undone once `run()` returns, at the latest.
+    /// Runs `work` as an event of its own; work that is left when `run()` returns is destroyed undone.
     void post(std::function<void()> work) { _posted.push_back(std::move(work)); }
 
 private:

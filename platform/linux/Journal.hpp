@@ -1,6 +1,6 @@
 #pragma once
 
-// The system's journal. Where none is running, entries go nowhere: the program prints its messages as well.
+// The system's journal. Entries are dropped where none is running; the program prints its messages as well.
 
 #include "platform/Logger.hpp"
 

@@ -173,7 +173,7 @@ void LinuxDesktop::pick(std::string_view entry, std::function<void()> picked) {
     });
 }
 
-void LinuxDesktop::showMenuWindow() { _statusWindow.open(); }
+void LinuxDesktop::showMenuWindow(std::function<void()> shown) { _statusWindow.open(std::move(shown)); }
 
 std::string LinuxDesktop::statusText() const {
     return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
@@ -195,7 +195,7 @@ void LinuxDesktop::settle() {
     } else {
         _statusNotifierItem.emplace(
             _sessionBus.get(), _resources, statusContent(),
-            [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { showMenuWindow(); },
+            [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { _statusWindow.open(); },
             _activationToken, _errorLog);
     }
 }

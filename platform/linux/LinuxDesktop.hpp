@@ -76,13 +76,17 @@ public:
     bool isLogEnabled(const Logger& logger, Logger::Level level) override;
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
-    /// Has the menu's entry of that title picked as an event of its own. `picked` is called when it was, or when it
-    /// has opened a window and waits for that to close; never if the entry cannot be picked by then.
+    /// Picks the menu entry of that title from the event loop. `picked` is called once its action has run or its
+    /// window is open, and never if the entry is disabled then.
     void pick(
         std::string_view entry, std::function<void()> picked = [] {});
 
-    /// Shows the status item and its menu as a window.
-    void showMenuWindow();
+    /// Shows the status item and its menu as a window. `shown` is called once that is on the screen, or destroyed
+    /// uncalled if it cannot be shown.
+    void showMenuWindow(std::function<void()> shown);
+
+    /// The session whose display windows are shown on.
+    SessionEnvironment& session() { return _session; }
 
     /// What was handed out for the window that the user's next pick opens.
     ActivationToken& activationToken() { return _activationToken; }

@@ -1,7 +1,9 @@
 #include "platform/linux/RemoteControl.hpp"
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace platform::linux {
@@ -35,17 +37,17 @@ constexpr const char* applicationDescription = R"xml(<node><interface name="org.
   </method>
 </interface></node>)xml";
 
-/// A call that is answered once: with success as soon as there is any, or else, when nobody can bring that about
-/// any more, with an error.
+/// A call that is answered once: with success when there is any, or else, at the end of the last that could have
+/// told of success, with an error.
 class PendingCall {
 public:
-    explicit PendingCall(GDBusMethodInvocation* call)
-        : _call{call} {}
+    PendingCall(GDBusMethodInvocation* call, const char* error, const char* reason)
+        : _call{call}
+        , _error{error}
+        , _reason{reason} {}
     ~PendingCall() {
         if (_call) {
-            g_dbus_method_invocation_return_dbus_error(
-                _call, "org.marvelode.Timer.Error.Busy",
-                "Marvelode Timer cannot do this now: one of its windows waits for an answer, or it is ending.");
+            g_dbus_method_invocation_return_dbus_error(_call, _error, _reason);
         }
     }
     PendingCall(const PendingCall&) = delete;
@@ -59,27 +61,67 @@ public:
 
 private:
     GDBusMethodInvocation* _call;
+    const char* _error;
+    const char* _reason;
 };
 
-/// What the desktop handed to this process when it started it, in the words of `org.freedesktop.Application`.
+/// A function that answers `call` with success, once. If it is destroyed uncalled, the error is the answer.
+std::function<void()> success(GDBusMethodInvocation* call, const char* error, const char* reason) {
+    return [pending = std::make_shared<PendingCall>(call, error, reason)] { pending->succeed(); };
+}
+
+using Variables = std::map<std::string, std::string>;
+
+/// What leads to this process's display, as "NAME=value" each.
+GVariant* ownEnvironment() {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE_BYTESTRING_ARRAY);
+    for (const char* name : SessionEnvironment::variables) {
+        if (const char* value = g_getenv(name)) {
+            g_variant_builder_add(&builder, "^ay", (std::string{name} + "=" + value).c_str());
+        }
+    }
+    return g_variant_builder_end(&builder);
+}
+
+/// The same as another process sent it. Values longer than any display's are left out.
+Variables environmentIn(GVariant* platformData) {
+    constexpr std::size_t longest = 4096;
+    Variables variables;
+    const VariantHandle sent{g_variant_lookup_value(platformData, "environ", G_VARIANT_TYPE_BYTESTRING_ARRAY)};
+    for (std::size_t index = 0; sent && index < g_variant_n_children(sent.get()); ++index) {
+        const char* text = nullptr;
+        g_variant_get_child(sent.get(), index, "^&ay", &text);
+        const std::string variable{text};
+        const std::size_t nameEnd = variable.find('=');
+        if (nameEnd != std::string::npos && variable.size() <= longest) {
+            variables.insert_or_assign(variable.substr(0, nameEnd), variable.substr(nameEnd + 1));
+        }
+    }
+    return variables;
+}
+
+/// What the desktop handed to this process when it started it, in the words of `org.freedesktop.Application`, and
+/// the variables, in the words of `GApplication`.
 GVariant* platformData() {
     GVariantDict data;
     g_variant_dict_init(&data, nullptr);
     if (const char* token = g_getenv("XDG_ACTIVATION_TOKEN")) {
         g_variant_dict_insert(&data, "activation-token", "s", token);
     }
+    g_variant_dict_insert_value(&data, "environ", ownEnvironment());
     return g_variant_dict_end(&data);
 }
 
 } // namespace
 
-bool RemoteControl::claimName(GDBusConnection* sessionBus) {
+bool RemoteControl::claimName(GDBusConnection* sessionBus, ErrorSlot& error) {
     constexpr guint32 doNotQueue = 4;
     constexpr guint32 isPrimaryOwner = 1;
     const auto answer = VariantHandle{g_dbus_connection_call_sync(
         sessionBus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
         g_variant_new("(su)", busName, doNotQueue), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-        nullptr)};
+        error.out())};
     guint32 ownership = 0;
     if (answer) {
         g_variant_get(answer.get(), "(u)", &ownership);
@@ -88,10 +130,11 @@ bool RemoteControl::claimName(GDBusConnection* sessionBus) {
 }
 
 bool RemoteControl::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error) {
+    constexpr int longerThanAWindow = 40'000; // milliseconds; the timer gives a window half a minute
     return VariantHandle{g_dbus_connection_call_sync(sessionBus, busName, objectPath, applicationInterface,
                                                      "Activate", g_variant_new("(@a{sv})", platformData()), nullptr,
-                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, error.out())} !=
-           nullptr;
+                                                     G_DBUS_CALL_FLAGS_NO_AUTO_START, longerThanAWindow, nullptr,
+                                                     error.out())} != nullptr;
 }
 
 RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram program)
@@ -121,6 +164,7 @@ void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBus
                                               "The activation token is too long.");
         return;
     }
+    _program.session.adopt(environmentIn(platformData.get()));
     if (method == "ActivateAction") {
         const char* action = nullptr;
         g_variant_get_child(arguments, 0, "&s", &action);
@@ -131,8 +175,8 @@ void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBus
 }
 
 void RemoteControl::showMenu(GDBusMethodInvocation* call) {
-    _program.showMenu();
-    g_dbus_method_invocation_return_value(call, nullptr);
+    _program.showMenu(success(call, "org.marvelode.Timer.Error.NoWindow",
+                              "Marvelode Timer cannot show its window: it may have no display."));
 }
 
 const ControlledProgram::Command* RemoteControl::find(Name name, std::string_view value) const {
@@ -143,7 +187,11 @@ const ControlledProgram::Command* RemoteControl::find(Name name, std::string_vie
 
 void RemoteControl::pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call) {
     if (command) {
-        _program.pick(command->entry, [pending = std::make_shared<PendingCall>(call)] { pending->succeed(); });
+        _program.pick(
+            command->entry,
+            success(
+                call, "org.marvelode.Timer.Error.Busy",
+                "Marvelode Timer cannot do this now: one of its windows waits for an answer, or it is ending."));
     } else {
         g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
                                               "Marvelode Timer has no such action.");

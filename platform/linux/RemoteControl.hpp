@@ -1,9 +1,10 @@
 #pragma once
 
-// The program's own name on the session bus. It keeps a second timer from starting beside the first, and lets
+// The program's own name on the session bus. It keeps a second timer from starting beside the first, and through it
 // scripts and the desktop do what the menu does.
 
 #include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 
 #include <cstdint>
@@ -14,7 +15,7 @@
 
 namespace platform::linux {
 
-/// What `RemoteControl` lets others do and see.
+/// What others can do with the program and see of it.
 struct ControlledProgram {
     /// One menu entry under the names by which it is called from outside.
     struct Command {
@@ -24,11 +25,14 @@ struct ControlledProgram {
     };
 
     std::vector<Command> commands;
-    /// Has the entry picked soon, and lets `picked` know when that is done or its window comes up. If the entry
-    /// cannot be picked by then, `picked` is never called.
+    /// Picks the menu entry of that title from the event loop. `picked` is called once its action has run or its
+    /// window is open, or destroyed uncalled if the entry cannot be picked then.
     std::function<void(std::string_view entry, std::function<void()> picked)> pick;
-    std::function<void()> showMenu;
+    /// Shows the menu as a window. `shown` is called once that is on the screen, or destroyed uncalled if it cannot
+    /// be shown.
+    std::function<void(std::function<void()> shown)> showMenu;
     ActivationToken& activationToken; ///< For the window that a call opens.
+    SessionEnvironment& session;      ///< Adopts the display of the caller that activates the program.
     std::function<bool()> isReminding;
     std::function<std::string()> text;
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
@@ -38,14 +42,16 @@ struct ControlledProgram {
 
 class RemoteControl {
 public:
-    /// Claims the program's name for this process; false if another timer has it.
-    static bool claimName(GDBusConnection* sessionBus);
+    /// Claims the program's name for this process; false if another timer has it, or, with a reason in `error`, if
+    /// the bus cannot tell.
+    static bool claimName(GDBusConnection* sessionBus, ErrorSlot& error);
 
-    /// Has the timer that owns the name show its menu in front, as far as this process may itself come to the
-    /// front; false, with a reason in `error`, if it does not answer.
+    /// Asks the timer that owns the name to show its menu on this process's display, in front as far as this
+    /// process may itself come to the front. Returns true once the menu is on the screen; or false, with a reason
+    /// in `error`, if that fails or takes longer than the timer waits for a window.
     static bool showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& error);
 
-    /// Answers calls on the bus from now on, through `program`.
+    /// Answers calls on the bus from now on, each once what it asks for is done.
     RemoteControl(GDBusConnection* sessionBus, ControlledProgram program);
 
 private:

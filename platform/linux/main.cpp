@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -82,6 +83,32 @@ void printFatalErrorsAtOnce() {
     g_log_set_default_handler(print, nullptr);
 }
 
+/// Says that the session bus is of no use, and why.
+int noBus(const char* reason) {
+    std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n", reason);
+    return EXIT_FAILURE;
+}
+
+/// Ends the program if the session bus says nothing for too long while it starts.
+class SilenceGuard {
+public:
+    SilenceGuard() {
+        constexpr unsigned seconds = 20;
+        std::signal(SIGALRM, [](int) {
+            constexpr std::string_view message = "marvelode-timer: The session bus does not answer.\n";
+            [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, message.data(), message.size());
+            _exit(EXIT_FAILURE);
+        });
+        alarm(seconds);
+    }
+    ~SilenceGuard() {
+        alarm(0);
+        std::signal(SIGALRM, SIG_DFL);
+    }
+    SilenceGuard(const SilenceGuard&) = delete;
+    SilenceGuard& operator=(const SilenceGuard&) = delete;
+};
+
 bool isReminding() { return marvelode::app->state == marvelode::App::State::Reminding; }
 
 /// What holds while the settings cannot be read: it is no first run, and reminders come as in one.
@@ -106,8 +133,9 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
                      {"Quit", "quit", "Quit"}},
         .pick = [&desktop](std::string_view entry,
                            std::function<void()> picked) { desktop.pick(entry, std::move(picked)); },
-        .showMenu = [&desktop] { desktop.showMenuWindow(); },
+        .showMenu = [&desktop](std::function<void()> shown) { desktop.showMenuWindow(std::move(shown)); },
         .activationToken = desktop.activationToken(),
+        .session = desktop.session(),
         .isReminding = isReminding,
         .text = [&desktop] { return desktop.statusText(); },
         .remainingSeconds =
@@ -136,18 +164,22 @@ int main(int argc, char** argv) {
     printFatalErrorsAtOnce();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
     ErrorSlot error;
+    std::optional<SilenceGuard> guard{std::in_place};
     const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, error.out())};
     if (!sessionBus) {
-        std::fprintf(stderr, "marvelode-timer: There is no session bus to show the timer on: %s\n",
-                     error.message());
-        return EXIT_FAILURE;
+        return noBus(error.message());
     }
     LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}, assumedSettings()};
     desktop.watchBreak(isReminding);
     const RemoteControl control{sessionBus.get(), controlled(desktop)};
-    if (!RemoteControl::claimName(sessionBus.get())) {
+    const bool isFirst = RemoteControl::claimName(sessionBus.get(), error);
+    guard.reset();
+    if (error) {
+        return noBus(error.message());
+    }
+    if (!isFirst) {
         if (!RemoteControl::showMenuOfOwner(sessionBus.get(), error)) {
-            std::fprintf(stderr, "marvelode-timer: Another timer is running but does not answer: %s\n",
+            std::fprintf(stderr, "marvelode-timer: Another timer is running but cannot show its menu: %s\n",
                          error.message());
             return EXIT_FAILURE;
         }

@@ -2,26 +2,18 @@
 // the program that shows windows, so that neither a display nor a panel is needed.
 
 #include "platform/linux/LinuxDesktop.hpp"
-#include "platform/linux/window/Protocol.hpp"
 #include "tests/contract/Driver.hpp"
+#include "tests/linux/ScriptedUser.hpp"
 #include "tests/support/PrivateBuses.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
-#include <glib-unix.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <cstring>
 #include <filesystem>
 #include <list>
 #include <optional>
 #include <thread>
 #include <utility>
-#include <variant>
 
 namespace contract {
 namespace {
@@ -35,134 +27,6 @@ struct Launcher : platform::NSApplicationDelegate {
     void applicationDidFinishLaunching() override { program(); }
 
     std::function<void()> program;
-};
-
-/// The user in front of the windows: knows which are open, and does what a user does with the topmost.
-class User {
-public:
-    /// Waits at the socket `path` for the windows' program; calls `windowOpened` for each window.
-    User(const fs::path& path, std::function<void()> windowOpened)
-        : _windowOpened{std::move(windowOpened)}
-        , _door{socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)} {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-        constexpr int visitors = 4;
-        EXPECT_EQ(bind(_door, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(listen(_door, visitors), 0);
-        _doorSource = watch(_door, [](gint, GIOCondition, gpointer self) -> gboolean {
-            static_cast<User*>(self)->letIn();
-            return G_SOURCE_CONTINUE;
-        });
-        g_setenv("MARVELODE_SCRIPTED_USER", path.c_str(), TRUE);
-    }
-    ~User() {
-        hangUp();
-        g_source_remove(_doorSource);
-        close(_door);
-    }
-    User(const User&) = delete;
-    User& operator=(const User&) = delete;
-
-    void pressAlertButton(std::size_t index) {
-        if (const auto* alert = topmost<AlertRequest>()) {
-            tell({Event::Kind::Pressed, alert->window, static_cast<std::uint32_t>(index), {}});
-            _windows.pop_back(); // nothing more can be done with it
-        }
-    }
-
-    void tickAlertCheckBox() {
-        if (const auto* alert = topmost<AlertRequest>()) {
-            const auto checkBox = static_cast<std::uint32_t>(alert->alert.buttons().size());
-            tell({Event::Kind::Changed, alert->window, checkBox, ControlValue{true}});
-        }
-    }
-
-    void pressPanelButton(std::string_view label) {
-        if (const auto* panel = topmost<PanelRequest>()) {
-            const auto controls = controlsIn(panel->content);
-            const auto found = std::find_if(controls.begin(), controls.end(), [&](const platform::Node* node) {
-                const auto* button = std::get_if<platform::node::Button>(node);
-                return button && button->label == label;
-            });
-            ASSERT_NE(found, controls.end()) << "no button " << label;
-            tell({Event::Kind::Pressed, panel->window, static_cast<std::uint32_t>(found - controls.begin()), {}});
-        }
-    }
-
-    void closePanel() {
-        if (const auto* panel = topmost<PanelRequest>()) {
-            tell({Event::Kind::Closed, panel->window, 0, {}});
-        }
-    }
-
-private:
-    using Window = std::variant<AlertRequest, PanelRequest>;
-
-    unsigned watch(int descriptor, GUnixFDSourceFunc ready) {
-        return g_unix_fd_add(descriptor, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), ready, this);
-    }
-
-    void letIn() {
-        hangUp();
-        _line = accept4(_door, nullptr, nullptr, SOCK_CLOEXEC);
-        _lineSource = watch(_line, [](gint, GIOCondition, gpointer self) -> gboolean {
-            static_cast<User*>(self)->listenToProgram();
-            return G_SOURCE_CONTINUE;
-        });
-    }
-
-    void listenToProgram() {
-        static std::array<char, longestMessage> message;
-        const ssize_t size = recv(_line, message.data(), message.size(), MSG_DONTWAIT);
-        if (size <= 0) {
-            hangUp();
-            return;
-        }
-        const auto request = decodeRequest({message.data(), static_cast<std::size_t>(size)}, [](const Event&) {});
-        ASSERT_TRUE(request);
-        if (const auto* alert = std::get_if<AlertRequest>(&*request)) {
-            open(*alert);
-        } else if (const auto* panel = std::get_if<PanelRequest>(&*request)) {
-            open(*panel);
-        } else if (const auto* close = std::get_if<CloseRequest>(&*request)) {
-            std::erase_if(_windows, [&](const Window& window) {
-                return std::visit([&](const auto& each) { return each.window == close->window; }, window);
-            });
-        }
-    }
-
-    void open(Window window) {
-        _windows.push_back(std::move(window));
-        _windowOpened();
-    }
-
-    void hangUp() {
-        if (_line >= 0) {
-            g_source_remove(_lineSource);
-            close(std::exchange(_line, -1));
-            _windows.clear();
-        }
-    }
-
-    template <typename Kind>
-    const Kind* topmost() const {
-        const Kind* kind = _windows.empty() ? nullptr : std::get_if<Kind>(&_windows.back());
-        EXPECT_TRUE(kind) << "no such window in front";
-        return kind;
-    }
-
-    void tell(const Event& event) {
-        const std::string message = encode(event);
-        EXPECT_EQ(send(_line, message.data(), message.size(), MSG_NOSIGNAL), static_cast<ssize_t>(message.size()));
-    }
-
-    std::function<void()> _windowOpened;
-    int _door;
-    unsigned _doorSource;
-    int _line = -1;
-    unsigned _lineSource = 0;
-    std::vector<Window> _windows;
 };
 
 class LinuxDriver : public Driver {
@@ -310,9 +174,9 @@ private:
     }
 
     TemporaryFolder _folder;
-    platform::linux::ObjectHandle<GDBusConnection> _system = connectToSystem();
-    platform::linux::ObjectHandle<GDBusConnection> _panel = connectToSession();
-    User _user{_folder.path / "user", [this] { windowOpened(); }};
+    ObjectHandle<GDBusConnection> _system = connectToSystem();
+    ObjectHandle<GDBusConnection> _panel = connectToSession();
+    ScriptedUser _user{_folder.path / "user", [this] { windowOpened(); }};
     std::string _program; // its name on the bus
     std::list<Deed> _deeds;
     bool _isWaiting = false;

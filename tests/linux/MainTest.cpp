@@ -1,5 +1,7 @@
 // The whole program in odd circumstances: what it is started with or without, and what is taken from it meanwhile.
 
+#include "platform/linux/window/Protocol.hpp"
+#include "tests/support/MisbehavingBus.hpp"
 #include "tests/support/PrivateBuses.hpp"
 #include "tests/support/Sanitizers.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -14,11 +16,13 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -48,9 +52,18 @@ protected:
         }
     }
 
-    /// Starts `command`, in a process that has run `prepare` before.
-    void start(
-        std::vector<std::string> command, void (*prepare)() = [] {}) {
+    using Preparation = void (*)();
+    static void nothing() {}
+
+    /// Starts `command`, in a process that has run `prepare` before, and waits until it is on the bus.
+    void start(std::vector<std::string> command, Preparation prepare = nothing) {
+        launch(std::move(command), prepare);
+        EXPECT_TRUE(await([&] { return !property("State").empty() || !isRunning(); }));
+        EXPECT_TRUE(isRunning()) << contentOf(folder.path / "output");
+    }
+    void start(Preparation prepare = nothing) { start({PROGRAM}, prepare); }
+
+    void launch(std::vector<std::string> command, Preparation prepare = nothing) {
         std::vector<char*> arguments;
         for (std::string& argument : command) {
             arguments.push_back(argument.data());
@@ -69,10 +82,7 @@ protected:
             execv(arguments[0], arguments.data());
             _exit(127);
         }
-        EXPECT_TRUE(await([&] { return !property("State").empty() || !isRunning(); }));
-        EXPECT_TRUE(isRunning()) << contentOf(folder.path / "output");
     }
-    void start(void (*prepare)() = [] {}) { start({PROGRAM}, prepare); }
 
     /// Asks again and again, for a few seconds.
     static bool await(const std::function<bool()>& holds) {
@@ -192,6 +202,85 @@ TEST_F(MainTest, RemovingThePackageCostsNoReminder) {
     EXPECT_TRUE(awaitProperty("State", "(<'Reminding'>,)"));
     quit();
 }
+
+/// The program, installed beside a script that takes the place of the one that shows windows.
+class SecondStartTest : public MainTest {
+protected:
+    SecondStartTest() {
+        fs::create_directories(folder.path / "bin");
+        fs::create_directories(folder.path / "libexec/marvelode-timer");
+        fs::copy_file(PROGRAM, program);
+        fs::create_symlink(fs::path{PROGRAM}.parent_path().parent_path() / "share", folder.path / "share");
+    }
+
+    /// The script first notes its display.
+    void installWindowProgram(const std::string& commands) {
+        const fs::path script = folder.write("libexec/marvelode-timer/marvelode-timer-window",
+                                             "#!/bin/sh\necho $DISPLAY >'" + display.string() + "'\n" + commands);
+        fs::permissions(script, fs::perms::owner_all);
+    }
+
+    /// Starts the program once more, on the display :7; returns its status.
+    int startOnceMore() {
+        const std::string command = "DISPLAY=:7 XDG_CONFIG_HOME='" + folder.path.string() + "' timeout 20 '" +
+                                    program.string() + "' >'" + (folder.path / "second").string() + "' 2>&1";
+        return std::system(command.c_str());
+    }
+    std::string saidBySecond() const { return contentOf(folder.path / "second"); }
+
+    const fs::path program = folder.path / "bin/marvelode-timer";
+    const fs::path display = folder.path / "display";
+};
+
+TEST_F(SecondStartTest, HasTheMenuShownOnItsOwnDisplay) {
+    const std::string shown = encode(Event{Event::Kind::Shown, 1, 0, {}});
+    installWindowProgram("printf %s \"" + shown + "\" >&0\nexec sleep 20\n");
+    g_setenv("DISPLAY", ":6", TRUE);
+    start({program});
+    EXPECT_EQ(startOnceMore(), 0);
+    EXPECT_EQ(saidBySecond(), "Marvelode Timer is running already; its menu is on screen.\n")
+        << contentOf(folder.path / "output");
+    EXPECT_EQ(contentOf(display), ":7\n");
+    quit();
+}
+
+TEST_F(SecondStartTest, DoesNotSayThatTheMenuIsOnScreenWhereItIsNot) {
+    installWindowProgram("exit 1\n");
+    start({program});
+    EXPECT_NE(startOnceMore(), 0);
+    EXPECT_NE(saidBySecond().find("cannot show its menu"), std::string::npos) << saidBySecond();
+    quit();
+}
+
+class BadSessionBusTest
+    : public MainTest,
+      public testing::WithParamInterface<std::tuple<MisbehavingBus::Step, MisbehavingBus::Trouble>> {};
+
+TEST_P(BadSessionBusTest, IsNoReasonToWaitForEver) {
+    if (models::isSanitized) {
+        GTEST_SKIP() << "sanitizers want to be preloaded alone";
+    }
+    const auto [step, trouble] = GetParam();
+    const MisbehavingBus bad{step, trouble};
+    const std::string good = g_getenv("DBUS_SESSION_BUS_ADDRESS");
+    g_setenv("DBUS_SESSION_BUS_ADDRESS", bad.address().c_str(), TRUE);
+    g_setenv("LD_PRELOAD", QUICK_ALARM, TRUE);
+    launch({PROGRAM});
+    g_unsetenv("LD_PRELOAD");
+    g_setenv("DBUS_SESSION_BUS_ADDRESS", good.c_str(), TRUE);
+    EXPECT_TRUE(await([&] { return !isRunning(); }));
+    EXPECT_TRUE(bad.isInTrouble()) << contentOf(folder.path / "output");
+    EXPECT_EQ(WEXITSTATUS(status), EXIT_FAILURE);
+    EXPECT_NE(contentOf(folder.path / "output").find("session bus"), std::string::npos)
+        << contentOf(folder.path / "output");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AtEachStep, BadSessionBusTest,
+    testing::Combine(testing::Values(MisbehavingBus::Step::Greeting, MisbehavingBus::Step::Hello,
+                                     MisbehavingBus::Step::Subscription),
+                     testing::Values(MisbehavingBus::Trouble::Silence, MisbehavingBus::Trouble::Lateness,
+                                     MisbehavingBus::Trouble::Nonsense, MisbehavingBus::Trouble::Death)));
 
 TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
     if (models::isSanitized) {

@@ -18,16 +18,18 @@
 namespace platform::linux {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr const char* busName = "org.marvelode.Timer";
 constexpr const char* objectPath = "/org/marvelode/Timer";
 
 class ControlTest : public testing::Test {
 protected:
-    ControlTest() { EXPECT_TRUE(RemoteControl::claimName(bus.get())); }
+    ControlTest() { EXPECT_TRUE(RemoteControl::claimName(bus.get(), noError)); }
     void TearDown() override {
         g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     } // and gives the name back
@@ -63,11 +65,16 @@ protected:
     bool answersAtOnce = true;
     bool isBusy = false;
     int menus = 0;
+    std::function<void()> menuShown;
+    bool isMenuShownAtOnce = true;
+    bool hasDisplay = true;
+    SessionEnvironment session;
     ActivationToken token;
     bool isReminding = false;
     std::int64_t seconds = 540;
     bool isMuted = false;
     bool showsPopups = true;
+    ErrorSlot noError;
     ObjectHandle<GDBusConnection> bus = connectToSession();
     ObjectHandle<GDBusConnection> script = connectToSession();
     std::optional<RemoteControl> control{
@@ -84,8 +91,16 @@ protected:
                                       pending = nullptr;
                                   }
                               },
-                          .showMenu = [this] { ++menus; },
+                          .showMenu =
+                              [this](std::function<void()> shown) {
+                                  ++menus;
+                                  menuShown = hasDisplay ? std::move(shown) : nullptr;
+                                  if (hasDisplay && isMenuShownAtOnce) {
+                                      menuShown();
+                                  }
+                              },
                           .activationToken = token,
+                          .session = session,
                           .isReminding = [this] { return isReminding; },
                           .text = [] { return std::string{"9m"}; },
                           .remainingSeconds = [this] { return seconds; },
@@ -110,6 +125,7 @@ TEST_F(ControlTest, WhatIsNoActionIsRefused) {
     std::string error;
     EXPECT_FALSE(activateAction("Restart", &error));
     EXPECT_THAT(error, HasSubstr("org.freedesktop.DBus.Error.InvalidArgs"));
+    EXPECT_THAT(error, HasSubstr("Marvelode Timer has no such action."));
     EXPECT_FALSE(run("Explode", &error));
     EXPECT_THAT(error, HasSubstr("org.freedesktop.DBus.Error.UnknownMethod"));
     EXPECT_THAT(picked, IsEmpty());
@@ -181,6 +197,60 @@ TEST_F(ControlTest, ACallWithATokenThatIsTooLongIsRefusedAndHasNoEffect) {
     EXPECT_EQ(menus, 0);
 }
 
+TEST_F(ControlTest, SuccessIsNotToldBeforeTheMenuIsOnTheScreen) {
+    isMenuShownAtOnce = false;
+    bool isAnswered = false;
+    const auto answered = [](GObject* from, GAsyncResult* result, gpointer data) {
+        ErrorSlot error;
+        const VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(from), result, error.out())};
+        EXPECT_TRUE(answer) << error.message();
+        *static_cast<bool*>(data) = true;
+    };
+    g_dbus_connection_call(script.get(), busName, objectPath, "org.freedesktop.Application", "Activate",
+                           g_variant_new("(a{sv})", nullptr), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                           answered, &isAnswered);
+    EXPECT_TRUE(runLoopUntil([&] { return menuShown != nullptr; }));
+    runLoopFor(std::chrono::milliseconds{50});
+    EXPECT_FALSE(isAnswered);
+    menuShown();
+    EXPECT_TRUE(runLoopUntil([&] { return isAnswered; }));
+}
+
+TEST_F(ControlTest, AMenuThatCannotBeShownIsToldAsAnError) {
+    hasDisplay = false;
+    std::string error;
+    EXPECT_FALSE(run("ShowMenu", &error));
+    EXPECT_THAT(error, HasSubstr("org.marvelode.Timer.Error.NoWindow"));
+}
+
+TEST_F(ControlTest, ACallersDisplayIsAdopted) {
+    EXPECT_TRUE(
+        ask("org.freedesktop.Application", "Activate",
+            g_variant_new_parsed("({'environ': <[b'DISPLAY=:7', b'XAUTHORITY=/a=b', b'HOME=/', b'odd']>},)")));
+    EXPECT_THAT(session.forHelpers(), Contains("DISPLAY=:7"));
+    EXPECT_THAT(session.forHelpers(), Contains("XAUTHORITY=/a=b"));
+    EXPECT_THAT(session.forHelpers(), Not(Contains("HOME=/")));
+    const std::string tooLong = "DISPLAY=" + std::string(5000, '9');
+    GVariantDict data;
+    g_variant_dict_init(&data, nullptr);
+    const std::vector<const char*> variables{tooLong.c_str(), "WAYLAND_DISPLAY=wayland-3", nullptr};
+    g_variant_dict_insert_value(&data, "environ", g_variant_new_bytestring_array(variables.data(), -1));
+    EXPECT_TRUE(
+        ask("org.freedesktop.Application", "Activate", g_variant_new("(@a{sv})", g_variant_dict_end(&data))));
+    EXPECT_THAT(session.forHelpers(), Contains("WAYLAND_DISPLAY=wayland-3"));
+    EXPECT_THAT(session.forHelpers(), Not(Contains(tooLong)));
+}
+
+TEST_F(ControlTest, TheNameCannotBeTakenOver) {
+    constexpr guint32 replaceAndDoNotQueue = 2 | 4;
+    constexpr guint32 belongsToAnother = 3;
+    const VariantHandle answer =
+        call(script.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+             g_variant_new("(su)", busName, replaceAndDoNotQueue));
+    EXPECT_EQ(g_variant_get_uint32(VariantHandle{g_variant_get_child_value(answer.get(), 0)}.get()),
+              belongsToAnother);
+}
+
 TEST_F(ControlTest, ThePropertiesAreReadAfresh) {
     EXPECT_EQ(property("State"), "'Timing'");
     EXPECT_EQ(property("Text"), "'9m'");
@@ -198,14 +268,21 @@ TEST_F(ControlTest, ThePropertiesAreReadAfresh) {
 }
 
 TEST_F(ControlTest, TheNameBelongsToOneTimer) {
-    EXPECT_FALSE(RemoteControl::claimName(script.get()));
+    EXPECT_FALSE(RemoteControl::claimName(script.get(), noError));
     control.reset();
     g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     bool isClaimed = false;
     EXPECT_TRUE(runLoopUntil([&] {
         g_main_context_wakeup(nullptr);
-        return isClaimed = isClaimed || RemoteControl::claimName(script.get());
+        return isClaimed = isClaimed || RemoteControl::claimName(script.get(), noError);
     }));
+}
+
+TEST_F(ControlTest, TheNameIsNotClaimedOnABusThatHasGone) {
+    g_dbus_connection_close_sync(script.get(), nullptr, nullptr);
+    ErrorSlot error;
+    EXPECT_FALSE(RemoteControl::claimName(script.get(), error));
+    EXPECT_TRUE(error);
 }
 
 TEST_F(ControlTest, ASecondTimerHasTheFirstShowItsMenu) {

@@ -117,8 +117,11 @@ void MisbehavingBus::greet(Client& client) {
         client.unread.erase(0, end + lineEnd.size());
         client.isGreeted = line == "BEGIN";
         const std::string agreement = "OK 0123456789abcdef0123456789abcdef\r\n";
-        if (line.find("AUTH EXTERNAL") != std::string::npos && !misbehaves(Step::Greeting, client, agreement)) {
+        const bool tellsUser = line.starts_with("DATA") || line.find("AUTH EXTERNAL ") != std::string::npos;
+        if (tellsUser && !misbehaves(Step::Greeting, client, agreement)) {
             send(client, agreement);
+        } else if (line.ends_with("AUTH EXTERNAL")) {
+            send(client, "DATA\r\n"); // which user
         } else if (line.ends_with("AUTH")) {
             send(client, "REJECTED EXTERNAL\r\n"); // in which way else
         } else if (line == "NEGOTIATE_UNIX_FD") {

@@ -44,6 +44,11 @@ void StatusWindow::open() {
     start(false);
 }
 
+void StatusWindow::open(std::function<void()> shown) {
+    open();
+    _awaited.push_back(std::move(shown));
+}
+
 void StatusWindow::appear() {
     if (!isAlive()) {
         close();
@@ -61,6 +66,7 @@ void StatusWindow::start(bool isUnasked) {
 
 void StatusWindow::close() {
     _process.reset();
+    _awaited.clear();
     _handling.cancel();
     _return.cancel();
     _absence = firstAbsence;
@@ -139,11 +145,17 @@ void StatusWindow::handleSoon() {
 }
 
 void StatusWindow::handleEvents() {
+    if (_process && _process->hasShownWindow()) {
+        for (const auto& shown : std::exchange(_awaited, {})) {
+            shown();
+        }
+    }
     while (const auto event = _process ? _process->nextEvent() : std::nullopt) {
         apply(*event);
     }
     if (_process && !isAlive()) {
         _process.reset();
+        _awaited.clear();
         comeBackLater();
     }
 }

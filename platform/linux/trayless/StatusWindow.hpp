@@ -34,6 +34,9 @@ public:
     StatusWindow& operator=(const StatusWindow&) = delete;
 
     void open() override;
+    /// The same. `shown` is called once the window is on the screen, or destroyed uncalled if that comes to
+    /// nothing.
+    void open(std::function<void()> shown);
     void appear() override;
     void close() override;
 
@@ -67,6 +70,7 @@ private:
     std::vector<Entry> _shown;
     std::vector<NSMenuItem*> _controls; ///< The entry behind each control on screen.
     std::unique_ptr<WindowProcess> _process;
+    std::vector<std::function<void()>> _awaited; ///< To be called once the window is on the screen.
     bool _cameUnasked = false;
     std::int64_t _start = 0; ///< Of the process, in microseconds of the monotonic clock.
     DelayedCall _handling;   ///< Of what the window's program has told.
