@@ -1,0 +1,41 @@
+# Configures a program of one line with the project's protections, and reads its compiler's command.
+cmake_minimum_required(VERSION 3.25)
+file(REMOVE_RECURSE ${WORK})
+file(WRITE ${WORK}/main.cpp "int main() {}\n")
+file(WRITE ${WORK}/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)
+project(Probe LANGUAGES CXX)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+include(${SOURCES}/cmake/Hardening.cmake)
+add_executable(probe main.cpp)
+")
+
+function(read_command flags result)
+    execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build --fresh -D CMAKE_BUILD_TYPE=Release
+        -D CMAKE_CXX_COMPILER=${COMPILER} "-DCMAKE_CXX_FLAGS=${flags}"
+        OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    file(READ ${WORK}/build/compile_commands.json command)
+    set(${result} "${command}" PARENT_SCOPE)
+endfunction()
+
+function(expect command is_there flag)
+    string(FIND "${command}" "${flag}" position)
+    if(is_there AND position EQUAL -1)
+        message(SEND_ERROR "without ${flag}:\n${command}")
+    elseif(NOT is_there AND NOT position EQUAL -1)
+        message(SEND_ERROR "with ${flag}:\n${command}")
+    endif()
+endfunction()
+
+read_command("" command)
+set(protections -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong)
+if(CMAKE_HOST_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    list(APPEND protections -fstack-clash-protection -fcf-protection)
+endif()
+foreach(flag IN LISTS protections)
+    expect("${command}" TRUE ${flag})
+endforeach()
+
+read_command("-O2 -D_FORTIFY_SOURCE=3 -fstack-protector-all -fno-stack-clash-protection -fcf-protection=branch" command)
+foreach(flag -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong " -fstack-clash-protection" "-fcf-protection ")
+    expect("${command}" FALSE ${flag})
+endforeach()
