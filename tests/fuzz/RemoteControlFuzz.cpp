@@ -26,8 +26,13 @@ public:
         const auto yes = [] { return true; };
         return {.commands = {{"Restart", "restart", "Restart"}, {"ToggleMute", "toggle-mute", "Mute"}},
                 .pick = pick,
-                .showMenu = [this] { ++menusShown; },
+                .showMenu =
+                    [this](const std::function<void()>& shown) {
+                        ++menusShown;
+                        shown();
+                    },
                 .activationToken = token,
+                .session = session,
                 .isReminding = yes,
                 .text = [] { return "10m"; },
                 .remainingSeconds = [] { return 600; },
@@ -47,6 +52,7 @@ public:
 
     int menusShown = 0;
     ActivationToken token;
+    SessionEnvironment session;
 
 private:
     std::vector<std::function<void()>> _pending;
