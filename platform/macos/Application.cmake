@@ -1,10 +1,9 @@
 # "Marvelode Timer.app": the program with its property list, icon and resources, signed.
 set(MARVELODE_SIGNING_IDENTITY "-" CACHE STRING "Who signs the application; \"-\" signs it ad hoc, without an identity")
 
-set(resources ${MARVELODE_BUILD_INFO})
-foreach(name Marvelode.icns Marvelode.png MarvelodeGrey.png Sonar.m4a Bowl.m4a Whistle.m4a)
-    list(APPEND resources ${PROJECT_SOURCE_DIR}/resources/${name})
-endforeach()
+file(GLOB resources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.icns
+    ${PROJECT_SOURCE_DIR}/resources/*.png ${PROJECT_SOURCE_DIR}/resources/*.m4a)
+list(APPEND resources ${MARVELODE_BUILD_INFO})
 set_source_files_properties(${resources} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
 
 add_executable(marvelode-timer MACOSX_BUNDLE main.mm ${resources})

@@ -84,7 +84,11 @@ TEST_F(Messages, LaunchInOrderAndTakeLeave) {
 
     Lines expected{R"(NSBundle URLForResource:"BuildInfo" withExtension:"txt")",
                    R"(NSData dataWithContentsOfURL:"BuildInfo.txt")"};
-    for (const std::string sound : {"Sonar", "Bowl", "Whistle"}) {
+    for (const marvelode::Cfg::Sound each : marvelode::Cfg::allSounds) {
+        if (each == marvelode::Cfg::Sound::System) {
+            continue;
+        }
+        const std::string sound{marvelode::Cfg::rawValue(each)};
         expected.push_back(R"(NSBundle URLForResource:")" + sound + R"(" withExtension:"m4a")");
         expected.push_back(R"(NSSound initWithContentsOfURL:")" + sound + R"(.m4a" byReference:YES)");
     }
@@ -302,7 +306,8 @@ TEST_F(Messages, ReadAndWriteTheSettings) {
     run({"-TimerInterval", "600"}, {{launched, [] {}}});
     const Lines& lines = recorder.lines();
     for (const char* each :
-         {R"(NSUserDefaults stringForKey:"Version")", R"(NSUserDefaults setObject:"1.0.0" forKey:"Version")",
+         {R"(NSUserDefaults stringForKey:"Version")",
+          R"(NSUserDefaults setObject:")" MARVELODE_VERSION R"(" forKey:"Version")",
           R"(NSUserDefaults setObject:boolean 1 forKey:"PopupAlerts")",
           R"(NSUserDefaults setObject:boolean 1 forKey:"AutoRestart")",
           R"(NSUserDefaults setObject:boolean 1 forKey:"ResartOnWake")",

@@ -457,7 +457,7 @@ TEST_F(MacStories, TheAboutBoxShowsTheBuildAndOpensLinks) {
                 {panel,
                  [] {
                      EXPECT_TRUE(reads("Marvelode Timer"));
-                     EXPECT_TRUE(reads("Version: 1.0.0"));
+                     EXPECT_TRUE(reads("Version: " MARVELODE_VERSION));
                      EXPECT_EQ(NSMinY([buttonTitled("OK") frame]), 16);
                      NSView* const license = buttonTitled("License");
                      NSView* afterTabs = [license nextKeyView];

@@ -12,8 +12,8 @@ import subprocess
 import sys
 import tempfile
 
-RESOURCES = ["BuildInfo.txt", "Marvelode.icns", "Marvelode.png", "MarvelodeGrey.png", "Sonar.m4a", "Bowl.m4a",
-             "Whistle.m4a"]
+SOUNDS = [file.name for file in (pathlib.Path(sys.argv[1]) / "resources").glob("*.m4a")]
+RESOURCES = ["BuildInfo.txt", "Marvelode.icns", "Marvelode.png", "MarvelodeGrey.png", *SOUNDS]
 
 
 def main():

@@ -25,8 +25,9 @@ VERSION = os.environ["VERSION"]
 NAME = "org.marvelode.Timer"
 PROGRAM = "bin/marvelode-timer"
 HELPERS = {f"libexec/marvelode-timer/marvelode-timer-{helper}" for helper in ("sound", "window")}
-RESOURCES = {f"share/marvelode-timer/{file}" for file in (
-    "BuildInfo.txt", "Bowl.m4a", "Sonar.m4a", "Whistle.m4a", "Marvelode.png", "MarvelodeGrey.png")}
+SOUNDS = {file.name for file in (PROJECT / "resources").glob("*.m4a")}
+RESOURCES = {f"share/marvelode-timer/{file}" for file in SOUNDS | {
+    "BuildInfo.txt", "Marvelode.png", "MarvelodeGrey.png"}}
 LAUNCHER = f"share/applications/{NAME}.desktop"
 AUTOSTART = f"share/marvelode-timer/autostart/{NAME}.desktop"
 SERVICE = f"share/dbus-1/services/{NAME}.service"
