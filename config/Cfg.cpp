@@ -18,16 +18,11 @@ platform::UserDefaults& defaults() { return platform::UserDefaults::standard(); 
 } // namespace
 
 std::string_view Cfg::rawValue(Sound sound) {
-    switch (sound) {
-    case Sound::Sonar:
-        return "Sonar";
-    case Sound::Bowl:
-        return "Bowl";
-    case Sound::System:
-        return "System";
-    case Sound::Whistle:
-        return "Whistle";
-    }
+#define MARVELODE_NAME(name)                                                                                       \
+    case Sound::name:                                                                                              \
+        return #name;
+    switch (sound) { MARVELODE_SOUNDS(MARVELODE_NAME) }
+#undef MARVELODE_NAME
     platform::fatal();
 }
 

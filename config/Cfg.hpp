@@ -1,7 +1,7 @@
 #pragma once
 
-// The user's settings, straight from the desktop's store: nothing is remembered here, and whoever subscribed hears
-// of a change once it is stored.
+// The user's settings, read from and written to the desktop's store at each call: nothing is remembered here. Every
+// change is published on the bus once it is stored.
 
 #include "config/BuildInfo.hpp"
 #include "platform/Date.hpp"
@@ -12,17 +12,23 @@
 #include <string_view>
 #include <variant>
 
+/// The one list of the alert sounds, in the order in which they are offered. A sound is added here, and as a file
+/// of its name in `resources/`.
+#define MARVELODE_SOUNDS(each) each(Sonar) each(Bowl) each(System) each(Whistle)
+#define MARVELODE_ENUMERATOR(name) name,
+#define MARVELODE_SOUND(name) Sound::name,
+
 namespace marvelode {
 
 class Events;
 
 class Cfg {
 public:
-    /// The alert sounds. `System` is the desktop's own beep.
-    enum class Sound { Sonar, Bowl, System, Whistle };
+    /// The alert sounds. `System` is the desktop's own beep; each of the others has a file among the resources.
+    enum class Sound { MARVELODE_SOUNDS(MARVELODE_ENUMERATOR) };
 
     /// All sounds in the order in which they are offered.
-    static constexpr std::array allSounds{Sound::Sonar, Sound::Bowl, Sound::System, Sound::Whistle};
+    static constexpr std::array allSounds{MARVELODE_SOUNDS(MARVELODE_SOUND)};
 
     /// The sound's name, under which it is stored and shown.
     static std::string_view rawValue(Sound sound);
@@ -108,25 +114,26 @@ public:
     Sound sound() const;
 
     /// Stores and publishes a work interval of more than 0 and at most 7200 seconds; otherwise changes
-    /// nothing and gives false. Fractions are stored, but not read back.
+    /// nothing and returns false. Fractions are stored, but not read back.
     bool setTimerInterval(platform::TimeInterval seconds);
 
-    /// Gives the new value.
+    /// Returns the new value.
     bool toggleMute();
 
-    /// Gives the value that a fresh read finds, which during a first run is true whatever was published.
+    /// Returns the value that a fresh read finds, which during a first run is true whatever was published.
     bool togglePopups();
 
     void disablePopups();
 
-    const bool isTest;
-    const std::shared_ptr<Events> events;
-    const std::shared_ptr<BuildInfo> buildInfo;
-
 private:
     bool firstRunDefaulted(std::string_view key);
 
-    std::optional<bool> firstRun;
+    std::optional<bool> firstRun; ///< Absent until `isFirstRun()` is asked.
+
+public:
+    const bool isTest;
+    const std::shared_ptr<Events> events;
+    const std::shared_ptr<BuildInfo> buildInfo;
 };
 
 } // namespace marvelode

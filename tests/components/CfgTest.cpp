@@ -207,6 +207,10 @@ TEST_F(TheStore, NeverRemembersAValue) {
 
 // The sound
 
+TEST_F(TheStore, OffersTheSoundsInTheirOrder) {
+    EXPECT_EQ(soundNames(true), (Lines{"Sonar", "Bowl", "System", "Whistle"}));
+}
+
 TEST_F(TheStore, ReadsTheSoundByItsExactName) {
     const auto cfg = makeCfg();
     const std::map<std::string, Sound> sounds{

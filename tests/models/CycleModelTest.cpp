@@ -2,6 +2,7 @@
 
 #include "tests/models/CycleModel.hpp"
 
+#include "config/Cfg.hpp"
 #include "tests/models/Property.hpp"
 #include "tests/stories/StoryDesktop.hpp"
 
@@ -205,12 +206,13 @@ private:
     }
 
     void useSettings(int detail) {
-        static const std::array sounds{"Sonar", "Bowl", "System", "Whistle"};
         _desktop.pick("Settings");
         _model.openSettings();
         wait(1s * detail);
 
-        Entries entries{std::nullopt, sounds.at(static_cast<std::size_t>(detail % 4)), detail % 3 == 0,
+        const auto sounds = marvelode::Cfg::allSounds;
+        const marvelode::Cfg::Sound sound = sounds.at(static_cast<std::size_t>(detail) % sounds.size());
+        Entries entries{std::nullopt, std::string{marvelode::Cfg::rawValue(sound)}, detail % 3 == 0,
                         detail % 5 == 0 && _model.isAutoRestartOffered};
         if (detail % 2 == 0) {
             entries.minutes = *rc::gen::element<std::int64_t>(-1, 0, 1, 2, 5, 10, 61, 120, 121);
