@@ -3,6 +3,8 @@
 #include "platform/Bundle.hpp"
 #include "platform/Fatal.hpp"
 
+#include <stdexcept>
+
 namespace platform {
 namespace {
 
@@ -12,7 +14,7 @@ Desktop* current = nullptr;
 
 Desktop::Desktop() {
     if (current) {
-        fatal();
+        throw std::logic_error{"there is a desktop already; a process has one at a time"};
     }
     current = this;
 }

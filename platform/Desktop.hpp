@@ -1,7 +1,8 @@
 #pragma once
 
-// All that the program asks of a desktop: the verbs behind the platform types. Exactly one desktop exists while the
-// program runs; a new desktop is this interface implemented. Everything is called on the main thread.
+// Everything the program needs from a desktop: the verbs behind the platform types, implemented by LinuxDesktop,
+// MacDesktop and SimulatedDesktop. Exactly one desktop exists while the program runs. All calls come from the main
+// thread.
 
 #include "platform/Date.hpp"
 #include "platform/Logger.hpp"
@@ -25,7 +26,7 @@ namespace platform {
 
 class Desktop {
 public:
-    /// Becomes the desktop of the program; there must be no other.
+    /// Becomes the desktop of the program; throws `std::logic_error` if there is another.
     Desktop();
     virtual ~Desktop();
     Desktop(const Desktop&) = delete;
@@ -36,7 +37,7 @@ public:
 
     // The run loop
 
-    /// Calls the delegate's `applicationDidFinishLaunching()`, then runs the loop until `terminate()`; gives the
+    /// Calls the delegate's `applicationDidFinishLaunching()`, then runs the loop until `terminate()`; returns the
     /// process's status.
     virtual int run(int argc, const char* const* argv) = 0;
 
@@ -46,7 +47,7 @@ public:
     /// Brings the program's windows to the front.
     virtual void activate(bool ignoringOtherApps) = 0;
 
-    /// Brings the program to the front as any other program could, too; where that makes a difference.
+    /// Brings the program to the front, without its own help where the desktop tells the two apart.
     virtual void activateRunningApplication(bool ignoringOtherApps) { activate(ignoringOtherApps); }
 
     // Time
@@ -54,7 +55,7 @@ public:
     /// The wall clock.
     virtual Date now() = 0;
 
-    /// Takes over a new timer, with the rules that `Timer` promises.
+    /// Schedules a new timer, with the rules that `Timer` promises; shares it until it is cancelled.
     virtual void schedule(const std::shared_ptr<Timer>& timer) = 0;
 
     /// Forgets a timer that was invalidated; it may be unknown already.
@@ -65,7 +66,7 @@ public:
     /// Puts the program's one status item on screen.
     virtual void showStatusItem(const std::shared_ptr<NSStatusItem>& item) = 0;
 
-    /// Something about the status item, its menu or what can be picked in it may have changed since last time.
+    /// Called after each possible change of the status item, its menu or what can be picked in it.
     virtual void statusItemChanged() = 0;
 
     // Windows
@@ -78,7 +79,7 @@ public:
     /// the desktop calls `NSPanel::close`. `content` lives until this returns.
     virtual void runModal(NSPanel& panel, const View& content) = 0;
 
-    /// Lets the innermost `runModal` return.
+    /// Ends the innermost `runModal`.
     virtual void stopModal() = 0;
 
     /// Centres the panel the next time it is shown.

@@ -4,6 +4,7 @@
 #include "platform/Overloaded.hpp"
 
 #include <charconv>
+#include <string_view>
 
 namespace platform {
 namespace {
@@ -29,6 +30,21 @@ std::vector<node::TextRun> runsOf(const std::string& markdown) {
         runs.push_back(
             {markdown.substr(label + 1, middle - label - 1), markdown.substr(middle + 2, end - middle - 2)});
         position = end + 1;
+    }
+}
+
+/// Replaces each "%@" in the texts of `runs` by the next of `arguments`.
+void interpolate(std::vector<node::TextRun>& runs, const std::vector<std::string>& arguments) {
+    constexpr std::string_view placeholder = "%@";
+    auto argument = arguments.begin();
+    for (node::TextRun& run : runs) {
+        std::size_t position = 0;
+        while (argument != arguments.end() &&
+               (position = run.string.find(placeholder, position)) != std::string::npos) {
+            run.string.replace(position, placeholder.size(), *argument);
+            position += argument->size();
+            ++argument;
+        }
     }
 }
 
@@ -94,23 +110,24 @@ void View::appear() const {
             onAppear->action();
         }
     }
-    std::visit(Overloaded{
-                   [](const node::Text&) {},
-                   [](const node::Image&) {},
-                   [](const node::TextField&) {},
-                   [](const node::Toggle&) {},
-                   [](const node::Picker&) {},
-                   [](const node::Button&) {},
-                   [](const node::Stack& stack) {
-                       for (const View& child : stack.children) {
-                           child.appear();
-                       }
-                   },
-               },
-               node);
+    for (const View& child : childrenOf(node)) {
+        child.appear();
+    }
 }
 
-View Text(const std::string& markdown) { return View{node::Text{runsOf(markdown)}, {}}; }
+std::span<const View> childrenOf(const Node& node) {
+    using Children = std::span<const View>;
+    return std::visit(Overloaded{[](const node::Stack& stack) { return Children{stack.children}; },
+                                 [](const OneOf<node::Text, node::Image, node::TextField, node::Toggle,
+                                                node::Picker, node::Button> auto&) { return Children{}; }},
+                      node);
+}
+
+View Text(const std::string& key, const std::vector<std::string>& arguments) {
+    node::Text text{runsOf(key)};
+    interpolate(text.runs, arguments);
+    return View{std::move(text), {}};
+}
 
 View VerbatimText(std::string string) { return View{node::Text{{{std::move(string), std::nullopt}}}, {}}; }
 

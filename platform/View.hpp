@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
@@ -17,7 +18,7 @@
 
 namespace platform {
 
-/// Reads and writes a value that somebody else holds.
+/// Reads and writes a value that is held elsewhere.
 template <typename Value>
 struct Binding {
     std::function<Value()> get;
@@ -208,7 +209,7 @@ struct View {
         return nullptr;
     }
 
-    /// For the application: runs what the tree wants to be run when it comes on screen, outermost views first.
+    /// For the application: runs the tree's `OnAppear` actions, those of outer views first.
     void appear() const;
 
 private:
@@ -219,8 +220,12 @@ private:
     }
 };
 
-/// A text; "[label](address)" in it becomes a link.
-View Text(const std::string& markdown);
+/// The views that `node` holds, outermost ones only; none for most kinds.
+std::span<const View> childrenOf(const Node& node);
+
+/// A text that can be translated: "[label](address)" in `key` becomes a link, and each "%@" is replaced by the next
+/// of `arguments`, whose own characters mean nothing.
+View Text(const std::string& key, const std::vector<std::string>& arguments = {});
 
 /// A text shown as it stands.
 View VerbatimText(std::string string);

@@ -1,6 +1,6 @@
 #pragma once
 
-// A function with a stack of its own, which runs only while somebody waits for it. It lives on a thread, but
+// A function with a stack of its own, which runs only while its owner waits for it. It lives on a thread, but
 // exactly one of the two threads runs at any time, so neither needs a lock for what both of them touch.
 
 #include <condition_variable>
@@ -16,7 +16,7 @@ public:
     /// Takes over `body`, which begins with the first `resume()`.
     explicit Coroutine(std::function<void()> body);
 
-    /// Unwinds the body's stack if it has not ended: nothing more of it runs than its destructors.
+    /// Unwinds the body's stack if it has not ended: only its destructors run.
     ~Coroutine();
 
     Coroutine(const Coroutine&) = delete;
@@ -25,7 +25,7 @@ public:
     /// Runs the body until it yields or ends; throws what escapes from it. Does nothing once it has ended.
     void resume();
 
-    /// For the body: lets `resume()` return, and comes back when it is called again.
+    /// For the body: makes `resume()` return, and returns when that is called again.
     void yield();
 
     bool hasEnded() const { return _hasEnded; }
@@ -42,7 +42,7 @@ private:
     bool _hasEnded = false;
     std::exception_ptr _escaped;
 
-    std::mutex _mutex; // guards the turn; everything else belongs to whoever's turn it is
+    std::mutex _mutex; // guards the turn; everything else belongs to the thread whose turn it is
     std::condition_variable _turnPassed;
     Turn _turn = Turn::Resumer;
     std::thread _thread;

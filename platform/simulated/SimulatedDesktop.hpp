@@ -4,12 +4,15 @@
 // program runs for real, on a stack of its own, and always has nothing left to do when the story goes on.
 //
 // A story may rely on what it sees: a verb for something that is not there throws `Unexpected`, and what happened
-// without any story looking (an alert, a noise, a line printed or logged) is reported when the desktop ends.
+// without any story looking (an alert, a noise, a line printed or logged) is reported when the desktop is
+// destroyed.
 
 #include "platform/Desktop.hpp"
 #include "platform/TimerQueue.hpp"
 #include "platform/simulated/Coroutine.hpp"
+#include "platform/simulated/Journal.hpp"
 #include "platform/simulated/Resources.hpp"
+#include "platform/simulated/Unexpected.hpp"
 
 #include <chrono>
 #include <cstddef>
@@ -18,18 +21,12 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace platform::simulated {
-
-/// The story wanted something that the desktop does not show.
-class Unexpected : public std::logic_error {
-public:
-    using std::logic_error::logic_error;
-};
 
 /// An entry of the desktop's log.
 struct LogEntry {
@@ -45,7 +42,7 @@ public:
     using Report = std::function<void(const std::string& complaint)>;
     using Lines = std::vector<std::string>;
 
-    /// A desktop on which `program` is installed. `report` is told at the end what no story looked at.
+    /// A desktop on which `program` is installed. The destructor tells `report` what no story looked at.
     SimulatedDesktop(Program program, Report report,
                      RepeatingTimersDuringModal policy = RepeatingTimersDuringModal::Wait);
 
@@ -60,7 +57,7 @@ public:
 
     // The life of the program
 
-    /// Starts the program with these arguments and lets it go on until it has nothing left to do.
+    /// Starts the program with these arguments; returns when it has nothing left to do.
     void launch(const Lines& arguments = {});
     bool isRunning() const { return _program != nullptr; }
 
@@ -75,17 +72,17 @@ public:
 
     // Time
 
-    /// Lets that much time pass.
+    /// Passes that much time.
     void wait(std::chrono::nanoseconds span);
 
-    /// Lets that much time pass in which the program does not get to run, or keeps it busy if the program calls it:
-    /// what falls due meanwhile is late.
+    /// Passes that much time in which the program does not run, or is busy if the program calls this: what falls
+    /// due meanwhile is late.
     void stall(std::chrono::nanoseconds span) { _uptime += span; }
 
     /// How long the machine has been awake.
     TimerQueue::Instant uptime() const { return _uptime; }
 
-    /// Puts the machine to sleep for that long: the wall clock goes on, timers do not. Then tells of the waking.
+    /// Puts the machine to sleep for that long: the wall clock goes on, timers do not. Then posts that it woke up.
     void sleepAndWake(std::chrono::nanoseconds span = {});
 
     /// Sets the wall clock forth, or back if `span` is negative; no timer is touched.
@@ -144,6 +141,9 @@ public:
     /// Presses Return: in the field if the user is typing there, else on the default button.
     void pressReturn();
 
+    /// Takes the alert away without an answer, as happens when the program that shows it dies.
+    void makeAlertVanish();
+
     /// Closes the panel as the window manager can.
     void closeWindow();
 
@@ -157,11 +157,20 @@ public:
     Lines printed(); ///< Lines on standard output.
     std::vector<LogEntry> logged();
 
+    /// All that happened, in its order: "stored Mute 1", "published Mute true", "heard beep", "shown alert ...",
+    /// "closed alert ...", "printed ...", "logged ...". What is read here counts as seen, heard and read.
+    Lines journal();
+
     /// The names of all files that the program asked for by name and extension, in this and earlier runs.
     const std::set<std::string>& lookedUp() const { return _lookedUp; }
 
 protected:
     int run(int argc, const char* const* argv) override;
+
+    void note(Journal::Kind kind, std::string text) { _journal.add(kind, std::move(text)); }
+
+    /// The entries of that kind that are new.
+    Lines news(Journal::Kind kind) { return _journal.news(kind); }
 
 private:
     /// An alert or a panel that is being run.
@@ -194,8 +203,8 @@ private:
     std::optional<NSImage> imageNamed(std::string_view name) override;
     bool canPlay(const std::filesystem::path& url) override;
     bool play(const NSSound& sound) override;
-    void beep() override { _heard.emplace_back("beep"); }
-    void print(std::string_view line) override { _printed.emplace_back(line); }
+    void beep() override { note(Journal::Kind::Heard, "beep"); }
+    void print(std::string_view line) override { note(Journal::Kind::Printed, std::string{line}); }
     bool isLogEnabled(const Logger&, Logger::Level) override { return logsErrors; }
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
@@ -213,6 +222,7 @@ private:
     Program _install;
     Report _report;
     std::unique_ptr<Coroutine> _program;
+    bool _isProgramsTurn = false; // whether the program runs, and not the story
     std::optional<int> _exitStatus;
     std::map<std::string, std::string, std::less<>> _arguments;
     bool _isTerminating = false;
@@ -231,8 +241,7 @@ private:
     bool _isInFront = false;
 
     std::map<const NSSound*, TimerQueue::Instant> _playingUntil;
-    Lines _heard;
-    Lines _printed;
+    Journal _journal;
     Lines _unseenAlerts;
     std::vector<LogEntry> _logged;
     std::set<std::string> _lookedUp;

@@ -50,19 +50,20 @@ std::optional<Control> find(const View& view, const std::function<bool(const Vie
     if (isWanted(view)) {
         return Control{&view, disabled};
     }
-    if (const auto* stack = std::get_if<node::Stack>(&view.node)) {
-        for (const View& child : stack->children) {
-            if (const auto found = find(child, isWanted, disabled)) {
-                return found;
-            }
+    for (const View& child : childrenOf(view.node)) {
+        if (const auto found = find(child, isWanted, disabled)) {
+            return found;
         }
     }
     return std::nullopt;
 }
 
+/// Whether `view` is what stands beside a label.
 bool isControl(const View& view) {
-    return std::holds_alternative<node::TextField>(view.node) || std::holds_alternative<node::Toggle>(view.node) ||
-           std::holds_alternative<node::Picker>(view.node);
+    return std::visit(
+        Overloaded{[](const OneOf<node::TextField, node::Toggle, node::Picker> auto&) { return true; },
+                   [](const OneOf<node::Text, node::Image, node::Button, node::Stack> auto&) { return false; }},
+        view.node);
 }
 
 bool isRowLabelled(std::string_view label, const View& view) {

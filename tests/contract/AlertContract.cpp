@@ -91,7 +91,7 @@ TEST_F(Alerts, StandOnTopOfOneAnother) {
         driver->onceShown([&] {
             driver->onceShown([&] { driver->pressAlertButton(2); });
             EXPECT_TRUE(NSApplication::shared().isModal());
-            driver->wakeMachine(); // somebody in the program answers that with a second alert
+            driver->wakeMachine(); // upon which the program shows a second alert
         });
         bool isFirst = true;
         const int observer = 0;

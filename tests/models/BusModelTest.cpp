@@ -17,7 +17,7 @@ using namespace marvelode;
 
 constexpr int kinds = 3;
 
-/// What happens: somebody subscribes to a kind, or an event of a kind is published.
+/// What happens: a subscription to a kind, or an event of a kind.
 struct Deed {
     bool isSubscription;
     int kind;

@@ -84,7 +84,7 @@ void CycleModel::launch() {
 
 void CycleModel::wait(Milliseconds span) { goTo(_now + span); }
 
-/// Lets everything happen that happens by itself until then.
+/// Goes through all that happens by itself until then.
 void CycleModel::goTo(Milliseconds instant) {
     for (;;) {
         const bool isModal = isAlertUp || _isPanelUp;

@@ -150,7 +150,7 @@ TEST(TheSettings, BehaveAsTheModelPredicts) {
                 cfg->disablePopups();
                 model.disablePopups();
                 break;
-            case 13: { // somebody edits the settings by hand
+            case 13: { // the settings are edited by hand
                 const std::string key = *rc::gen::elementOf(flags);
                 desktop.defaults[key] = model.stored[key] = *rc::gen::arbitrary<bool>();
                 break;

@@ -53,7 +53,7 @@ namespace {
 constexpr int days = models::isSanitized ? 30 : 365;
 constexpr int intervalsADay = 144;
 
-/// One work interval with whatever the user does that time. Gives the reminders seen.
+/// One work interval with whatever the user does that time. Returns the number of reminders seen.
 int interval(StoryDesktop& desktop, int number) {
     int reminders = 1;
     if (number % 50 == 0) { // a nap
@@ -82,7 +82,7 @@ void day(StoryDesktop& desktop) {
         ASSERT_EQ(desktop.state(), AppState::Timing);
         ASSERT_EQ(desktop.title(), "11m");
     }
-    desktop.published();
+    desktop.journal();
 }
 
 TEST(AYear, OfWorkLosesNoReminderAndNoMemory) {

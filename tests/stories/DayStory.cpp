@@ -129,6 +129,19 @@ TEST(ADay, WhoseClockIsSetMovesTheTextButNotTheReminder) {
     desktop.heard();
 }
 
+TEST(TheTickThatKeepsItsPhase, LeavesTheTextUpToASecondLateAfterARestart) {
+    StoryDesktop desktop;
+    desktop.hadAFirstRun();
+    desktop.launch();
+    desktop.wait(1001ms);
+    desktop.pick("Restart timer"); // just after a tick
+    EXPECT_EQ(desktop.title(), "11m");
+    desktop.wait(998ms); // nine minutes and 59 seconds are left
+    EXPECT_EQ(desktop.title(), "11m");
+    desktop.wait(1ms);
+    EXPECT_EQ(desktop.title(), "10m");
+}
+
 TEST(ADay, OnABusyMachineIsOnlyLate) {
     StoryDesktop desktop;
     desktop.hadAFirstRun();

@@ -2,6 +2,7 @@
 
 #include "app/App.hpp"
 #include "app/main.hpp"
+#include "tests/support/TakeApart.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@ namespace {
 
 using marvelode::Cfg;
 using marvelode::UIAction;
+using platform::simulated::Journal;
 using Parameter = Cfg::Parameter;
 
 const char* nameOf(AppState state) {
@@ -61,19 +63,40 @@ struct ParameterWriter {
     static std::string flag(const std::string& name, bool value) { return name + (value ? " true" : " false"); }
 };
 
+/// Takes the program apart at the end of its run, whether it ended by itself or lost power.
+struct End {
+    ~End() {
+        if (const auto app = std::exchange(marvelode::app, nullptr)) {
+            takeApart(*app);
+        }
+    }
+};
+
 } // namespace
+
+int oneOfManyPrograms(int argc, const char* const* argv) {
+    const End end;
+    return marvelode::marvelodeTimer(argc, argv);
+}
 
 StoryDesktop::StoryDesktop(platform::RepeatingTimersDuringModal policy)
     : platform::simulated::SimulatedDesktop{
-          marvelode::marvelodeTimer, [](const std::string& complaint) { ADD_FAILURE() << complaint; }, policy} {
-    resources = {
+          oneOfManyPrograms, [](const std::string& complaint) { ADD_FAILURE() << complaint; }, policy} {
+    resources = completeInstallation();
+}
+
+platform::simulated::Resources StoryDesktop::completeInstallation() {
+    platform::simulated::Resources files{
         {"BuildInfo.txt", TextFile{"Build=1427\nDate=2025-06-09\nVersion=1.2.0\n"}},
-        {"Sonar.m4a", SoundFile{}},
-        {"Bowl.m4a", SoundFile{}},
-        {"Whistle.m4a", SoundFile{}},
         {"Marvelode.png", PictureFile{{512, 832}}},
         {"MarvelodeGrey.png", PictureFile{{512, 832}}},
     };
+    for (const Cfg::Sound sound : Cfg::allSounds) {
+        if (sound != Cfg::Sound::System) {
+            files.emplace(std::string{Cfg::rawValue(sound)} + ".m4a", SoundFile{});
+        }
+    }
+    return files;
 }
 
 void StoryDesktop::hadAFirstRun() {
@@ -98,16 +121,14 @@ bool StoryDesktop::isTimerPending() const {
     return marvelode::app->systemTimer && marvelode::app->systemTimer->isValid();
 }
 
-Lines StoryDesktop::published() { return std::exchange(_published, {}); }
+Lines StoryDesktop::published() { return news(Journal::Kind::Published); }
 
 int StoryDesktop::run(int argc, const char* const* argv) {
     marvelode::Events& events = *marvelode::app->events;
+    events.subscribe([this](Parameter parameter) { publish(std::visit(ParameterWriter{}, parameter.change)); });
+    events.subscribe([this](UIAction action) { publish(nameOf(action)); });
     events.subscribe(
-        [this](Parameter parameter) { _published.push_back(std::visit(ParameterWriter{}, parameter.change)); });
-    events.subscribe([this](UIAction action) { _published.emplace_back(nameOf(action)); });
-    events.subscribe([this](AppState before, AppState after) {
-        _published.push_back(std::string{nameOf(before)} + " to " + nameOf(after));
-    });
+        [this](AppState before, AppState after) { publish(std::string{nameOf(before)} + " to " + nameOf(after)); });
     return platform::simulated::SimulatedDesktop::run(argc, argv);
 }
 

@@ -7,6 +7,7 @@
 #include "platform/simulated/SimulatedDesktop.hpp"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace story {
@@ -21,10 +22,17 @@ using platform::simulated::Unexpected;
 using platform::simulated::UnreadableFile;
 using Lines = platform::simulated::SimulatedDesktop::Lines;
 
+/// Marvelode Timer as a program of which many can run in one process, one after the other: nothing of it is left
+/// when it has ended.
+int oneOfManyPrograms(int argc, const char* const* argv);
+
 class StoryDesktop : public platform::simulated::SimulatedDesktop {
 public:
-    /// A desktop with a complete installation and no settings. What nobody looked at fails the test.
+    /// A desktop with a complete installation and no settings. What no test looked at fails it.
     explicit StoryDesktop(platform::RepeatingTimersDuringModal policy = platform::RepeatingTimersDuringModal::Wait);
+
+    /// All files of the program's bundle.
+    static platform::simulated::Resources completeInstallation();
 
     /// Leaves the settings as a first run of version 1.1.0 leaves them.
     void hadAFirstRun();
@@ -49,7 +57,7 @@ protected:
     int run(int argc, const char* const* argv) override;
 
 private:
-    Lines _published;
+    void publish(std::string what) { note(platform::simulated::Journal::Kind::Published, std::move(what)); }
 };
 
 } // namespace story

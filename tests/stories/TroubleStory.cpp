@@ -1,4 +1,4 @@
-// A damaged installation, and settings that somebody else wrote.
+// A damaged installation, and settings that were edited by hand.
 
 #include "platform/UserDefaults.hpp"
 #include "tests/stories/StoryDesktop.hpp"
