@@ -41,14 +41,26 @@ const NSImage& App::Icon::image() {
     return image;
 }
 
-App::App(bool isTest)
-    : events{std::make_shared<Events>()}
-    , cfg{std::make_shared<Cfg>(isTest, events, loadBuildInfo(isTest))}
-    , audio{std::make_shared<UXAudio>(cfg)}
-    , popup{std::make_shared<UXPopup>(cfg)}
-    , systemTimerDeadline{Date::now()} {
-    status = std::make_shared<UXStatus>(
-        cfg, audio, cfg->buildInfo, events, [this] { return state; }, [this] { return countdown(); });
+std::shared_ptr<App> App::create(bool isTest) {
+    const auto events = std::make_shared<Events>();
+    const auto cfg = std::make_shared<Cfg>(isTest, events, loadBuildInfo(isTest));
+    const auto audio = std::make_shared<UXAudio>(cfg);
+    const auto popup = std::make_shared<UXPopup>(cfg);
+    return makeShared<App>(audio, popup, cfg, events);
+}
+
+App::App(ConstructionKey, std::shared_ptr<UXAudio> audio, std::shared_ptr<UXPopup> popup, std::shared_ptr<Cfg> cfg,
+         std::shared_ptr<Events> events)
+    : systemTimerDeadline{Date::now()}
+    , audio{std::move(audio)}
+    , popup{std::move(popup)}
+    , cfg{std::move(cfg)}
+    , events{std::move(events)} {}
+
+void App::finishConstruction(ConstructionKey) {
+    status = makeShared<UXStatus>(
+        cfg, audio, cfg->buildInfo, events, [self = shared_from_this()] { return self->state; },
+        [self = shared_from_this()] { return self->countdown(); });
 }
 
 App::~App() { NSWorkspace::shared().notificationCenter().removeObserver(this); }
@@ -56,14 +68,20 @@ App::~App() { NSWorkspace::shared().notificationCenter().removeObserver(this); }
 void App::applicationDidFinishLaunching() { initialize(); }
 
 void App::initialize() {
-    events->subscribe([this](Cfg::Parameter parameter) { onCfgChange(parameter); });
-    events->subscribe([this](UIAction action) { onUIAction(action); });
+    events->subscribe([self = shared_from_this()](Cfg::Parameter parameter) { self->onCfgChange(parameter); });
+    events->subscribe([self = shared_from_this()](UIAction action) { self->onUIAction(action); });
     if (!status) {
         platform::fatal();
     }
     status->start();
     NSWorkspace::shared().notificationCenter().addObserver(
-        this, [this] { didWakeFromSleep(); }, NotificationCenter::Name::NSWorkspaceDidWakeNotification);
+        this,
+        [observer = weak_from_this()] { // a notification centre owns no observer
+            if (const std::shared_ptr<App> self = observer.lock()) {
+                self->didWakeFromSleep();
+            }
+        },
+        NotificationCenter::Name::NSWorkspaceDidWakeNotification);
     restart();
 }
 
@@ -83,7 +101,7 @@ void App::time(TimeInterval interval, TimerType type) {
         systemTimerDeadline = Date::now() + interval;
     }
     systemTimer = platform::Timer::scheduledTimer(
-        interval, [this](const std::shared_ptr<platform::Timer>& fired) { timeExpired(fired); }, type, false);
+        interval, [self = shared_from_this()](const auto& fired) { self->timeExpired(fired); }, type, false);
 }
 
 void App::timeExpired(const std::shared_ptr<platform::Timer>& fired) {

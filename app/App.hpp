@@ -1,12 +1,13 @@
 #pragma once
 
-// The application object. It owns every other component, builds them in a fixed order, and runs the break
+// The application object. It builds every other component in a fixed order and keeps it, and it runs the break
 // cycle: a work interval, a reminder, and then the next interval or a snooze.
 
 #include "alerts/UXAudio.hpp"
 #include "alerts/UXPopup.hpp"
 #include "app/AppState.hpp"
 #include "app/Events.hpp"
+#include "app/MakeShared.hpp"
 #include "config/Cfg.hpp"
 #include "platform/Date.hpp"
 #include "platform/NSApplication.hpp"
@@ -18,7 +19,9 @@
 
 namespace marvelode {
 
-class App : public platform::NSApplicationDelegate, public platform::UNUserNotificationCenterDelegate {
+class App : public platform::NSApplicationDelegate,
+            public platform::UNUserNotificationCenterDelegate,
+            public std::enable_shared_from_this<App> {
 public:
     using State = AppState;
 
@@ -33,8 +36,15 @@ public:
         static const platform::NSImage& image();
     };
 
-    /// Builds all components; schedules, publishes and shows nothing.
-    explicit App(bool isTest);
+    /// Builds all components; schedules, publishes and shows nothing. The components keep the application object
+    /// alive from then on.
+    static std::shared_ptr<App> create(bool isTest);
+
+    /// For `create()`.
+    App(ConstructionKey key, std::shared_ptr<UXAudio> audio, std::shared_ptr<UXPopup> popup,
+        std::shared_ptr<Cfg> cfg, std::shared_ptr<Events> events);
+    void finishConstruction(ConstructionKey key);
+
     App() = delete;
     ~App() override;
     App(const App&) = delete;
@@ -58,14 +68,14 @@ public:
     void onUIAction(UIAction action);
     void terminate();
 
-    const std::shared_ptr<Events> events;
-    const std::shared_ptr<Cfg> cfg;
+    State state = State::Init;
+    platform::Date systemTimerDeadline; ///< When the current work interval ends; a snooze does not move it.
+    std::shared_ptr<platform::Timer> systemTimer; ///< The one pending timer; null before the first.
     const std::shared_ptr<UXAudio> audio;
     const std::shared_ptr<UXPopup> popup;
-    platform::Date systemTimerDeadline; ///< When the current work interval ends; a snooze does not move it.
-    State state = State::Init;
-    std::shared_ptr<platform::Timer> systemTimer; ///< The one pending timer; null before the first.
-    std::shared_ptr<UXStatus> status;             ///< Null only during construction.
+    std::shared_ptr<UXStatus> status; ///< Null only during construction.
+    const std::shared_ptr<Cfg> cfg;
+    const std::shared_ptr<Events> events;
 
 private:
     void initialize();

@@ -1,7 +1,7 @@
 #pragma once
 
-// The phase of the break cycle, as everybody who follows the cycle sees it. It is `App::State`; it stands in a
-// header of its own because the event bus carries it and the application object owns the bus.
+// The phase of the break cycle, `App::State`. It has a header of its own because the event bus carries it and the
+// application object includes the bus.
 
 namespace marvelode {
 

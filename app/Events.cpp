@@ -5,7 +5,7 @@
 namespace marvelode {
 namespace {
 
-// Takes the list by value: those who subscribe during the delivery are not part of it.
+// Takes the list by value: what is subscribed during the delivery is no part of it.
 template <typename Subscriber, typename... Payload>
 void deliver(std::vector<Subscriber> snapshot, const Payload&... payload) {
     for (const Subscriber& subscriber : snapshot) {

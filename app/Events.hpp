@@ -14,7 +14,7 @@ namespace marvelode {
 
 /// What the user can ask the application to do.
 enum class UIAction {
-    CountdownChange, ///< The countdown display changed; nobody publishes it at present.
+    CountdownChange, ///< The countdown display changed; published by no component at present.
     Restart,         ///< Start a new work interval.
     Terminate,       ///< Quit.
 };
@@ -52,8 +52,8 @@ public:
     void subscribe(UIActionSubscriber subscriber);
     void subscribe(AppStateChangeSubscriber subscriber);
 
-    /// Calls all who had subscribed to that kind of event when the delivery began. A subscriber may publish:
-    /// its event is delivered in full before the next subscriber of the first one is called.
+    /// Calls all subscribers that the kind of event has when the delivery begins. A subscriber may publish: its
+    /// event is delivered in full before the next subscriber of the first one is called.
     void publish(const Event& event);
 
 private:

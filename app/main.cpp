@@ -8,24 +8,11 @@
 namespace marvelode {
 
 bool isTest = false;
-std::shared_ptr<App> app;
-
-namespace {
-
-/// Lets the application object go while the desktop that it takes leave of still exists.
-struct Farewell {
-    ~Farewell() {
-        platform::NSApplication::shared().delegate = nullptr;
-        app = nullptr;
-    }
-};
-
-} // namespace
+std::shared_ptr<App>& app = *new std::shared_ptr<App>; // never destroyed, and so neither is the application object
 
 int marvelodeTimer(int argc, const char* const* argv) {
-    const Farewell farewell;
     isTest = argc == 2 && std::string_view{argv[1]} == "-test";
-    app = std::make_shared<App>(isTest);
+    app = App::create(isTest);
     platform::NSApplication::shared().delegate = app;
     return platform::NSApplicationMain(argc, argv);
 }

@@ -8,10 +8,10 @@ namespace marvelode {
 
 class App;
 
-extern bool isTest;              ///< Whether the program was started in test mode; set once.
-extern std::shared_ptr<App> app; ///< The one application object, kept alive for the life of the process.
+extern bool isTest;               ///< Whether the program was started in test mode; set once.
+extern std::shared_ptr<App>& app; ///< The one application object; set once, kept alive until the process has ended.
 
-/// Creates the application object, hands it to the desktop's run loop and gives the process's status. Test mode
+/// Creates the application object, hands it to the desktop's run loop and returns the process's status. Test mode
 /// is on exactly when the one and only argument is "-test".
 int marvelodeTimer(int argc, const char* const* argv);
 

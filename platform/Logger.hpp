@@ -22,7 +22,7 @@ public:
     /// Whether the desktop keeps entries of that level.
     bool isEnabled(Level level) const;
 
-    /// Adds one entry whose text is `message` to the letter, readable by everybody who may read the log.
+    /// Adds one entry whose text is exactly `message`, with nothing redacted.
     void log(Level level, std::string_view message) const;
 };
 

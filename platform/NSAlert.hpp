@@ -22,10 +22,10 @@ class NSAlert {
 public:
     enum class Style { Warning = 0, Informational = 1, Critical = 2 };
 
-    /// What `runModal()` gives for the first and the second button; later ones count on.
+    /// What `runModal()` returns for the first and the second button; later ones count on.
     static constexpr int FirstButtonReturn = 1000;
     static constexpr int SecondButtonReturn = 1001;
-    /// What `runModal()` gives when the alert went away without an answer.
+    /// What `runModal()` returns when the alert went away without an answer.
     static constexpr int Stopped = -1000;
 
     Style alertStyle = Style::Warning;

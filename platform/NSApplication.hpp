@@ -1,7 +1,7 @@
 #pragma once
 
 // The running program: its run loop, the modal sessions on top of it, and its end. What the program itself does at
-// launch is its delegate's business.
+// launch is up to its delegate.
 
 #include <memory>
 
@@ -64,7 +64,7 @@ public:
     void activate(ActivationOptions options);
 };
 
-/// Tells the delegate that launching has finished and runs the loop until the program ends; gives the process's
+/// Tells the delegate that launching has finished and runs the loop until the program ends; returns the process's
 /// status.
 int NSApplicationMain(int argc, const char* const* argv);
 

@@ -12,7 +12,7 @@
 
 namespace platform {
 
-/// Given to a menu that nobody wants to ask anything: no callback of it is used.
+/// A menu's delegate; none of its callbacks is used.
 class NSMenuDelegate {
 public:
     virtual ~NSMenuDelegate() = default;
@@ -37,8 +37,8 @@ public:
     const Action action;
     const std::string keyEquivalent;
 
-    /// Whether the entry was marked enabled or not; absent if nobody marked it, which counts as enabled. Heeded
-    /// only in a menu that does not enable its entries by itself.
+    /// Whether the entry was marked enabled; absent if it was never marked, which counts as enabled. Used only by
+    /// menus that do not enable their entries by themselves.
     std::optional<bool> isEnabled;
 
     bool isSeparatorItem() const { return _isSeparator; }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Sounds: files that are played without anybody waiting for their end, and the desktop's own alert beep.
+// Sounds: files that play while the program goes on, and the desktop's own alert beep.
 
 #include <filesystem>
 #include <memory>

@@ -20,7 +20,7 @@ public:
     static constexpr EventMask LeftMouseUp = 1U << 2U;
     static constexpr EventMask RightMouseUp = 1U << 4U;
 
-    const void* target = nullptr; ///< Who is sent the action, if one is set; not owned.
+    const void* target = nullptr; ///< The object that is sent the action, if one is set; not owned.
 
     /// Which mouse events trigger the button.
     void sendActionOn(EventMask mask) { _actionMask = mask; }
@@ -41,7 +41,7 @@ private:
     NSAttributedString _attributedTitle;
 };
 
-/// A status item; on screen from its creation until its last owner lets go of it.
+/// A status item; on screen from its creation until its last owner releases it.
 class NSStatusItem {
 public:
     explicit NSStatusItem(double length)

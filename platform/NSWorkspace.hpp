@@ -9,11 +9,11 @@
 
 namespace platform {
 
-/// Passes notifications from the desktop on to those who asked for them, in the order in which they asked.
+/// Delivers the desktop's notifications to their observers, in the order in which these were added.
 class NotificationCenter {
 public:
     enum class Name { NSWorkspaceDidWakeNotification };
-    using Observer = const void*; ///< Identifies who asked; never dereferenced.
+    using Observer = const void*; ///< Identifies an observer; not owned and never dereferenced.
 
     /// Calls `action` at every notification of that name from now on, until `observer` is removed.
     void addObserver(Observer observer, std::function<void()> action, Name name) {
@@ -23,15 +23,15 @@ public:
         _registrations.push_back({observer, std::move(action), name});
     }
 
-    /// Forgets everything that `observer` asked for.
+    /// Removes all registrations of `observer`.
     void removeObserver(Observer observer) {
         std::erase_if(_registrations, [&](const Registration& each) { return each.observer == observer; });
     }
 
-    /// For desktops: runs `hook` once, as soon as anybody asks for anything; in place of an earlier hook.
+    /// For desktops: runs `hook` once, when the first observer is added. Replaces an earlier hook.
     void onFirstObserver(std::function<void()> hook) { _firstObserverHook = std::move(hook); }
 
-    /// For desktops: tells everybody who asked, before it returns.
+    /// For desktops: calls all observers of that name, then returns.
     void post(Name name) {
         const auto snapshot = _registrations;
         for (const Registration& each : snapshot) {

@@ -31,13 +31,16 @@ void Timer::invalidate() {
         return;
     }
     _isValid = false;
+    const Action released = std::exchange(_action, nullptr); // may own all that owns this timer
     desktop().cancel(*this);
 }
 
-void Timer::fire(const std::shared_ptr<Timer>& timer) {
-    timer->_action(timer);
-    if (!timer->_repeats) {
-        timer->invalidate();
+void Timer::fire(std::shared_ptr<Timer> timer) {
+    const std::shared_ptr<Timer> fired = std::move(timer); // outlives its owner's replacing it
+    const Action action = fired->_action;                  // outlives the timer's being invalidated
+    action(fired);
+    if (!fired->_repeats) {
+        fired->invalidate();
     }
 }
 

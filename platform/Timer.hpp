@@ -28,7 +28,8 @@ public:
     /// False once the timer was invalidated; a one-shot timer invalidates itself after its action has returned.
     bool isValid() const { return _isValid; }
 
-    /// Takes the timer off the run loop for good; does nothing to a timer that is no longer valid.
+    /// Takes the timer off the run loop for good and destroys its action; does nothing to a timer that is no longer
+    /// valid.
     void invalidate();
 
     /// What was given when the timer was scheduled.
@@ -39,8 +40,8 @@ public:
 
     bool repeats() const { return _repeats; }
 
-    /// For desktops: runs the action, then invalidates a one-shot timer.
-    static void fire(const std::shared_ptr<Timer>& timer);
+    /// For desktops: runs the action, then invalidates a one-shot timer. The timer must be valid.
+    static void fire(std::shared_ptr<Timer> timer);
 
 private:
     Timer(TimeInterval interval, Action action, std::any userInfo, bool repeats);

@@ -24,18 +24,21 @@ NSMenuItem::StateValue muteCheckMark() {
 
 } // namespace
 
-UXMenu::UXMenu(std::shared_ptr<Cfg> cfg, const std::shared_ptr<BuildInfo>& buildInfo,
+UXMenu::UXMenu(ConstructionKey, std::shared_ptr<Cfg> cfg, const std::shared_ptr<BuildInfo>& buildInfo,
                std::shared_ptr<UXAudio> audio, std::shared_ptr<Events> events, std::function<AppState()> state)
     : audio{std::move(audio)}
     , cfg{std::move(cfg)}
     , events{std::move(events)}
     , state{std::move(state)}
-    , settings{this->cfg, SettingsView{this->cfg, this->audio}, NSPanel::HUDWindow}
-    , about{this->cfg, AboutView{this->cfg, buildInfo}, NSPanel::HUDWindow} {
-    about.window.titleVisibility = NSPanel::TitleVisibility::Hidden;
+    , about{makeShared<UXAbout>(this->cfg, AboutView{this->cfg, buildInfo}, NSPanel::HUDWindow)}
+    , settings{makeShared<UXSettings>(this->cfg, SettingsView{this->cfg, this->audio}, NSPanel::HUDWindow)} {
+    about->window.titleVisibility = NSPanel::TitleVisibility::Hidden;
+}
+
+void UXMenu::finishConstruction(ConstructionKey) {
     initMain();
-    this->events->subscribe([this](AppState, AppState) { updateMain(); });
-    this->events->subscribe([this](Cfg::Parameter) { updateMain(); });
+    events->subscribe([self = shared_from_this()](AppState, AppState) { self->updateMain(); });
+    events->subscribe([self = shared_from_this()](Cfg::Parameter) { self->updateMain(); });
 }
 
 void UXMenu::initMain() {
@@ -44,22 +47,23 @@ void UXMenu::initMain() {
 
     const auto add = [this](const char* title, void (UXMenu::*action)(NSMenuItem&), const char* keyEquivalent) {
         auto item = std::make_shared<NSMenuItem>(
-            title, [this, action](NSMenuItem& sender) { (this->*action)(sender); }, keyEquivalent);
+            title, [self = shared_from_this(), action](NSMenuItem& sender) { ((*self).*action)(sender); },
+            keyEquivalent);
         main->addItem(item);
         return item;
     };
-    add("About Marvelode Timer", &UXMenu::aboutAction, "")->isEnabled = false;
+    add(Title::About, &UXMenu::aboutAction, "")->isEnabled = false;
     main->addItem(NSMenuItem::separator());
-    add("Restart timer", &UXMenu::restartAction, "r")->isEnabled = false;
-    add("Mute", &UXMenu::toggleMute, "")->setState(muteCheckMark());
-    add("Popup reminders", &UXMenu::togglePopup, "")->setState(checkMark(cfg->popups()));
-    add("Settings", &UXMenu::runSettingsModal, "s")->isEnabled = true;
+    add(Title::Restart, &UXMenu::restartAction, "r")->isEnabled = false;
+    add(Title::Mute, &UXMenu::toggleMute, "")->setState(muteCheckMark());
+    add(Title::Popups, &UXMenu::togglePopup, "")->setState(checkMark(cfg->popups()));
+    add(Title::Settings, &UXMenu::runSettingsModal, "s")->isEnabled = true;
     main->addItem(NSMenuItem::separator());
-    add("Quit", &UXMenu::terminateAction, "q");
+    add(Title::Quit, &UXMenu::terminateAction, "q");
 }
 
 void UXMenu::updateMain() {
-    const std::shared_ptr<NSMenuItem> mute = main ? main->itemWithTitle("Mute") : nullptr;
+    const std::shared_ptr<NSMenuItem> mute = main ? main->itemWithTitle(Title::Mute) : nullptr;
     if (!mute) {
         platform::fatal();
     }
@@ -67,7 +71,7 @@ void UXMenu::updateMain() {
 }
 
 void UXMenu::aboutAction(NSMenuItem&) {
-    about.runModal([] {});
+    about->runModal([] {});
 }
 
 void UXMenu::restartAction(NSMenuItem&) { events->publish({Event::uiAction{UIAction::Restart}}); }
@@ -77,7 +81,7 @@ void UXMenu::toggleMute(NSMenuItem& sender) { toggle(sender, &Cfg::toggleMute); 
 void UXMenu::togglePopup(NSMenuItem& sender) { toggle(sender, &Cfg::togglePopups); }
 
 void UXMenu::runSettingsModal(NSMenuItem&) {
-    settings.runModal([this] { updateMain(); });
+    settings->runModal([self = shared_from_this()] { self->updateMain(); });
 }
 
 void UXMenu::terminateAction(NSMenuItem&) { events->publish({Event::uiAction{UIAction::Terminate}}); }

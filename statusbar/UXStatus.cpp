@@ -14,30 +14,32 @@ using platform::NSImage;
 using platform::NSStatusBar;
 using platform::NSStatusBarButton;
 
-UXStatus::UXStatus(std::shared_ptr<Cfg> cfg, std::shared_ptr<UXAudio> audio, std::shared_ptr<BuildInfo> buildInfo,
-                   std::shared_ptr<Events> events, std::function<AppState()> state,
-                   std::function<platform::TimeInterval()> remainingTime)
+UXStatus::UXStatus(ConstructionKey, std::shared_ptr<Cfg> cfg, std::shared_ptr<UXAudio> audio,
+                   std::shared_ptr<BuildInfo> buildInfo, std::shared_ptr<Events> events,
+                   std::function<AppState()> state, std::function<platform::TimeInterval()> remainingTime)
     : font{NSFont::monospacedSystemFont(12, NSFont::Weight::Regular)}
     , audio{std::move(audio)}
     , cfg{std::move(cfg)}
     , buildInfo{std::move(buildInfo)}
     , events{std::move(events)}
     , remainingTime{std::move(remainingTime)}
-    , state{std::move(state)} {
-    this->events->subscribe([this](AppState, AppState) { update(); });
-    this->events->subscribe([this](Cfg::Parameter) { update(); });
-    this->events->subscribe([this](UIAction) { update(); });
+    , state{std::move(state)} {}
+
+void UXStatus::finishConstruction(ConstructionKey) {
+    events->subscribe([self = shared_from_this()](AppState, AppState) { self->update(); });
+    events->subscribe([self = shared_from_this()](Cfg::Parameter) { self->update(); });
+    events->subscribe([self = shared_from_this()](UIAction) { self->update(); });
 }
 
 void UXStatus::start() {
-    menu = std::make_unique<UXMenu>(cfg, buildInfo, audio, events, state);
+    menu = makeShared<UXMenu>(cfg, buildInfo, audio, events, state);
     statusBarItem = NSStatusBar::system().statusItemWithLength(StatusBarItemWidth);
     button().target = this;
     button().sendActionOn(NSStatusBarButton::LeftMouseUp | NSStatusBarButton::RightMouseUp);
     statusBarItem->setMenu(menu->main);
     setIcon(TimerIcon);
     platform::Timer::scheduledTimer(
-        1.0, [this](const auto&) { update(); }, {}, true);
+        1.0, [self = shared_from_this()](const auto&) { self->update(); }, {}, true);
 }
 
 void UXStatus::update() {

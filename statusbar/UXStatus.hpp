@@ -5,6 +5,7 @@
 
 #include "alerts/UXAudio.hpp"
 #include "app/Events.hpp"
+#include "app/MakeShared.hpp"
 #include "config/BuildInfo.hpp"
 #include "config/Cfg.hpp"
 #include "platform/NSStatusItem.hpp"
@@ -16,13 +17,14 @@
 
 namespace marvelode {
 
-class UXStatus {
+class UXStatus : public std::enable_shared_from_this<UXStatus> {
 public:
-    /// Subscribes to every kind of event; shows nothing yet. `state` gives the phase of the break cycle and
-    /// `remainingTime` the seconds left, negative once the break is due. The item must outlive the bus.
-    UXStatus(std::shared_ptr<Cfg> cfg, std::shared_ptr<UXAudio> audio, std::shared_ptr<BuildInfo> buildInfo,
-             std::shared_ptr<Events> events, std::function<AppState()> state,
+    /// Subscribes to every kind of event; shows nothing yet. `state` returns the phase of the break cycle and
+    /// `remainingTime` the seconds left, negative once the break is due. Made by `makeShared`.
+    UXStatus(ConstructionKey key, std::shared_ptr<Cfg> cfg, std::shared_ptr<UXAudio> audio,
+             std::shared_ptr<BuildInfo> buildInfo, std::shared_ptr<Events> events, std::function<AppState()> state,
              std::function<platform::TimeInterval()> remainingTime);
+    void finishConstruction(ConstructionKey key);
     UXStatus(const UXStatus&) = delete;
     UXStatus& operator=(const UXStatus&) = delete;
 
@@ -45,7 +47,7 @@ public:
     const std::shared_ptr<Cfg> cfg;
     const std::shared_ptr<BuildInfo> buildInfo;
     const std::shared_ptr<Events> events;
-    std::unique_ptr<UXMenu> menu; ///< Null until `start()`.
+    std::shared_ptr<UXMenu> menu; ///< Null until `start()`.
     const std::function<platform::TimeInterval()> remainingTime;
     const std::function<AppState()> state;
     std::shared_ptr<platform::NSStatusItem> statusBarItem; ///< Null until `start()`.

@@ -17,8 +17,8 @@ View AboutView::body() const {
     belowName.push_back(VerbatimText(buildInfo->date).font(Font::Caption));
     return VStack({
                       heading(cfg->isTest, std::move(belowName)).padding(Edges::Bottom, 12),
-                      VerbatimText("Version: " + buildInfo->version),
-                      VerbatimText("Build: " + buildInfo->build).padding(Edges::Bottom, 12),
+                      Text("Version: %@", {buildInfo->version}),
+                      Text("Build: %@", {buildInfo->build}).padding(Edges::Bottom, 12),
                       Text("[License](https://opensource.org/license/mit)"),
                       Text("© 2026 [The Marvelode makers](https://marvelode.example)").padding(Edges::Bottom, 12),
                       Text("[Support](https://marvelode.example/support) development").padding(Edges::Bottom, 12),

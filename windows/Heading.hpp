@@ -1,6 +1,6 @@
 #pragma once
 
-// The upper part that both windows begin with: the application picture and, beside it, the program's name.
+// The upper part of both windows: the application picture and, beside it, the program's name.
 
 #include "platform/View.hpp"
 

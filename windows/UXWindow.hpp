@@ -1,9 +1,10 @@
 #pragma once
 
-// The modal panel that hosts one declarative view: shown when it is run, gone when the view says that the
-// user is done. A host is made once and run any number of times; its view keeps its state from one run to the
+// The modal panel that hosts one declarative view, shown from the call of `runModal` until the view reports that
+// the user is done. A host is made once and run any number of times; its view keeps its state from one run to the
 // next.
 
+#include "app/MakeShared.hpp"
 #include "config/Cfg.hpp"
 #include "platform/NSApplication.hpp"
 #include "platform/NSPanel.hpp"
@@ -23,10 +24,13 @@ concept UXWindowView = requires(View view, const View& constant) {
 };
 
 template <UXWindowView View>
-class UXWindow : public platform::NSWindowDelegate {
+class UXWindow : public platform::NSWindowDelegate, public std::enable_shared_from_this<UXWindow<View>> {
 public:
-    /// Builds the panel around a copy of `view`; `styleMask` is added to the panel's own. Shows nothing yet.
-    UXWindow(const std::shared_ptr<Cfg>& cfg, View view, platform::NSPanel::StyleMask styleMask);
+    /// Builds the panel around a copy of `view`; `styleMask` is added to the panel's own. Shows nothing yet. Made
+    /// by `makeShared`; never destroyed, since the panel's content owns the host that owns the panel.
+    UXWindow(ConstructionKey key, const std::shared_ptr<Cfg>& cfg, View view,
+             platform::NSPanel::StyleMask styleMask);
+    void finishConstruction(ConstructionKey key);
     UXWindow() = delete;
     UXWindow(const UXWindow&) = delete;
     UXWindow& operator=(const UXWindow&) = delete;
@@ -37,15 +41,22 @@ public:
     void windowWillClose() override { platform::NSApplication::shared().stopModal(); }
 
     platform::NSPanel window;
+
+private:
+    /// The root of the panel's content.
+    struct Root {
+        View view;
+        platform::View operator()() const { return view.body(); }
+    };
 };
 
 template <UXWindowView View>
-UXWindow<View>::UXWindow(const std::shared_ptr<Cfg>&, View view, platform::NSPanel::StyleMask styleMask) {
+UXWindow<View>::UXWindow(ConstructionKey, const std::shared_ptr<Cfg>&, View view,
+                         platform::NSPanel::StyleMask styleMask) {
     using platform::NSPanel;
 
-    view._done = [this] { window.close(); };
     window.contentView = std::make_shared<platform::NSHostingView>();
-    window.contentView->rootView = [view = std::move(view)] { return view.body(); };
+    window.contentView->rootView = Root{std::move(view)};
     window.delegate = this;
     window.title = "Marvelode Timer";
     window.styleMask |= styleMask;
@@ -60,6 +71,12 @@ UXWindow<View>::UXWindow(const std::shared_ptr<Cfg>&, View view, platform::NSPan
     window.contentView->isHidden = true;
     window.titleVisibility = NSPanel::TitleVisibility::Hidden;
     window.titlebarAppearsTransparent = true;
+}
+
+template <UXWindowView View>
+void UXWindow<View>::finishConstruction(ConstructionKey) {
+    View& view = window.contentView->rootView.template target<Root>()->view;
+    view._done = [host = this->shared_from_this()] { host->window.close(); };
 }
 
 template <UXWindowView View>

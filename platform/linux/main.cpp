@@ -124,13 +124,14 @@ platform::linux::SettingsFile::Values assumedSettings() {
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
 platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& desktop) {
     using marvelode::app;
+    using marvelode::UXMenu;
     return {
-        .commands = {{"Restart", "restart", "Restart timer"},
-                     {"ToggleMute", "toggle-mute", "Mute"},
-                     {"TogglePopups", "toggle-popups", "Popup reminders"},
-                     {"ShowSettings", "show-settings", "Settings"},
-                     {"ShowAbout", "show-about", "About Marvelode Timer"},
-                     {"Quit", "quit", "Quit"}},
+        .commands = {{"Restart", "restart", UXMenu::Title::Restart},
+                     {"ToggleMute", "toggle-mute", UXMenu::Title::Mute},
+                     {"TogglePopups", "toggle-popups", UXMenu::Title::Popups},
+                     {"ShowSettings", "show-settings", UXMenu::Title::Settings},
+                     {"ShowAbout", "show-about", UXMenu::Title::About},
+                     {"Quit", "quit", UXMenu::Title::Quit}},
         .pick = [&desktop](std::string_view entry,
                            std::function<void()> picked) { desktop.pick(entry, std::move(picked)); },
         .showMenu = [&desktop](std::function<void()> shown) { desktop.showMenuWindow(std::move(shown)); },

@@ -54,14 +54,19 @@ TEST_F(TheAboutBox, ShowsTheDateAsItStands) {
     EXPECT_EQ(date.last<modifier::FontStyle>()->font, Font::Caption);
 }
 
+TEST_F(TheAboutBox, ShowsVersionAndBuildAsTheyStandInTranslatableTexts) {
+    buildInfo = std::make_shared<BuildInfo>("%@ [b](https://example.org)", "", "[v](https://example.org) %@");
+    const View about = body();
+    EXPECT_EQ(run(about, 1, 0), (node::TextRun{"Version: [v](https://example.org) %@", std::nullopt}));
+    EXPECT_EQ(run(about, 2, 0), (node::TextRun{"Build: %@ [b](https://example.org)", std::nullopt}));
+}
+
 TEST_F(TheAboutBox, LinksToLicenceMakerAndSupport) {
     const View about = body();
-    EXPECT_EQ(run(about, 3, 0).string, "License");
-    EXPECT_TRUE(run(about, 3, 0).link);
-    EXPECT_FALSE(run(about, 4, 0).link);
-    EXPECT_TRUE(run(about, 4, 1).link);
-    EXPECT_EQ(run(about, 5, 0).string, "Support");
-    EXPECT_TRUE(run(about, 5, 0).link);
+    EXPECT_EQ(run(about, 3, 0), (node::TextRun{"License", "https://opensource.org/license/mit"}));
+    EXPECT_EQ(run(about, 4, 0), (node::TextRun{"© 2026 ", std::nullopt}));
+    EXPECT_EQ(run(about, 4, 1), (node::TextRun{"The Marvelode makers", "https://marvelode.example"}));
+    EXPECT_EQ(run(about, 5, 0), (node::TextRun{"Support", "https://marvelode.example/support"}));
     EXPECT_EQ(run(about, 5, 1), (node::TextRun{" development", std::nullopt}));
 }
 
@@ -89,15 +94,20 @@ TEST_F(TheAboutBox, IsLaidOut) {
 
 class TheAboutWindow : public TheAboutBox {
 protected:
-    std::unique_ptr<UXAbout> window;
+    std::shared_ptr<UXAbout> window;
 
     void SetUp() override {
         desktop.launch();
-        window = std::make_unique<UXAbout>(makeCfg(), AboutView{makeCfg(), buildInfo}, NSPanel::HUDWindow);
+        window = makeShared<UXAbout>(makeCfg(), AboutView{makeCfg(), buildInfo}, NSPanel::HUDWindow);
         desktop.perform([this] { window->runModal([] {}); });
     }
 
-    void TearDown() override { desktop.losePower(); }
+    void TearDown() override {
+        desktop.losePower();
+        if (window) {
+            takeApart(*window);
+        }
+    }
 };
 
 TEST_F(TheAboutWindow, ClosesOnReturn) {

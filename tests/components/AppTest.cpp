@@ -3,9 +3,11 @@
 #include "app/main.hpp"
 #include "tests/components/Bench.hpp"
 #include "tests/stories/StoryDesktop.hpp"
+#include "tests/support/TakeApart.hpp"
 
-#include <optional>
+#include <memory>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -52,15 +54,16 @@ TEST(TheEntry, MakesTheApplicationObjectTheDelegate) {
 
 TEST(TheApplicationObject, IsBuiltWithoutTimersOrAnythingToSee) {
     StoryDesktop desktop;
-    App constructed{true};
-    EXPECT_EQ(constructed.state, App::State::Init);
-    EXPECT_EQ(constructed.systemTimer, nullptr);
+    const std::shared_ptr<App> constructed = App::create(true);
+    EXPECT_EQ(constructed->state, App::State::Init);
+    EXPECT_EQ(constructed->systemTimer, nullptr);
     EXPECT_FALSE(desktop.hasStatusItem());
-    ASSERT_TRUE(constructed.status);
-    EXPECT_EQ(constructed.status->state(), App::State::Init);
+    ASSERT_TRUE(constructed->status);
+    EXPECT_EQ(constructed->status->state(), App::State::Init);
     desktop.wait(10ms);
-    EXPECT_NEAR(constructed.status->remainingTime(), -0.01, 1e-6); // the deadline is the moment of construction
+    EXPECT_NEAR(constructed->status->remainingTime(), -0.01, 1e-6); // the deadline is the moment of construction
     EXPECT_TRUE(desktop.defaults.empty());
+    takeApart(*constructed);
 }
 
 TEST(TheApplicationObject, PassesOneBusAndOneStoreToAll) {
@@ -116,19 +119,52 @@ TEST(TheApplicationObject, ReactsToEventsAfterTheStatusItem) {
     EXPECT_EQ(desktop.title(), "21m");
 }
 
-TEST(TheApplicationObject, StopsListeningForWakesWhenItGoes) {
+/// Keeps neither timers nor the status item, whose actions own the program.
+class ForgetfulDesktop : public StoryDesktop {
+    void schedule(const std::shared_ptr<platform::Timer>&) override {}
+    void showStatusItem(const std::shared_ptr<platform::NSStatusItem>&) override {}
+};
+
+TEST(TheApplicationObject, StopsListeningForWakesWhenItIsDestroyed) {
     constexpr auto wake = platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification;
-    StoryDesktop desktop;
-    std::optional<App> object{std::in_place, true};
+    ForgetfulDesktop desktop;
+    std::shared_ptr<App> object = App::create(true);
     object->applicationDidFinishLaunching();
     int restarts = 0;
     const std::shared_ptr<Events> events = object->events;
     events->subscribe([&](AppState, AppState) { ++restarts; });
     desktop.workspaceNotifications.post(wake);
     EXPECT_EQ(restarts, 1);
+    const std::weak_ptr<App> observer = object;
+    takeApart(*object);
     object.reset();
+    EXPECT_TRUE(observer.expired());
     desktop.workspaceNotifications.post(wake);
     EXPECT_EQ(restarts, 1);
+}
+
+TEST(TheApplicationObject, IsKeptByTheClosuresThatItHandsOut) {
+    const StoryDesktop desktop;
+    std::shared_ptr<App> object = App::create(true);
+    const std::shared_ptr<UXStatus> status = object->status;
+    const std::weak_ptr<App> kept = object;
+    object.reset();
+    EXPECT_EQ(status->state(), App::State::Init);
+    EXPECT_EQ(status->remainingTime(), 0);
+    takeApart(*kept.lock());
+}
+
+TEST(TheApplicationObject, IsKeptWhenItsRunLoopHasEnded) {
+    platform::simulated::SimulatedDesktop desktop{marvelodeTimer,
+                                                  [](const std::string& complaint) { ADD_FAILURE() << complaint; }};
+    desktop.resources = StoryDesktop::completeInstallation();
+    desktop.launch({"-test"});
+    desktop.pick("Quit");
+    EXPECT_EQ(desktop.exitStatus(), 0);
+    ASSERT_TRUE(app);
+    EXPECT_EQ(app->state, App::State::Timing);
+    EXPECT_EQ(app->status->remainingTime(), 30);
+    takeApart(*std::exchange(app, nullptr)); // for the programs that come after
 }
 
 TEST(TheApplicationPicture, IsTheColouredOne) {
@@ -146,9 +182,9 @@ TEST_F(BenchDeathTest, AMissingApplicationPictureIsFatal) {
 
 TEST_F(BenchDeathTest, AMissingStatusItemAtLaunchIsFatal) {
     EXPECT_FATAL({
-        App object{true};
-        object.status = nullptr;
-        object.applicationDidFinishLaunching();
+        const std::shared_ptr<App> object = App::create(true);
+        object->status = nullptr;
+        object->applicationDidFinishLaunching();
     });
 }
 

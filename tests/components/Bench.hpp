@@ -7,6 +7,8 @@
 #include "config/Cfg.hpp"
 #include "platform/UserDefaults.hpp"
 #include "platform/simulated/SimulatedDesktop.hpp"
+#include "tests/stories/StoryDesktop.hpp"
+#include "tests/support/TakeApart.hpp"
 
 #include <gtest/gtest.h>
 
@@ -27,6 +29,17 @@ using platform::simulated::UnreadableFile;
 using Lines = platform::simulated::SimulatedDesktop::Lines;
 using Parameter = Cfg::Parameter;
 
+/// The names of all sounds, with or without the one that has no file.
+inline Lines soundNames(bool withSystem) {
+    Lines names;
+    for (const Cfg::Sound sound : Cfg::allSounds) {
+        if (withSystem || sound != Cfg::Sound::System) {
+            names.emplace_back(Cfg::rawValue(sound));
+        }
+    }
+    return names;
+}
+
 /// The desktop, a bus on which every change of a setting is noted, and the settings of a later run.
 class Bench : public testing::Test {
 protected:
@@ -38,16 +51,14 @@ protected:
     std::vector<Parameter> published;
 
     Bench() {
-        desktop.resources = {
-            {"Sonar.m4a", SoundFile{}},
-            {"Bowl.m4a", SoundFile{}},
-            {"Whistle.m4a", SoundFile{}},
-            {"Marvelode.png", PictureFile{{512, 832}}},
-            {"MarvelodeGrey.png", PictureFile{{512, 832}}},
-        };
+        desktop.resources = story::StoryDesktop::completeInstallation();
+        desktop.resources.erase("BuildInfo.txt");
         desktop.defaults["Version"] = "1.1.0"s;
         events->subscribe([this](Parameter parameter) { published.push_back(parameter); });
     }
+    ~Bench() override { takeApart(*events); }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
 
     std::shared_ptr<Cfg> makeCfg(bool isTest = false) { return std::make_shared<Cfg>(isTest, events, buildInfo); }
 

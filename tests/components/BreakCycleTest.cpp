@@ -1,50 +1,9 @@
-#include "app/App.hpp"
-#include "app/main.hpp"
-#include "tests/components/Bench.hpp"
-#include "tests/stories/StoryDesktop.hpp"
+#include "tests/components/BreakCycle.hpp"
 
 #include <functional>
 
+namespace break_cycle {
 namespace {
-
-using namespace marvelode;
-using namespace std::chrono_literals;
-using platform::DefaultsValue;
-using story::Lines;
-using story::StoryDesktop;
-
-class BreakCycle : public testing::Test {
-protected:
-    StoryDesktop desktop;
-
-    /// Launches with the settings of a later run.
-    void launch(bool popups, bool autoRestart, bool muted = false) {
-        desktop.hadAFirstRun();
-        desktop.defaults["PopupAlerts"] = popups;
-        desktop.defaults["AutoRestart"] = autoRestart;
-        desktop.defaults["Mute"] = muted;
-        desktop.launch();
-        desktop.published();
-    }
-
-    static App::TimerType pendingKind() { return std::any_cast<App::TimerType>(app->systemTimer->userInfo()); }
-
-    void expectFreshInterval() {
-        EXPECT_EQ(desktop.state(), App::State::Timing);
-        EXPECT_TRUE(desktop.isTimerPending());
-        EXPECT_EQ(pendingKind(), App::TimerType::Timer);
-        EXPECT_EQ(app->countdown(), app->cfg->timerInterval());
-    }
-
-    void expectSnooze(double seconds) {
-        EXPECT_EQ(desktop.state(), App::State::Reminding);
-        EXPECT_TRUE(desktop.isTimerPending());
-        EXPECT_EQ(pendingKind(), App::TimerType::Reminder);
-        EXPECT_EQ(app->systemTimer->interval(), seconds);
-    }
-
-    void TearDown() override { desktop.heard(); }
-};
 
 // Intervals
 
@@ -150,56 +109,6 @@ TEST_F(BreakCycle, RemindsWhenTheWorkTimerFires) {
     EXPECT_EQ(desktop.state(), App::State::Reminding);
 }
 
-TEST_F(BreakCycle, RestartsWhenThePopupIsAnsweredSo) {
-    launch(true, true);
-    desktop.wait(10min);
-    desktop.wait(33s);
-    desktop.click("Restart");
-    EXPECT_EQ(desktop.published(), (Lines{"Timing to Reminding", "Reminding to Timing"}));
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, SnoozesForAMinuteOnAnyOtherAnswerAndKeepsTheDeadline) {
-    launch(true, true);
-    const double deadline = desktop.deadline();
-    desktop.wait(10min);
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), Lines{"Timing to Reminding"});
-    expectSnooze(60);
-    desktop.wait(30s);
-    EXPECT_EQ(app->countdown(), -30);
-    EXPECT_EQ(desktop.deadline(), deadline);
-    desktop.wait(30s);
-    EXPECT_TRUE(desktop.alertIsUp());
-    EXPECT_EQ(desktop.published(), Lines{});
-}
-
-/// A desktop on which every alert has this answer at once.
-class AnsweringDesktop : public StoryDesktop {
-public:
-    explicit AnsweringDesktop(int answer)
-        : _answer{answer} {}
-
-private:
-    int runAlert(platform::NSAlert&) override { return _answer; }
-
-    int _answer;
-};
-
-TEST(AnAnswer, SnoozesUnlessItIsTheFirstButton) {
-    for (const int answer : {platform::NSAlert::Stopped, -1001, 0, 999, 1001, 1002}) {
-        AnsweringDesktop desktop{answer};
-        desktop.hadAFirstRun();
-        desktop.launch();
-        desktop.wait(10min);
-        EXPECT_EQ(desktop.published(), (Lines{"Init to Timing", "Timing to Reminding"})) << answer;
-        EXPECT_EQ(std::any_cast<App::TimerType>(app->systemTimer->userInfo()), App::TimerType::Reminder);
-        EXPECT_EQ(app->systemTimer->interval(), 60);
-        EXPECT_EQ(app->countdown(), 0);
-        EXPECT_EQ(desktop.heard(), Lines{"beep"});
-    }
-}
-
 TEST_F(BreakCycle, GoesStraightOnWhenMutedWithoutPopupsAndWithAutomaticRestart) {
     launch(false, true, true);
     desktop.wait(10min);
@@ -229,88 +138,6 @@ TEST_F(BreakCycle, WaitsForTheUserWithoutPopupsAndWithoutAutomaticRestart) {
     EXPECT_EQ(desktop.published(), Lines{});
 }
 
-// The check box
-
-TEST_F(BreakCycle, TurnsPopupsOffBeforeASnoozeThatEndsWithTheSoundAlone) {
-    launch(true, false);
-    desktop.wait(10min);
-    desktop.tick("Disable popup notifications");
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), (Lines{"Timing to Reminding", "PopupAlerts false"}));
-    expectSnooze(60);
-    desktop.heard();
-    desktop.wait(1min);
-    EXPECT_FALSE(desktop.alertIsUp());
-    EXPECT_EQ(desktop.heard(), Lines{"beep"});
-    EXPECT_EQ(desktop.state(), App::State::Reminding);
-    EXPECT_FALSE(desktop.isTimerPending());
-}
-
-TEST_F(BreakCycle, RestartsSilentlyAtTheEndOfASnoozeWithoutPopupsAndWithAutomaticRestart) {
-    launch(true, true);
-    desktop.wait(10min);
-    desktop.click("Snooze");
-    desktop.pick("Popup reminders"); // off, while the snooze runs
-    desktop.heard();
-    desktop.published();
-    desktop.wait(1min);
-    EXPECT_EQ(desktop.heard(), Lines{});
-    EXPECT_EQ(desktop.published(), Lines{"Reminding to Timing"});
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, ReplacesTheSnoozeWhenPopupsWereTurnedOffWithAutomaticRestart) {
-    launch(true, true);
-    desktop.wait(10min);
-    desktop.tick("Disable popup notifications");
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), (Lines{"Timing to Reminding", "PopupAlerts false", "Reminding to Timing"}));
-    EXPECT_EQ(desktop.defaults.at("PopupAlerts"), DefaultsValue{false});
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, RestartsTwiceWhenPopupsWereTurnedOffAndRestartChosenWithAutomaticRestart) {
-    launch(true, true);
-    desktop.wait(10min);
-    desktop.tick("Disable popup notifications");
-    desktop.click("Restart");
-    EXPECT_EQ(desktop.published(),
-              (Lines{"Timing to Reminding", "PopupAlerts false", "Reminding to Timing", "Timing to Timing"}));
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, SnoozesAgainAfterASecondReminderTurnedPopupsOff) {
-    launch(true, true); // the end of a snooze does not read the setting again after the popup
-    desktop.wait(10min);
-    desktop.click("Snooze");
-    desktop.wait(1min);
-    desktop.tick("Disable popup notifications");
-    desktop.click("Snooze");
-    expectSnooze(60);
-    desktop.wait(1min);
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, LeavesPopupsOnWithoutABoxToTick) {
-    launch(true, true);
-    desktop.perform([] { app->popup->alert.setShowsSuppressionButton(false); });
-    desktop.wait(10min);
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), Lines{"Timing to Reminding"});
-    expectSnooze(60);
-}
-
-TEST_F(BreakCycle, KeepsPopupsOnDuringAFirstRunWhateverIsTicked) {
-    desktop.launch();
-    desktop.wait(10min);
-    desktop.tick("Disable popup notifications");
-    desktop.published();
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), Lines{"PopupAlerts false"});
-    EXPECT_EQ(desktop.defaults.at("PopupAlerts"), DefaultsValue{true});
-    expectSnooze(60);
-}
-
 // Waking
 
 TEST_F(BreakCycle, RestartsAtEveryWakeWhateverTheSettingHolds) {
@@ -334,27 +161,6 @@ TEST_F(BreakCycle, LeavesASnoozeAtAWake) {
     desktop.published();
     desktop.sleepAndWake(2h);
     EXPECT_EQ(desktop.published(), Lines{"Reminding to Timing"});
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, IgnoresASnoozeThatIsChosenAfterAWake) {
-    launch(true, true);
-    desktop.wait(10min);
-    EXPECT_TRUE(desktop.alertIsUp());
-    desktop.sleepAndWake(2h);
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.published(), (Lines{"Timing to Reminding", "Reminding to Timing"}));
-    expectFreshInterval();
-}
-
-TEST_F(BreakCycle, RestartsAgainWhenThatIsChosenAfterAWake) {
-    launch(true, true);
-    desktop.wait(10min);
-    EXPECT_TRUE(desktop.alertIsUp());
-    desktop.sleepAndWake(2h);
-    desktop.wait(1min);
-    desktop.click("Restart");
-    EXPECT_EQ(desktop.published(), (Lines{"Timing to Reminding", "Reminding to Timing", "Timing to Timing"}));
     expectFreshInterval();
 }
 
@@ -382,12 +188,13 @@ TEST_F(BreakCycle, IgnoresTheCurrentTimerOnceItIsInvalid) {
 }
 
 TEST_F(BreakCycle, IgnoresATimerBeforeTheFirstInterval) {
-    App object{true};
-    object.timeExpired(nullptr);
-    object.timerFired();
-    object.reminderFired();
-    EXPECT_EQ(object.state, App::State::Init);
-    EXPECT_EQ(object.systemTimer, nullptr);
+    const std::shared_ptr<App> object = App::create(true);
+    object->timeExpired(nullptr);
+    object->timerFired();
+    object->reminderFired();
+    EXPECT_EQ(object->state, App::State::Init);
+    EXPECT_EQ(object->systemTimer, nullptr);
+    takeApart(*object);
 }
 
 TEST_F(BreakCycle, IgnoresTheEndOfASnoozeWhileTiming) {
@@ -424,38 +231,16 @@ TEST_F(BreakCycle, EndsWithTheProgram) {
     EXPECT_EQ(desktop.exitStatus(), 0);
 }
 
-TEST_F(BreakCycle, BringsThePopupToTheFront) {
-    launch(true, true);
-    EXPECT_FALSE(desktop.isInFront());
-    desktop.wait(10min);
-    EXPECT_TRUE(desktop.alertIsUp());
-    EXPECT_TRUE(desktop.isInFront());
-}
-
-TEST_F(BreakCycle, StaysInTheBackWithoutPopups) {
-    launch(false, true);
-    desktop.wait(10min);
-    EXPECT_FALSE(desktop.isInFront());
-}
-
-TEST_F(BreakCycle, PlaysTheSoundBeforeThePopupAndNotAfterIt) {
-    launch(true, true);
-    desktop.wait(10min);
-    EXPECT_TRUE(desktop.alertIsUp());
-    EXPECT_EQ(desktop.heard(), Lines{"beep"});
-    desktop.click("Snooze");
-    EXPECT_EQ(desktop.heard(), Lines{});
-}
-
 using bench::BenchDeathTest;
 
 TEST_F(BenchDeathTest, ATimerWithoutItsKindIsFatal) {
     EXPECT_FATAL({
-        App object{true};
-        object.systemTimer = platform::Timer::scheduledTimer(
+        const std::shared_ptr<App> object = App::create(true);
+        object->systemTimer = platform::Timer::scheduledTimer(
             1, [](const auto&) {}, std::string{"no kind"}, false);
-        object.timeExpired(object.systemTimer);
+        object->timeExpired(object->systemTimer);
     });
 }
 
 } // namespace
+} // namespace break_cycle

@@ -2,6 +2,8 @@
 
 #include "tests/components/Bench.hpp"
 
+#include <utility>
+
 namespace bench {
 namespace {
 
@@ -11,7 +13,7 @@ using platform::NSPanel;
 class TheStatusMenu : public Bench {
 protected:
     std::shared_ptr<platform::NSStatusItem> item;
-    std::unique_ptr<UXMenu> menu;
+    std::shared_ptr<UXMenu> menu;
     std::vector<UIAction> actions;
 
     /// Puts the menu behind a status item and starts the program.
@@ -19,8 +21,8 @@ protected:
         desktop.launch();
         desktop.perform([this] {
             const auto cfg = makeCfg();
-            menu = std::make_unique<UXMenu>(cfg, buildInfo, std::make_shared<UXAudio>(cfg), events,
-                                            [] { return AppState::Timing; });
+            menu = makeShared<UXMenu>(cfg, buildInfo, std::make_shared<UXAudio>(cfg), events,
+                                      [] { return AppState::Timing; });
             item = platform::NSStatusBar::system().statusItemWithLength(50);
             item->setMenu(menu->main);
         });
@@ -29,7 +31,12 @@ protected:
 
     const NSMenuItem& entry(const std::string& title) const { return *menu->main->itemWithTitle(title); }
 
-    void TearDown() override { desktop.losePower(); }
+    void TearDown() override {
+        desktop.losePower();
+        if (menu) {
+            takeApart(*menu);
+        }
+    }
 };
 
 TEST_F(TheStatusMenu, HasItsEntries) {
@@ -140,7 +147,7 @@ TEST_F(TheStatusMenu, IsReachedByItsKeys) {
     desktop.pickByKey("r");
     EXPECT_EQ(actions, std::vector{UIAction::Restart});
     desktop.pickByKey("s");
-    EXPECT_EQ(&desktop.panel(), &menu->settings.window);
+    EXPECT_EQ(&desktop.panel(), &menu->settings->window);
     desktop.closeWindow();
     desktop.pickByKey("q");
     EXPECT_EQ(actions, (std::vector{UIAction::Restart, UIAction::Terminate}));
@@ -151,13 +158,13 @@ TEST_F(TheStatusMenu, OnlyAsksForRestartingAndQuitting) {
     desktop.pick("Restart timer");
     desktop.pick("Quit");
     EXPECT_EQ(actions, (std::vector{UIAction::Restart, UIAction::Terminate}));
-    EXPECT_TRUE(desktop.isRunning()); // nobody carried it out
+    EXPECT_TRUE(desktop.isRunning()); // no component carried it out
 }
 
 TEST_F(TheStatusMenu, OpensItsWindowsInTheDarkStyleAndInTheMiddle) {
     show();
     for (const auto& [title, window] : std::vector<std::pair<std::string, const NSPanel*>>{
-             {"Settings", &menu->settings.window}, {"About Marvelode Timer", &menu->about.window}}) {
+             {"Settings", &menu->settings->window}, {"About Marvelode Timer", &menu->about->window}}) {
         EXPECT_TRUE(window->contentView->isHidden);
         desktop.pick(title);
         EXPECT_EQ(&desktop.panel(), window);
@@ -168,6 +175,17 @@ TEST_F(TheStatusMenu, OpensItsWindowsInTheDarkStyleAndInTheMiddle) {
         desktop.closeWindow();
         EXPECT_TRUE(window->contentView->isHidden);
     }
+}
+
+TEST_F(TheStatusMenu, IsKeptByTheBusAndByItsEntries) {
+    show();
+    const std::shared_ptr<platform::NSMenu> entries = menu->main;
+    const std::weak_ptr<UXMenu> kept = std::exchange(menu, nullptr);
+    takeApart(*events);
+    ASSERT_FALSE(kept.expired());
+    desktop.pick("Mute");
+    EXPECT_TRUE(desktop.isChecked("Mute"));
+    menu = kept.lock();
 }
 
 using StatusMenuDeathTest = TheStatusMenu;

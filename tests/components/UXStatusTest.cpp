@@ -15,21 +15,33 @@ protected:
     AppState state = AppState::Init;
     double remaining = 600;
 
-    std::unique_ptr<UXStatus> makeStatus(bool isTest = false) {
+    std::shared_ptr<UXStatus> makeStatus(bool isTest = false) {
         const auto cfg = makeCfg(isTest);
-        return std::make_unique<UXStatus>(
+        auto status = makeShared<UXStatus>(
             cfg, std::make_shared<UXAudio>(cfg), buildInfo, events, [this] { return state; },
             [this] { return remaining; });
+        _made.push_back(status);
+        return status;
     }
 
     /// A started one, timing, with the countdown shown.
-    std::unique_ptr<UXStatus> startedStatus(bool isTest = false) {
+    std::shared_ptr<UXStatus> startedStatus(bool isTest = false) {
         desktop.defaults["ShowCountdown"] = true;
         auto status = makeStatus(isTest);
         status->start();
         state = AppState::Timing;
         return status;
     }
+
+    void TearDown() override {
+        for (const auto& status : _made) {
+            if (status->menu) {
+                takeApart(*status->menu);
+            }
+        }
+    }
+
+    std::vector<std::shared_ptr<UXStatus>> _made;
 };
 
 TEST_F(TheStatusItem, ShowsNothingBeforeItIsStarted) {
@@ -188,7 +200,7 @@ TEST_F(TheStatusItem, IsRefreshedByEveryKindOfEvent) {
 
 TEST_F(TheStatusItem, IsRefreshedEverySecond) {
     desktop.launch();
-    std::unique_ptr<UXStatus> status;
+    std::shared_ptr<UXStatus> status;
     desktop.perform([&] { status = startedStatus(); });
     remaining = 300;
     desktop.wait(999ms);
@@ -199,6 +211,18 @@ TEST_F(TheStatusItem, IsRefreshedEverySecond) {
     desktop.wait(1s);
     EXPECT_EQ(desktop.title(), "2m");
     desktop.losePower();
+}
+
+TEST_F(TheStatusItem, IsKeptByTheBusAndByItsTimer) {
+    const std::weak_ptr<UXStatus> status = startedStatus();
+    _made.clear();
+    ASSERT_FALSE(status.expired());
+    remaining = 300;
+    events->publish({Event::uiAction{UIAction::CountdownChange}});
+    EXPECT_EQ(desktop.title(), "6m");
+    takeApart(*events);
+    EXPECT_FALSE(status.expired()); // its timer is pending
+    _made.push_back(status.lock());
 }
 
 using StatusItemDeathTest = TheStatusItem;

@@ -5,6 +5,7 @@
 #include "windows/UXSettings.hpp"
 
 #include <type_traits>
+#include <utility>
 
 namespace bench {
 namespace {
@@ -39,60 +40,65 @@ static_assert(!UXWindowView<ViewWithoutDone>);
 
 class TheHost : public Bench {
 protected:
-    UXWindow<CountingView> host{makeCfg(), CountingView{}, 8192};
+    using Host = UXWindow<CountingView>;
+
+    std::shared_ptr<Host> host = makeShared<Host>(makeCfg(), CountingView{}, NSPanel::StyleMask{8192});
     int completions = 0;
 
     TheHost() { desktop.launch(); }
 
     void run() {
-        desktop.perform([this] { host.runModal([this] { ++completions; }); });
+        desktop.perform([this] { host->runModal([this] { ++completions; }); });
     }
 
-    void TearDown() override { desktop.losePower(); }
+    void TearDown() override {
+        desktop.losePower();
+        takeApart(*host);
+    }
 };
 
 TEST_F(TheHost, ShowsNothingUntilItIsRun) {
     EXPECT_FALSE(desktop.panelIsUp());
-    ASSERT_TRUE(host.window.contentView);
-    EXPECT_TRUE(host.window.contentView->isHidden);
+    ASSERT_TRUE(host->window.contentView);
+    EXPECT_TRUE(host->window.contentView->isHidden);
 }
 
 TEST_F(TheHost, HidesItsTitleAndButtonsButHasThem) {
-    EXPECT_EQ(host.window.title, "Marvelode Timer");
-    EXPECT_EQ(host.window.titleVisibility, NSPanel::TitleVisibility::Hidden);
-    EXPECT_TRUE(host.window.titlebarAppearsTransparent);
+    EXPECT_EQ(host->window.title, "Marvelode Timer");
+    EXPECT_EQ(host->window.titleVisibility, NSPanel::TitleVisibility::Hidden);
+    EXPECT_TRUE(host->window.titlebarAppearsTransparent);
     for (const auto type :
          {NSPanel::ButtonType::Close, NSPanel::ButtonType::Miniaturize, NSPanel::ButtonType::Zoom}) {
-        ASSERT_TRUE(host.window.standardWindowButton(type));
-        EXPECT_TRUE(host.window.standardWindowButton(type)->isHidden);
+        ASSERT_TRUE(host->window.standardWindowButton(type));
+        EXPECT_TRUE(host->window.standardWindowButton(type)->isHidden);
     }
 }
 
 TEST_F(TheHost, IsItsPanelsDelegate) {
-    EXPECT_EQ(host.window.delegate, &host);
-    EXPECT_TRUE(host.window.preventsApplicationTerminationWhenModal);
-    EXPECT_TRUE(host.window.isMovableByWindowBackground);
+    EXPECT_EQ(host->window.delegate, host.get());
+    EXPECT_TRUE(host->window.preventsApplicationTerminationWhenModal);
+    EXPECT_TRUE(host->window.isMovableByWindowBackground);
 }
 
 TEST_F(TheHost, AddsTheStyleMaskToThePanelsOwn) {
-    EXPECT_EQ(host.window.styleMask, NSPanel{}.styleMask | 8192U);
-    EXPECT_NE(host.window.styleMask, 8192U);
+    EXPECT_EQ(host->window.styleMask, NSPanel{}.styleMask | 8192U);
+    EXPECT_NE(host->window.styleMask, 8192U);
 }
 
 TEST_F(TheHost, ShowsTheSamePanelAgainInTheMiddleWithItsStateKept) {
     run();
-    EXPECT_EQ(&desktop.panel(), &host.window);
+    EXPECT_EQ(&desktop.panel(), &host->window);
     EXPECT_TRUE(desktop.panelIsCentred());
-    EXPECT_FALSE(host.window.contentView->isHidden);
+    EXPECT_FALSE(host->window.contentView->isHidden);
     desktop.click("Count");
     desktop.click("Count");
     desktop.dragPanelAway();
     desktop.click("Done");
     EXPECT_FALSE(desktop.panelIsUp());
-    EXPECT_TRUE(host.window.contentView->isHidden);
+    EXPECT_TRUE(host->window.contentView->isHidden);
 
     run();
-    EXPECT_EQ(&desktop.panel(), &host.window);
+    EXPECT_EQ(&desktop.panel(), &host->window);
     EXPECT_TRUE(desktop.panelIsCentred());
     EXPECT_EQ(desktop.panelLines(), (Lines{"2", "(Count)", "(Done)"}));
 }
@@ -106,7 +112,7 @@ TEST_F(TheHost, CompletesOnceHoweverItIsClosed) {
     desktop.closeWindow();
     EXPECT_EQ(completions, 2);
     run();
-    desktop.perform([this] { host.window.close(); });
+    desktop.perform([this] { host->window.close(); });
     EXPECT_EQ(completions, 3);
     desktop.wait(1min);
     EXPECT_EQ(completions, 3);
@@ -114,7 +120,7 @@ TEST_F(TheHost, CompletesOnceHoweverItIsClosed) {
 
 TEST_F(TheHost, CompletesWithTheContentHiddenAgain) {
     bool wasHidden = false;
-    desktop.perform([&] { host.runModal([&] { wasHidden = host.window.contentView->isHidden; }); });
+    desktop.perform([&] { host->runModal([&] { wasHidden = host->window.contentView->isHidden; }); });
     desktop.click("Done");
     EXPECT_TRUE(wasHidden);
 }
@@ -129,18 +135,29 @@ TEST_F(TheHost, KeepsTheProgramFromEndingWhileItRuns) {
 }
 
 TEST_F(TheHost, ToleratesAPanelWithoutContent) {
-    host.window.contentView = nullptr;
+    host->window.contentView = nullptr;
     run();
     EXPECT_EQ(desktop.panelLines(), Lines{});
     desktop.closeWindow();
     EXPECT_EQ(completions, 1);
 }
 
+TEST_F(TheHost, IsKeptByTheClosureThatItHandsToItsView) {
+    run();
+    const std::weak_ptr<Host> kept = std::exchange(host, nullptr);
+    ASSERT_FALSE(kept.expired());
+    desktop.click("Done");
+    EXPECT_FALSE(desktop.panelIsUp());
+    EXPECT_EQ(completions, 1);
+    host = kept.lock();
+}
+
 TEST_F(TheHost, LeavesTheViewItWasGivenAlone) {
     CountingView view;
-    const UXWindow<CountingView> other{makeCfg(), view, 0};
+    const auto other = makeShared<Host>(makeCfg(), view, NSPanel::StyleMask{0});
     view._done(); // still does nothing
-    EXPECT_EQ(other.window.styleMask, NSPanel{}.styleMask);
+    EXPECT_EQ(other->window.styleMask, NSPanel{}.styleMask);
+    takeApart(*other);
 }
 
 } // namespace

@@ -26,6 +26,20 @@ TEST(AText, LeavesBracketsThatAreNoLinks) {
     EXPECT_EQ(runsOf(VerbatimText("[a](b)")), (Runs{{"[a](b)", std::nullopt}}));
 }
 
+TEST(AText, TakesValuesAsTheyStand) {
+    EXPECT_EQ(runsOf(Text("Version: %@", {"1.2"})), (Runs{{"Version: 1.2", std::nullopt}}));
+    EXPECT_EQ(runsOf(Text("%@[a](b)%@", {"[c](d)", "%@"})),
+              (Runs{{"[c](d)", std::nullopt}, {"a", "b"}, {"%@", std::nullopt}}));
+    EXPECT_EQ(runsOf(Text("100 %@", {})), (Runs{{"100 %@", std::nullopt}}));
+}
+
+TEST(AControl, HasTheTitleItWasGiven) {
+    const State<bool> isOn{true};
+    const State<int> selection{1};
+    EXPECT_EQ(std::get<node::Toggle>(Toggle("Mute", isOn.binding()).node).title, "Mute");
+    EXPECT_EQ(std::get<node::Picker>(Picker<int>("Sound", selection.binding(), {{"A", 1}}).node).title, "Sound");
+}
+
 TEST(AState, IsSharedByItsCopies) {
     State<int> state{1};
     const State<int> copy = state; // NOLINT(performance-unnecessary-copy-initialization): it is what is tested
