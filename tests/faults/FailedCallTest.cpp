@@ -33,8 +33,8 @@ struct Refusal {
 void PrintTo(const Refusal& refusal, std::ostream* stream) { *stream << refusal.name; }
 
 const std::vector<Refusal> refusals{
-    {"Open", Kind::Open, {EMFILE, ENFILE, EACCES, EINTR, EIO, ENOMEM}, 2},
-    {"Read", Kind::Read, {EIO, EINTR, shortOfAll}, 1},
+    {"Open", Kind::Open, {EMFILE, ENFILE, EACCES, EINTR, EIO, ENOMEM}, 6},
+    {"Read", Kind::Read, {EIO, EINTR, shortOfAll}, 3},
     {"Write", Kind::Write, {ENOSPC, EDQUOT, EIO, EINTR, shortOfAll}, 1},
     {"Close", Kind::Close, {EIO, EINTR, ENOSPC}, 1},
     {"Sync", Kind::Sync, {EIO, EINTR, ENOSPC}, 1},

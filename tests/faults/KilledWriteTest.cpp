@@ -72,12 +72,15 @@ protected:
         std::cout << places << " places to be killed at\n";
     }
 
-    /// The next run finds what is there in order, and can change it.
+    /// The next run finds what is there in order, can change it, and clears up.
     void expectNextRunToWrite() {
         SettingsFile{file, errors}.set(false, "Mute");
         SettingsFile again{file, errors};
         EXPECT_EQ(again.value("Mute"), platform::DefaultsValue{false});
         EXPECT_THAT(errors.problems, testing::IsEmpty());
+        const fs::path stored = fs::canonical(file).parent_path();
+        EXPECT_EQ(std::distance(fs::directory_iterator{stored}, fs::directory_iterator{}), 1)
+            << "something is left";
     }
 
     void store(std::string_view text) const { std::ofstream{file, std::ios::binary} << text; }
@@ -106,10 +109,11 @@ TEST_F(KilledWrite, LeavesTheFirstSettingsOrNone) {
 }
 
 TEST_F(KilledWrite, LeavesALinkAndWhatItLeadsTo) {
-    const fs::path target = folder.path / "target";
+    const fs::path target = folder.path / "dotfiles/settings";
     muteAndDieEverywhere(
         [&] {
-            fs::remove(target);
+            fs::remove_all(target.parent_path());
+            fs::create_directory(target.parent_path());
             fs::create_symlink(target, file);
             store(before);
         },
