@@ -35,7 +35,7 @@ public:
     /// How many calls have met it.
     int meetings() const;
 
-    /// Gives the right answer to all calls that were kept waiting by `AnswersLate`.
+    /// Sends the right answer to all calls that `AnswersLate` keeps waiting.
     void answerNow();
 
 private:

@@ -99,7 +99,7 @@ ObjectHandle<GDBusConnection> connectTo(const char* address) {
     return bus;
 }
 
-/// Lets the main loop wait no longer than this.
+/// Wakes the main loop when a span of time is over.
 class Alarm {
 public:
     explicit Alarm(std::chrono::milliseconds span) {
@@ -157,7 +157,7 @@ void awaitListenerForSleep() {
         const TextHandle text{rules ? g_variant_print(rules.get(), FALSE) : nullptr};
         return text && std::string_view{text.get()}.find("PrepareForSleep") != std::string_view::npos;
     };
-    EXPECT_TRUE(runLoopUntil(isListening)) << "nobody listens";
+    EXPECT_TRUE(runLoopUntil(isListening)) << "no program listens";
 }
 
 bool runLoopUntil(const std::function<bool()>& isDone) {

@@ -15,7 +15,7 @@ platform::linux::ObjectHandle<GDBusConnection> connectToSession();
 /// A new connection to the bus that the process takes for the system bus.
 platform::linux::ObjectHandle<GDBusConnection> connectToSystem();
 
-/// Lets the system bus die, and another take its place.
+/// Ends the system bus, and starts another in its place.
 void stopSystemBus();
 void startSystemBus();
 

@@ -14,7 +14,7 @@ public:
     DistanceField(int width, int height);
 
     /// Lays a straight stroke from one point to another; an open end is cut square, half a thickness behind the
-    /// point. `reach` is the distance up to which anybody will ask.
+    /// point. Distances above `reach` need not be exact.
     void addSegment(double x0, double y0, double x1, double y1, bool isOpenAtStart, bool isOpenAtEnd, double reach);
 
     /// The distance in pixels, or something larger than any reach.
@@ -40,7 +40,7 @@ public:
     double thickness() const { return _shape.thickness; }
 
     /// Lays the strokes into `field`, on which a cell of the grid is `scale` pixels, with the text's top left
-    /// corner at the given cell. `reach` is the distance in pixels up to which anybody will ask.
+    /// corner at the given cell. Distances above `reach` pixels need not be exact.
     void addTo(DistanceField& field, int scale, int left, int top, double reach) const;
 
 private:

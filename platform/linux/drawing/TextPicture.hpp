@@ -21,7 +21,7 @@ Picture drawTextPicture(int size, std::string_view text, const std::optional<NSC
 /// wide.
 Picture drawTextBesideIcon(const Picture& icon, std::string_view text, const std::optional<NSColor>& colour);
 
-/// Gives the grey `icon` in shades of that colour.
+/// Returns the grey `icon` in shades of that colour.
 Picture inColour(Picture icon, const NSColor& colour);
 
 } // namespace platform::linux

@@ -1,6 +1,7 @@
 #pragma once
 
-// One D-Bus interface at one object path, answered by two functions. It is on the bus for as long as it lives.
+// One D-Bus interface at one object path, answered by two functions. It is on the bus as long as this object
+// exists.
 
 #include "platform/linux/glib/Handles.hpp"
 
@@ -12,11 +13,11 @@ namespace platform::linux {
 
 class ExportedInterface {
 public:
-    /// Answers a method with the tuple of its results, or with nothing if the arguments make no sense.
+    /// Returns the tuple of the method's results, or null if the arguments make no sense.
     using Method = std::function<VariantHandle(std::string_view name, GVariant* arguments)>;
-    /// The same for answers that may take their time: it is given the call to answer, which it owns.
+    /// The same for answers that may take their time. It owns `call` and must answer it once.
     using Call = std::function<void(std::string_view name, GVariant* arguments, GDBusMethodInvocation* call)>;
-    /// Gives a property's value, or nothing if the object does not have it at present.
+    /// Returns the property's value, or null if the object does not have it at present.
     using Property = std::function<VariantHandle(std::string_view name)>;
 
     /// `description` is a D-Bus introspection document with exactly one interface, well-formed.
@@ -28,7 +29,7 @@ public:
     ExportedInterface(const ExportedInterface&) = delete;
     ExportedInterface& operator=(const ExportedInterface&) = delete;
 
-    /// Sends a signal of the interface to everybody who listens; `arguments` is a tuple, or null for none.
+    /// Sends a signal of the interface to all that listen; `arguments` is a tuple, or null for none.
     void emit(const char* signal, GVariant* arguments = nullptr) const;
 
 private:

@@ -21,9 +21,9 @@ public:
     /// Where the item's menu must be put on the bus.
     static constexpr const char* menuPath = "/MenuBar";
 
-    /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` outlives it.
-    /// `trayChanged` learns whether there is a panel, at first and whenever that changes. `activated` is called
-    /// when the user clicks the item in a panel that then shows no menu. `activationToken` keeps what the
+    /// Puts the item on the bus and offers it to the panel, as soon as there is one. `resources` must
+    /// outlive it. `trayChanged` is told whether there is a panel, at first and whenever that changes. `activated`
+    /// is called when the user clicks the item in a panel that then shows no menu. `activationToken` keeps what the
     /// panel hands out for the window that the user's next pick opens.
     StatusNotifierItem(GDBusConnection* bus, const Resources& resources, StatusContent content,
                        std::function<void(bool isPresent)> trayChanged, std::function<void()> activated,

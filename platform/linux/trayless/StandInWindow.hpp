@@ -6,7 +6,7 @@ namespace platform::linux {
 
 class StandInWindow {
 public:
-    /// Brings the window to the front, at the user's request.
+    /// Brings the window to the front, at the user's request. One that is on its way there is enough.
     virtual void open() = 0;
 
     /// Shows the window unless it is on screen already, and leaves the keyboard where it is.

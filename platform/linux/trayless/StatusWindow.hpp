@@ -1,7 +1,8 @@
 #pragma once
 
-// The status item as a small window of its own: picture, text and menu. It serves where no panel shows the item,
-// and whoever starts the program a second time. It stands beside everything else and waits for nobody.
+// The status item as a small window of its own: picture, text and menu. It appears where no panel shows the
+// item, and opens when the user starts the program a second time. It delays no reminder,
+// and comes back if its program dies.
 
 #include "platform/NSMenu.hpp"
 #include "platform/View.hpp"

@@ -73,7 +73,7 @@ std::string encoded(const std::vector<std::uint32_t>& pixels, int side, int filt
            chunk("IDAT", compressed(rows)) + chunk("IEND", "");
 }
 
-TEST(Png, GivesThePicturesOfTheProgram) {
+TEST(Png, ReadsThePicturesOfTheProgram) {
     for (const char* const name : {"Marvelode", "MarvelodeGrey"}) {
         for (const int size : panelSizes) {
             const fs::path file =
@@ -102,7 +102,7 @@ TEST(Png, UndoesEveryFilter) {
     EXPECT_FALSE(decodePng(encoded(drawn, side, 5)));
 }
 
-TEST(Png, GivesNothingForDamagedFiles) {
+TEST(Png, ReadsNothingFromDamagedFiles) {
     const std::string whole = contentsOfFile(fs::path{RESOURCES} / "status/Marvelode-22.png").value();
     for (std::size_t length = 0; length + 12 < whole.size(); ++length) {
         EXPECT_FALSE(decodePng(whole.substr(0, length)).has_value()) << length;

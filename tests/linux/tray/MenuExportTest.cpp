@@ -68,7 +68,7 @@ TEST_F(Menu, IsLaidOutWithMarksSeparatorsAndShortcuts) {
               "<(5, {'label': <'Dead'>, 'enabled': <false>}, @av [])>]))");
 }
 
-TEST_F(Menu, GivesJustTheEntriesAndPropertiesAskedFor) {
+TEST_F(Menu, IsToldInJustTheEntriesAndPropertiesAskedFor) {
     EXPECT_EQ(printed(ask("GetLayout", "(4, -1, ['label'])")), "(2, (4, {'label': <'Mute'>}, []))");
     EXPECT_EQ(printed(ask("GetGroupProperties", "([1, 4], ['enabled', 'toggle-state'])")),
               "([(1, {'enabled': <true>}), (4, {'enabled': <true>, 'toggle-state': <0>})],)");

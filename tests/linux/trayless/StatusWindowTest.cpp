@@ -152,7 +152,7 @@ TEST_F(StatusWindowTest, ShowsWordsAndMenu) {
     EXPECT_EQ(valuesOf(request.content).at(2), ControlValue{false});
 }
 
-TEST_F(StatusWindowTest, LeavesTheKeyboardAloneWhereNobodyAskedForIt) {
+TEST_F(StatusWindowTest, LeavesTheKeyboardAloneIfTheUserDidNotAskForIt) {
     window->appear();
     EXPECT_TRUE(nextRequest().comesUnasked);
 }
