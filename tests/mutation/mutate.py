@@ -81,7 +81,7 @@ class Copy:
             if (CHECKOUT / name).is_file():
                 (folder / name).parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy(CHECKOUT / name, folder / name)
-        subprocess.run(["cmake", "-S", folder, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+        subprocess.run(["cmake", "-S", folder, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", "--log-level=ERROR"],
                        check=True, stdout=subprocess.DEVNULL)
         self.suites = list(self._suites())
