@@ -4,6 +4,8 @@
 #include "platform/Fatal.hpp"
 #include "platform/UserDefaults.hpp"
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -18,12 +20,12 @@ platform::UserDefaults& defaults() { return platform::UserDefaults::standard(); 
 } // namespace
 
 std::string_view Cfg::rawValue(Sound sound) {
-#define MARVELODE_NAME(name)                                                                                       \
-    case Sound::name:                                                                                              \
-        return #name;
-    switch (sound) { MARVELODE_SOUNDS(MARVELODE_NAME) }
-#undef MARVELODE_NAME
-    platform::fatal();
+    static constexpr std::array<std::string_view, allSounds.size()> names{MARVELODE_SOUNDS(MARVELODE_SOUND_NAME)};
+    const auto index = static_cast<std::size_t>(sound);
+    if (index >= names.size()) {
+        platform::fatal();
+    }
+    return names[index];
 }
 
 std::optional<Cfg::Sound> Cfg::soundFromRawValue(std::string_view name) {

@@ -17,6 +17,7 @@
 #define MARVELODE_SOUNDS(each) each(Sonar) each(Bowl) each(System) each(Whistle)
 #define MARVELODE_ENUMERATOR(name) name,
 #define MARVELODE_SOUND(name) Sound::name,
+#define MARVELODE_SOUND_NAME(name) #name,
 
 namespace marvelode {
 
