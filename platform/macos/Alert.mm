@@ -1,6 +1,7 @@
 #import "platform/macos/Alert.hpp"
 
 #include "platform/Fatal.hpp"
+#import "platform/macos/InFront.hpp"
 #import "platform/macos/Retained.hpp"
 #import "platform/macos/Strings.hpp"
 
@@ -33,6 +34,20 @@ NSButton* showSuppressionButton(NSAlert* alert, const platform::NSSuppressionBut
     return button;
 }
 
+/// Runs `alert` above all other windows, whichever program is active, and returns the answer.
+NSInteger runInFront(NSAlert* alert) {
+    NSWindow* const window = [alert window];
+    keepInFront(window, NSModalPanelWindowLevel);
+    [window setPreventsApplicationTerminationWhenModal:NO]; // no reminder stands in the way of logging out
+    [window performSelector:@selector(orderFrontRegardless) // once the alert has been laid out
+                 withObject:nil
+                 afterDelay:0
+                    inModes:@[ NSModalPanelRunLoopMode ]];
+    const NSInteger answer = [alert runModal];
+    [NSObject cancelPreviousPerformRequestsWithTarget:window];
+    return answer;
+}
+
 } // namespace
 
 int runAlert(platform::NSAlert& model) {
@@ -50,7 +65,7 @@ int runAlert(platform::NSAlert& model) {
     platform::NSSuppressionButton* const suppression = model.suppressionButton();
     NSButton* const button = suppression ? showSuppressionButton(alert, *suppression) : nil;
 
-    const NSInteger answer = [alert runModal];
+    const NSInteger answer = runInFront(alert);
     if (suppression) {
         suppression->state = static_cast<platform::NSSuppressionButton::StateValue>([button state]);
     }

@@ -61,6 +61,7 @@ public:
 
 private:
     Retained<ApplicationDelegate> _applicationDelegate;
+    Retained<NSObject> _activity;
     Timers _timers;
     std::optional<StatusItem> _statusItem;
     std::vector<Panel*> _running; // innermost last

@@ -2,6 +2,7 @@
 
 #include "platform/Fatal.hpp"
 #import "platform/macos/Alert.hpp"
+#import "platform/macos/MainMenu.hpp"
 #import "platform/macos/Strings.hpp"
 
 #import <UserNotifications/UserNotifications.h>
@@ -45,6 +46,11 @@
     }
 }
 
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)application {
+    (void)application;
+    return YES; // there is no state to restore
+}
+
 - (void)watchForWake {
     [[[NSWorkspace sharedWorkspace] notificationCenter] addObserver:self
                                                            selector:@selector(didWakeFromSleep:)
@@ -69,6 +75,14 @@ id toCocoa(bool truth) { return [NSNumber numberWithBool:truth]; }
 id toCocoa(std::int64_t number) { return [NSNumber numberWithLongLong:number]; }
 
 id toCocoa(double number) { return [NSNumber numberWithDouble:number]; }
+
+/// The system stretches the timers of a program that shows no window, unless it is told of an activity. The Mac may
+/// still go to sleep.
+NSObject* beginActivity() {
+    return static_cast<NSObject*>([[NSProcessInfo processInfo]
+        beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                          reason:@"Breaks are due on the second"]);
+}
 
 os_log_t logOf(const platform::Logger& logger) {
     // any thread may log
@@ -97,10 +111,17 @@ MacDesktop::MacDesktop()
     workspaceNotifications.onFirstObserver([this] { [_applicationDelegate.get() watchForWake]; });
 }
 
-MacDesktop::~MacDesktop() { [NSApp setDelegate:nil]; }
+MacDesktop::~MacDesktop() {
+    [NSApp setDelegate:nil];
+    if (_activity.get()) {
+        [[NSProcessInfo processInfo] endActivity:_activity.get()];
+    }
+}
 
 int MacDesktop::run(int argc, const char* const* argv) {
-    [[NSApplication sharedApplication] setDelegate:_applicationDelegate.get()];
+    _activity = Retained<NSObject>{[beginActivity() retain]};
+    [[NSApplication sharedApplication] setMainMenu:makeMainMenu()];
+    [NSApp setDelegate:_applicationDelegate.get()];
     return NSApplicationMain(argc, const_cast<const char**>(argv));
 }
 
@@ -111,6 +132,7 @@ void MacDesktop::activate(bool ignoringOtherApps) { [NSApp activateIgnoringOther
 void MacDesktop::activateRunningApplication(bool ignoringOtherApps) {
     const NSApplicationActivationOptions options = ignoringOtherApps ? NSApplicationActivateIgnoringOtherApps : 0;
     [[NSRunningApplication currentApplication] activateWithOptions:options];
+    activate(ignoringOtherApps); // since macOS 14 the options have no effect
 }
 
 platform::Date MacDesktop::now() { return platform::Date{[[NSDate date] timeIntervalSince1970]}; }

@@ -1,6 +1,20 @@
 #import "platform/macos/Panel.hpp"
 
+#import "platform/macos/InFront.hpp"
 #import "platform/macos/Strings.hpp"
+
+/// Closes on Escape, though its close button is hidden.
+@interface HostingPanel : NSPanel
+@end
+
+@implementation HostingPanel
+
+- (void)cancelOperation:(id)sender {
+    (void)sender;
+    [self close];
+}
+
+@end
 
 /// Tells the delegate of the program's panel that the panel closes, however that came about.
 @interface PanelDelegate : NSObject <NSWindowDelegate> {
@@ -39,7 +53,7 @@ NSWindowStyleMask addedTo(platform::NSPanel::StyleMask mask) {
 
 Panel::Panel(platform::NSPanel& model, const platform::View& content)
     : _model{model}
-    , _panel{[[NSPanel alloc] init]}
+    , _panel{[[HostingPanel alloc] init]}
     , _contentView{[[HostingView alloc] initWithRootView:content]}
     , _delegate{[[PanelDelegate alloc] initWithModel:model]} {
     using ButtonType = platform::NSPanel::ButtonType;
@@ -60,6 +74,8 @@ Panel::Panel(platform::NSPanel& model, const platform::View& content)
     [_contentView.get() setHidden:YES];
     [panel setTitleVisibility:static_cast<NSWindowTitleVisibility>(model.titleVisibility)];
     [panel setTitlebarAppearsTransparent:model.titlebarAppearsTransparent];
+    [panel setHidesOnDeactivate:NO];           // the modal session would go on without a window
+    keepInFront(panel, NSFloatingWindowLevel); // below the alert that a panel may run
     [panel setContentSize:contentSize]; // last, since how the panel is framed decides what is left for its content
 }
 
@@ -74,6 +90,7 @@ void Panel::center() { [_panel.get() center]; }
 void Panel::runModal() {
     [_contentView.get() setHidden:NO];
     [_panel.get() makeFirstResponder:[_contentView.get() firstFocusable]];
+    [_panel.get() orderFrontRegardless]; // the program need not be the active one
     [NSApp runModalForWindow:_panel.get()];
     [_panel.get() makeFirstResponder:nil]; // ends the editing, so that what was typed is not lost
     [_contentView.get() setHidden:YES];

@@ -28,6 +28,7 @@ public:
 private:
     void updateButton(NSStatusBarButton* button);
     void updateImage(NSStatusBarButton* button, const platform::NSImage& image);
+    bool isAboutToBeSized(const platform::NSImage& image) const;
 
     std::shared_ptr<platform::NSStatusItem> _model;
     Retained<NSStatusItem> _item;

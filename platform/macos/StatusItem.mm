@@ -78,7 +78,7 @@ void StatusItem::updateButton(NSStatusBarButton* button) {
         _shown.actionMask = model.actionMask();
         [button sendActionOn:static_cast<NSEventMask>(_shown.actionMask)];
     }
-    if (_shown.image != model.image() && model.image()) {
+    if (model.image() && _shown.image != model.image() && !isAboutToBeSized(*model.image())) {
         updateImage(button, *model.image());
         _shown.image = model.image();
     }
@@ -89,16 +89,21 @@ void StatusItem::updateButton(NSStatusBarButton* button) {
 }
 
 void StatusItem::updateImage(NSStatusBarButton* button, const platform::NSImage& image) {
-    NSImage* const picture = [NSImage imageNamed:toCocoa(image.name)];
-    const bool hasOwnSize = image.size == sizeOf(picture);
-    if (hasOwnSize || !_shown.image || _shown.image->name != image.name) {
+    if (!_shown.image || _shown.image->name != image.name) {
         // a copy, because its size is changed below and the named picture is shared by the whole program
-        const Retained<NSImage> copy{[picture copy]};
+        const Retained<NSImage> copy{[[NSImage imageNamed:toCocoa(image.name)] copy]};
         [button setImage:copy.get()];
     }
-    if (!hasOwnSize) {
+    if (image.size != sizeOf([button image])) {
         [[button image] setSize:NSMakeSize(image.size.width, image.size.height)];
     }
+}
+
+/// The program sets its picture every second and then the size of it; the picture on screen keeps its size
+/// meanwhile.
+bool StatusItem::isAboutToBeSized(const platform::NSImage& image) const {
+    return _shown.image && _shown.image->name == image.name &&
+           image.size == sizeOf([NSImage imageNamed:toCocoa(image.name)]);
 }
 
 } // namespace macos

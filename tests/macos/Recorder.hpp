@@ -21,6 +21,7 @@ std::string inWords(double number);
 std::string inWords(NSInteger number);
 std::string inWords(NSUInteger number);
 std::string inWords(NSSize size);
+std::string inWords(NSRect rectangle);
 std::string inWords(const std::string& text);
 
 template <typename Argument>

@@ -8,8 +8,8 @@ namespace {
 
 /// The name of the nearest class that is not a secret of AppKit's or of the shims'.
 std::string documentedName(Class kind) {
-    for (const char* each :
-         {"NSStatusItem", "NSStatusBarButton", "NSButton", "NSMenuItem", "NSNotificationCenter"}) {
+    for (const char* each : {"NSStatusItem", "NSStatusBarButton", "NSPopUpButton", "NSButton", "NSMenuItem",
+                             "NSNotificationCenter", "NSMenuPanel", "NSPanel", "NSProcessInfo", "NSTimer"}) {
         for (Class ancestor = kind; ancestor; ancestor = class_getSuperclass(ancestor)) {
             if (ancestor == objc_getClass(each)) {
                 return each;
@@ -36,6 +36,13 @@ std::string inWords(id object) {
         const bool isBoolean = type == 'c' || type == 'C' || type == 'B';
         return (isBoolean ? "boolean " : type == 'd' ? "double " : "integer ") + inWords([object doubleValue]);
     }
+    if ([object isKindOfClass:[NSArray class]]) {
+        std::string list;
+        for (id each in object) {
+            list += (list.empty() ? "" : ", ") + inWords(each);
+        }
+        return list;
+    }
     if ([object isKindOfClass:[NSURL class]]) {
         return inWords([[object path] lastPathComponent]);
     }
@@ -55,6 +62,10 @@ std::string inWords(NSInteger number) { return std::to_string(number); }
 std::string inWords(NSUInteger number) { return std::to_string(number); }
 
 std::string inWords(NSSize size) { return inWords(size.width) + "x" + inWords(size.height); }
+
+std::string inWords(NSRect rectangle) {
+    return inWords(rectangle.origin.x) + "," + inWords(rectangle.origin.y) + " " + inWords(rectangle.size);
+}
 
 std::string inWords(const std::string& text) { return text; }
 

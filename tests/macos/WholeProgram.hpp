@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +61,15 @@ protected:
     static bool window() { return [frontWindow() isVisible]; }
     static bool alert() { return window() && alertButton(0) != nil; }
     static bool panel() { return window() && alertButton(0) == nil; }
+
+    /// True as soon as that time has passed since it was first asked.
+    static std::function<bool()> passed(milliseconds span) {
+        return [span, begin = std::optional<std::chrono::steady_clock::time_point>{}]() mutable {
+            const auto now = std::chrono::steady_clock::now();
+            begin = begin.value_or(now);
+            return now - *begin >= span;
+        };
+    }
 
 private:
     void next(std::vector<Deed> deeds, std::size_t index) {

@@ -1,7 +1,8 @@
 #pragma once
 
 // What AppKit has and GNUstep lacks, with the signatures of Apple's documentation. Included ahead of every source
-// that is compiled against GNUstep; never part of the product. README.md beside this file gives the reason for each.
+// that is compiled against GNUstep; never part of the product. README.md beside this file gives the reason for
+// each.
 
 #import <AppKit/AppKit.h>
 
@@ -10,7 +11,7 @@
 #define NSAlertStyleWarning NSWarningAlertStyle
 #define NSAlertStyleInformational NSInformationalAlertStyle
 #define NSAlertStyleCritical NSCriticalAlertStyle
-#define NSBezelStyleRounded NSRoundedBezelStyle
+#define NSBezelStyleRegularSquare NSRegularSquareBezelStyle
 #define NSButtonTypeMomentaryPushIn NSMomentaryPushInButton
 #define NSButtonTypeSwitch NSSwitchButton
 #define NSEventModifierFlagCommand NSCommandKeyMask
@@ -34,11 +35,15 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSAlert (Shims)
 @property BOOL showsSuppressionButton;
-@property (nullable, readonly, strong) NSButton* suppressionButton;
+@property(nullable, readonly, strong) NSButton* suppressionButton;
+@end
+
+@interface NSApplication (Shims)
+@property(getter=isFullKeyboardAccessEnabled, readonly) BOOL fullKeyboardAccessEnabled;
 @end
 
 @interface NSColor (Shims)
-@property (class, strong, readonly) NSColor* linkColor;
+@property(class, strong, readonly) NSColor* controlAccentColor;
 @end
 
 @interface NSFont (Shims)
@@ -50,7 +55,20 @@ NS_ASSUME_NONNULL_BEGIN
 @end
 
 @interface NSStatusItem (Shims)
-@property (nullable, readonly, strong) NSStatusBarButton* button;
+@property(nullable, readonly, strong) NSStatusBarButton* button;
+@end
+
+typedef NSString* NSAccessibilityRole;
+
+@interface NSTimer (Shims)
+@property NSTimeInterval tolerance;
+@end
+
+@interface NSView (Shims)
+- (NSRect)alignmentRectForFrame:(NSRect)frame;
+- (NSRect)frameForAlignmentRect:(NSRect)alignmentRect;
+@property(nullable, copy) NSString* accessibilityLabel;
+@property(nullable, copy) NSAccessibilityRole accessibilityRole;
 @end
 
 @interface NSWindow (Shims)
