@@ -29,6 +29,7 @@ NSFont* fontFor(platform::Font font) {
 NSAttributedString* linkTitle(const std::string& text, NSFont* font) {
     NSMutableParagraphStyle* const oneLine = [[[NSMutableParagraphStyle alloc] init] autorelease];
     [oneLine setLineBreakMode:NSLineBreakByClipping];
+    [oneLine setAlignment:NSTextAlignmentCenter];
     NSDictionary* const attributes = [NSDictionary
         dictionaryWithObjectsAndKeys:font, NSFontAttributeName, [NSColor controlAccentColor],
                                      NSForegroundColorAttributeName, oneLine, NSParagraphStyleAttributeName, nil];

@@ -211,7 +211,11 @@ TEST_F(MacStories, EscapeClosesTheSettingsAndSavesNothing) {
                 {panel,
                  [] {
                      type(@"42");
-                     [[minutes() currentEditor] doCommandBySelector:@selector(cancelOperation:)];
+                     // what AppKit asks the field's delegate first, and GNUstep does not
+                     NSTextView* const editor = static_cast<NSTextView*>([minutes() currentEditor]);
+                     EXPECT_TRUE([static_cast<id>([minutes() delegate]) control:minutes()
+                                                                       textView:editor
+                                                            doCommandBySelector:@selector(cancelOperation:)]);
                  }},
                 {noWindow, [] { EXPECT_EQ(stored(@"TimerInterval"), nil); }},
             });

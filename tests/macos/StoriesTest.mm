@@ -144,7 +144,7 @@ TEST_F(MacStories, TheAboutBoxShowsTheBuildAndOpensLinks) {
                      EXPECT_EQ(NSMinY([buttonTitled("OK") frame]), 16);
                      NSView* const license = buttonTitled("License");
                      NSView* afterTabs = [license nextKeyView];
-                     for (int tabs = 1; tabs < 5 && afterTabs != license; ++tabs) {
+                     for (int tabs = 1; tabs < 20 && afterTabs != license; ++tabs) {
                          afterTabs = [afterTabs nextKeyView];
                      }
                      EXPECT_EQ(afterTabs, license);
