@@ -4,6 +4,8 @@
 #import "platform/macos/Drawing.hpp"
 #import "platform/macos/Strings.hpp"
 
+#import <objc/runtime.h>
+
 using macos::toCocoa;
 
 namespace {
@@ -106,7 +108,7 @@ bool takesFirstFocus(NSView* view) {
 - (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)command {
     (void)control;
     (void)textView;
-    if (command != @selector(cancelOperation:)) {
+    if (!sel_isEqual(command, @selector(cancelOperation:))) {
         return NO;
     }
     [[self window] close];
