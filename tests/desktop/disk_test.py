@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """What the user sees when the settings cannot be written: they hold all the same, and none that is stored is lost.
 
-Run as program_test.py is. Disks are mounted where nobody else sees them, and go with the test.
+Run as program_test.py is. Disks are mounted in a name space of the test, and vanish with it.
 """
 
 import os
@@ -20,13 +20,13 @@ class Disk(unittest.TestCase):
     STORED = AFTER_FIRST_RUN | {"TimerInterval": "1200.0"}
 
     def store(self, folder):
-        """Writes the settings of a user who has some, and gives the file."""
+        """Writes the settings of a user who has some, and returns the file."""
         file = folder / "settings"
         file.write_text("[Settings]\n" + "".join(f"{key}={value}\n" for key, value in self.STORED.items()))
         return file
 
     def mount(self, desktop, *options):
-        """Puts such a disk where the settings are, and gives the folder."""
+        """Mounts such a disk where the settings are, and returns the folder."""
         folder = desktop.config / "marvelode-timer"
         folder.mkdir(mode=0o700, exist_ok=True)
         subprocess.run(["mount", "-t", "tmpfs", *options, "tmpfs", folder], check=True)
@@ -34,7 +34,7 @@ class Disk(unittest.TestCase):
         return folder
 
     def expect_mute_to_hold(self, timer):
-        """Muting takes effect, is not stored, and hurts nothing of what is."""
+        """Muting takes effect, is not stored, and leaves what is stored as it was."""
         timer.item().pick("Mute")
         wait_until(lambda: timer.get("Muted"), "“Mute” to take effect")
         self.assertTrue(timer.item().entry("Mute").is_checked)

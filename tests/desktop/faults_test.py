@@ -118,7 +118,7 @@ class Display(unittest.TestCase):
             desktop.start_display()
             wait_until(lambda: (desktop.active_window() or (0, 0))[1] in timer.program.helpers(), "the popup")
 
-            # It goes with the screen once more, and comes back with it.
+            # The display server ends a second time and comes back.
             desktop.stop_display()
             wait_until(lambda: not timer.program.helpers(), "the popup to go")
             desktop.start_display()

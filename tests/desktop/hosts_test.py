@@ -62,7 +62,7 @@ class Legible(unittest.TestCase):
 
 class Menu(unittest.TestCase):
     def open(self, desktop, host, item):
-        """Opens the menu by a click on the item and gives its left, top, right and bottom on the screen."""
+        """Opens the menu by a click on the item and returns its left, top, right and bottom on the screen."""
         x, y, width, height = await_legible(host, item)
         below = host.area[1] + host.area[3]
         before = desktop.screenshot().crop(0, below, desktop.width, desktop.height)

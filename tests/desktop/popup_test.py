@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The reminder's window is always seen, and eats no keys.
+"""The reminder's window is always seen, and swallows no keys.
 
 Run as program_test.py is; what is preloaded for two monitors is named as TWO_MONITORS.
 """

@@ -159,7 +159,7 @@ class ByHand(unittest.TestCase):
     """The mouse in the panel and the keyboard in the windows."""
 
     def open_menu(self, desktop, timer):
-        """Opens the menu with a click on the item and gives its left, top, right and bottom on the screen."""
+        """Opens the menu with a click on the item and returns its left, top, right and bottom on the screen."""
         x, y = timer.await_in_panel()
         empty = desktop.screenshot()
         desktop.click(x + TRAY_PICTURE // 2, y + TRAY_PICTURE // 2)
@@ -194,7 +194,7 @@ class ByHand(unittest.TestCase):
             popup = timer.window()
             wait_until(lambda: popup.has("active"), "the popup to have the keyboard")
 
-            def press_return():  # the popup does not take keys at once, lest it eats those of somebody typing
+            def press_return():  # the popup does not take keys at once, so that it swallows none of a user who is typing
                 desktop.press_key("Return")
                 return not desktop.window_of(timer.program)
             wait_until(press_return, "Return to close the popup")

@@ -139,7 +139,7 @@ class Scripts(unittest.TestCase):
             timer.await_in_panel()
             wait_until(lambda: timer.get("RemainingSeconds") < 1198, "some time to pass")
 
-            # The window that the first one opens keeps the second from being done, and nobody waits for its closing.
+            # The window that the first call opens blocks the second, which is refused at once.
             opened, restarted = desktop.bus.call_at_once(NAME, PATH, NAME, "ShowSettings", "Restart")
             self.assertIsNone(opened)
             self.assertIn("org.marvelode.Timer.Error.Busy", str(restarted))

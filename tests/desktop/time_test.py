@@ -32,7 +32,7 @@ class Sleep(unittest.TestCase):
 
 
 class Clock(unittest.TestCase):
-    """The wall clock, set; what the machine counts by itself goes on."""
+    """The wall clock is set; the monotonic clock goes on."""
 
     def start(self, desktop, *arguments, settings=QUIET):
         self.offset = desktop.folder / "offset"

@@ -160,7 +160,7 @@ class Desktop:
         self.bus = self._connect(address)
 
     def _start_system_bus(self):
-        """A bus on which nothing lives but what tells of the machine's falling asleep and waking."""
+        """Starts a system bus with no other service than a login manager."""
         path = self.folder / "system-bus"
         settings = self.folder / "system-bus.conf"
         settings.write_text(SYSTEM_BUS.format(path=path))
@@ -194,7 +194,7 @@ class Desktop:
     # Programs
 
     def start(self, *command, **environment):
-        """Starts a program on this desktop; a variable given as None is taken away from its environment."""
+        """Starts a program on this desktop; a variable given as None is removed from its environment."""
         self._programs += 1
         variables = {**self.environment, **environment}
         program = Program(command, {name: value for name, value in variables.items() if value is not None},
@@ -203,7 +203,7 @@ class Desktop:
         return program
 
     def start_panel(self):
-        """Puts the panel on the screen and waits for its tray."""
+        """Starts the panel and waits for its tray."""
         self.panel = self.start("xfce4-panel", "--disable-wm-check")
         wait_until(lambda: self.bus.has_owner(WATCHER), "the panel's tray")
 
@@ -303,7 +303,7 @@ class Desktop:
         self._xdotool("type", "--delay", "20", text)
 
     def switch_workspace(self, number):
-        """Shows that one of three workspaces; they are counted from 0."""
+        """Switches to one of three workspaces, counted from 0."""
         self._xdotool("set_num_desktops", "3")
         self._xdotool("set_desktop", number)
         wait_until(lambda: self._xdotool("get_desktop").stdout.strip() == number, f"workspace {number}")
@@ -317,7 +317,7 @@ class Desktop:
     # What happens to the machine
 
     def start_logind(self):
-        """Lets there be somebody who tells of the machine's falling asleep and waking."""
+        """Starts a stand-in for the login manager, which tells of sleep and waking."""
         self._logind = self._start_service("/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind")
         wait_until(lambda: self._system_bus.has_owner("org.freedesktop.login1"), "the stand-in for logind")
 
@@ -331,7 +331,7 @@ class Desktop:
         self._prepare_for_sleep(True)
 
     def wake(self):
-        """Tells of the machine's waking from sleep."""
+        """Tells that the machine has woken."""
         self._prepare_for_sleep(False)
 
     def _prepare_for_sleep(self, begins):
@@ -340,7 +340,7 @@ class Desktop:
                               [GLib.Variant("b", begins)])
 
     def stop_display(self):
-        """Takes the screen away, and with it every window."""
+        """Ends the display server, and with it every window."""
         self._display.kill()
         self._display.wait()
         self._display_keeper = socket.socket(socket.AF_UNIX)  # lest another server takes the number
@@ -348,7 +348,7 @@ class Desktop:
         self._window_manager.status()
 
     def start_display(self):
-        """Brings the screen back where it was."""
+        """Starts the display server again under the same number."""
         self._display_keeper.close()
         self._start_display()
         self._start_window_manager()

@@ -46,7 +46,7 @@ class NotificationArea:
         self._emit("ActionInvoked", message, action)
 
     def hand_out(self, message, token):
-        """Gives the program what lets a window come to the front, as is done before an action."""
+        """Sends the program an activation token, as notification services do before an action."""
         self._emit("ActivationToken", message, token)
 
     def _emit(self, signal, message, text):

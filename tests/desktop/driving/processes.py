@@ -12,7 +12,7 @@ C_LIBRARY = ctypes.CDLL(None, use_errno=True)
 
 
 def end_with_parent():
-    """Makes this process, which is about to become another program, end when its parent does, however that ends."""
+    """Makes the kernel end this process, before it executes another program, when its parent ends."""
     C_LIBRARY.prctl(PR_SET_PDEATHSIG, signal.SIGKILL, 0, 0, 0)
 
 
@@ -47,7 +47,7 @@ def executable(pid):
 
 
 def reap():
-    """Takes note of the end of every adopted process that has ended."""
+    """Reaps every adopted process that has ended."""
     for pid in descendants():
         if not executable(pid):
             try:

@@ -72,5 +72,5 @@ class StatusItem:
         self._menu("Event", "(isvu)", entry.number, "clicked", GLib.Variant("s", ""), 0)
 
     def provide_activation_token(self, token):
-        """Hands over what a window may show to come to the front, as a panel does before a pick."""
+        """Hands over an activation token, as a panel does before a pick."""
         self._bus.call(self._name, self._path, ITEM, "ProvideXdgActivationToken", "(s)", token)

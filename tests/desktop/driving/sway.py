@@ -73,7 +73,7 @@ class Sway:
                 length(lambda at: screen.pixel(x, y + at), screen.height - y))
 
     def switch_workspace(self, name):
-        """Shows that workspace instead of the present one."""
+        """Switches to that workspace."""
         [socket] = (self._desktop.folder / "sway").glob("sway-ipc.*")
         self._desktop.start("swaymsg", "--socket", str(socket), "workspace", name).status()
 

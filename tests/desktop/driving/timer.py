@@ -40,11 +40,11 @@ class Timer:
         return StatusItem(self.desktop.bus, NAME, "/StatusNotifierItem")
 
     def command(self, method):
-        """Has the program do something, as a script does; raises GLib.Error if it refuses."""
+        """Calls a method of the program, as a script does; raises GLib.Error if the program refuses."""
         self.desktop.bus.call(NAME, PATH, NAME, method)
 
     def get(self, property_name):
-        """What the program tells scripts."""
+        """A property that scripts can read."""
         return self.desktop.bus.get(NAME, PATH, NAME, property_name)
 
     def await_state(self, state, seconds=10):
@@ -55,7 +55,7 @@ class Timer:
         return self.desktop.start(PROGRAM, *arguments)
 
     def store(self, settings):
-        """Writes the settings as somebody with a text editor does."""
+        """Replaces the settings file, as a text editor does."""
         lines = [f"{key}={value}\n" for key, value in settings.items()]
         self.settings_file.write_text("[Settings]\n" + "".join(lines))
 
@@ -67,7 +67,7 @@ class Timer:
         new.replace(self.settings_file)
 
     def settings(self):
-        """The stored settings as they are written."""
+        """The text of the settings file."""
         try:
             lines = self.settings_file.read_text().splitlines()
         except FileNotFoundError:

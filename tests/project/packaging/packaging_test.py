@@ -90,7 +90,7 @@ class PackagingTest(unittest.TestCase):
         installed = files_in(tree)
         self.assertEqual(FILES - installed, set(), "missing")
         beyond = {file for file in installed - FILES if not file.startswith("share/marvelode-timer/")}
-        self.assertEqual(beyond, set(), "nobody knows of these")
+        self.assertEqual(beyond, set(), "not in the list of files")
 
     def assert_names_the_program(self, tree, prefix):
         """Whether what lies in `tree` calls the program that will lie in `prefix`."""
@@ -189,7 +189,7 @@ class Installation(PackagingTest):
 
 
 class DebianPackage(PackagingTest):
-    """`cpack`, run by somebody whose new files are private."""
+    """`cpack`, run by a user with a private umask."""
 
     @classmethod
     def setUpClass(cls):
