@@ -9,11 +9,10 @@ namespace platform::linux {
 
 class ErrorLog {
 public:
+    virtual ~ErrorLog() = default;
+
     /// Adds `problem`, one line without a line end. Called on the main thread.
     virtual void add(std::string_view problem) = 0;
-
-protected:
-    ~ErrorLog() = default;
 };
 
 /// Prints each problem on standard error, and writes it to the journal unless standard error leads there.

@@ -13,10 +13,10 @@ namespace platform::linux {
 
 /// Where a method is found on a bus. All texts are literals.
 struct BusMethod {
-    const char* service;
-    const char* object;
-    const char* interface;
-    const char* name;
+    const char* service = nullptr;
+    const char* object = nullptr;
+    const char* interface = nullptr;
+    const char* name = nullptr;
     bool startsService = false; ///< The bus starts a service that does not run, if it can.
 };
 

@@ -6,6 +6,8 @@ namespace platform::linux {
 
 class StandInWindow {
 public:
+    virtual ~StandInWindow() = default;
+
     /// Brings the window to the front, at the user's request. One that is on its way there is enough.
     virtual void open() = 0;
 
@@ -13,9 +15,6 @@ public:
     virtual void appear() = 0;
 
     virtual void close() = 0;
-
-protected:
-    ~StandInWindow() = default;
 };
 
 } // namespace platform::linux
