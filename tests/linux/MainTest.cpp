@@ -3,7 +3,6 @@
 #include "platform/linux/window/Protocol.hpp"
 #include "tests/support/MisbehavingBus.hpp"
 #include "tests/support/PrivateBuses.hpp"
-#include "tests/support/Sanitizers.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 #include <dlfcn.h>
@@ -180,9 +179,6 @@ TEST_F(MainTest, ItsMessagesGoNowhereWhereItHasNoStandardDescriptors) {
 }
 
 TEST_F(MainTest, ItCanBeStartedByTheDynamicLoader) {
-    if (models::isSanitized) {
-        GTEST_SKIP() << "sanitizers need the usual start";
-    }
     Dl_info loader{};
     ASSERT_NE(dladdr(reinterpret_cast<const void*>(getauxval(AT_BASE)), &loader), 0);
     start({loader.dli_fname, PROGRAM, "-TimerInterval", "1500"});
@@ -257,9 +253,6 @@ class BadSessionBusTest
       public testing::WithParamInterface<std::tuple<MisbehavingBus::Step, MisbehavingBus::Trouble>> {};
 
 TEST_P(BadSessionBusTest, IsNoReasonToWaitForEver) {
-    if (models::isSanitized) {
-        GTEST_SKIP() << "sanitizers want to be preloaded alone";
-    }
     const auto [step, trouble] = GetParam();
     const MisbehavingBus bad{step, trouble};
     const std::string good = g_getenv("DBUS_SESSION_BUS_ADDRESS");
@@ -283,9 +276,6 @@ INSTANTIATE_TEST_SUITE_P(
                                      MisbehavingBus::Trouble::Nonsense, MisbehavingBus::Trouble::Death)));
 
 TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
-    if (models::isSanitized) {
-        GTEST_SKIP() << "sanitizers want to be preloaded alone";
-    }
     g_setenv("LD_PRELOAD", FEW_THREADS, TRUE);
     start();
     g_unsetenv("LD_PRELOAD");

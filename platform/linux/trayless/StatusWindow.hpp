@@ -30,7 +30,7 @@ public:
     /// entry that the user picks in it; `activationToken` is taken when the user asks for the window.
     StatusWindow(const HelperProgram& program, std::function<void(NSMenuItem&)> pick, ErrorLog& errorLog,
                  ActivationToken& activationToken);
-    ~StatusWindow();
+    ~StatusWindow() override;
     StatusWindow(const StatusWindow&) = delete;
     StatusWindow& operator=(const StatusWindow&) = delete;
 
