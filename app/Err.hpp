@@ -1,6 +1,6 @@
 #pragma once
 
-// The program's one error type. It is thrown and caught within one operation; its text ends in the log at most.
+// The program's one error type. It is thrown and caught within one operation; its text is logged at most.
 
 #include <exception>
 #include <string>

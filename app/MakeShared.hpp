@@ -1,7 +1,7 @@
 #pragma once
 
-// How components are made that hand out closures which own them. A constructor cannot hand those out, since its
-// object has no owner yet; so such a component is constructed first and finished afterwards.
+// Makes components that hand out closures which own them. A constructor cannot hand those out, since its object has
+// no owner yet; so such a component is constructed first and finished afterwards.
 
 #include <memory>
 #include <utility>

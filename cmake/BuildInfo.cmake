@@ -17,6 +17,8 @@ set(build_of_archive ${PROJECT_SOURCE_DIR}/BUILD)
 ask_git(is_shallow rev-parse --is-shallow-repository)
 if(EXISTS ${build_of_archive})
     file(READ ${build_of_archive} build_and_date)
+    string(REGEX MATCH "Build=([0-9]+)" build "${build_and_date}")
+    set(build ${CMAKE_MATCH_1})
 elseif(is_shallow STREQUAL false)
     ask_git(build_and_date log -1 --format=Date=%cs)
     ask_git(build rev-list --count HEAD)
@@ -24,6 +26,7 @@ elseif(is_shallow STREQUAL false)
 else()
     message(WARNING "The build's number and day are unknown: this is neither a source archive nor a checkout with "
         "the whole history.")
+    set(build 0) # where a number is required, as in a Mac's property list
     set(build_and_date "")
 endif()
 

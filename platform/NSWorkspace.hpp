@@ -28,6 +28,8 @@ public:
         std::erase_if(_registrations, [&](const Registration& each) { return each.observer == observer; });
     }
 
+    bool hasObservers() const { return !_registrations.empty(); }
+
     /// For desktops: runs `hook` once, when the first observer is added. Replaces an earlier hook.
     void onFirstObserver(std::function<void()> hook) { _firstObserverHook = std::move(hook); }
 

@@ -31,16 +31,15 @@ void Timer::invalidate() {
         return;
     }
     _isValid = false;
-    const Action released = std::exchange(_action, nullptr); // may own all that owns this timer
+    const Action released = std::exchange(_action, nullptr); // may own the owners of this timer
     desktop().cancel(*this);
 }
 
 void Timer::fire(std::shared_ptr<Timer> timer) {
-    const std::shared_ptr<Timer> fired = std::move(timer); // outlives its owner's replacing it
-    const Action action = fired->_action;                  // outlives the timer's being invalidated
-    action(fired);
-    if (!fired->_repeats) {
-        fired->invalidate();
+    const Action action = timer->_action; // stays, also if the action invalidates the timer
+    action(timer);
+    if (!timer->_repeats) {
+        timer->invalidate();
     }
 }
 

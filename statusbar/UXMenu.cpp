@@ -29,9 +29,9 @@ UXMenu::UXMenu(ConstructionKey, std::shared_ptr<Cfg> cfg, const std::shared_ptr<
     : audio{std::move(audio)}
     , cfg{std::move(cfg)}
     , events{std::move(events)}
-    , state{std::move(state)}
-    , about{makeShared<UXAbout>(this->cfg, AboutView{this->cfg, buildInfo}, NSPanel::HUDWindow)}
-    , settings{makeShared<UXSettings>(this->cfg, SettingsView{this->cfg, this->audio}, NSPanel::HUDWindow)} {
+    , state{std::move(state)} {
+    settings = makeShared<UXSettings>(this->cfg, SettingsView{this->cfg, this->audio}, NSPanel::HUDWindow);
+    about = makeShared<UXAbout>(this->cfg, AboutView{this->cfg, buildInfo}, NSPanel::HUDWindow);
     about->window.titleVisibility = NSPanel::TitleVisibility::Hidden;
 }
 

@@ -47,9 +47,9 @@ public:
     const std::shared_ptr<Cfg> cfg;
     const std::shared_ptr<Events> events;
     const std::function<AppState()> state;
-    const std::shared_ptr<UXAbout> about;
+    std::shared_ptr<UXAbout> about;         ///< Set once, by the constructor.
     std::shared_ptr<platform::NSMenu> main; ///< The menu itself; null only during construction.
-    const std::shared_ptr<UXSettings> settings;
+    std::shared_ptr<UXSettings> settings;   ///< Set once, by the constructor.
 
 private:
     void initMain();

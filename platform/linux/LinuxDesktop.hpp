@@ -88,6 +88,9 @@ public:
     /// The session whose display windows are shown on.
     SessionEnvironment& session() { return _session; }
 
+    /// The titles of the menu entries that a desktop without a panel offers in its message.
+    void offerWithoutPanel(std::vector<std::string> entries) { _traylessNotice.offer(std::move(entries)); }
+
     /// What was handed out for the window that the user's next pick opens.
     ActivationToken& activationToken() { return _activationToken; }
 

@@ -136,7 +136,7 @@ void removeLeftovers(const fs::path& path) {
     for (fs::directory_iterator each{target.parent_path(), error}, end; !error && each != end;
          each.increment(error)) {
         const std::string name = each->path().filename().string();
-        if (name.starts_with(start) && name.size() == start.size() + letters) {
+        if (name.starts_with(start) && name.size() == start.size() + letters && each->is_regular_file(error)) {
             g_unlink(each->path().c_str());
         }
     }

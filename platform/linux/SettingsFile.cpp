@@ -53,7 +53,7 @@ SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Value
 }
 
 SettingsFile::~SettingsFile() {
-    if (!_unwritten.empty()) {
+    if (hasUnwritten()) {
         read(); // for the last time, so it is worth another attempt
         write();
     }
@@ -61,11 +61,11 @@ SettingsFile::~SettingsFile() {
 
 std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
     readIfChanged();
-    if (!_unwritten.empty() && isTimeForAnotherAttempt()) {
+    if (hasUnwritten() && isTimeForAnotherAttempt()) {
         write();
     }
     const Values& stored = _knowledge == Knowledge::Lacking ? _assumed : _stored;
-    for (const Values* values : {&std::as_const(_unwritten), &stored}) {
+    for (const Values* values : {&std::as_const(_unwritten), &std::as_const(_standIns), &stored}) {
         if (const auto found = values->find(key); found != values->end()) {
             return found->second;
         }
@@ -74,8 +74,8 @@ std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
 }
 
 void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
-    if (value(key) == newValue) {
-        return;
+    if (value(key) == newValue && _knowledge == Knowledge::Full) {
+        return; // while the file cannot be read, it may hold another value than the one assumed
     }
     _unwritten.insert_or_assign(std::string{key}, std::move(newValue));
     write();
@@ -111,6 +111,9 @@ void SettingsFile::read() {
     if (content.isMissing && _knowledge == Knowledge::Lacking) {
         assume();
     }
+    if (!content.isMissing) {
+        _standIns.clear();
+    }
     _knowledge = Knowledge::Full;
     _mayWrite = true;
     _file = std::move(file);
@@ -126,8 +129,8 @@ void SettingsFile::cannotRead(const std::string& reason) {
     report("Cannot read the settings", reason);
 }
 
-/// Queues the assumed values, after a file that was there has gone unread.
-void SettingsFile::assume() { _unwritten.insert(_assumed.begin(), _assumed.end()); }
+/// Keeps the assumed values after a file that was there has gone unread; one that comes back takes their place.
+void SettingsFile::assume() { _standIns = _assumed; }
 
 bool SettingsFile::isTimeForAnotherAttempt() const {
     return g_get_monotonic_time() >= _lastAttempt + secondsBetweenAttempts * G_USEC_PER_SEC;
@@ -152,7 +155,7 @@ void SettingsFile::keepAside(const std::filesystem::path& file, const std::strin
     _knowledge = Knowledge::Full;
     _mayWrite = true;
     _seen = fingerprint();
-    if (!_unwritten.empty() || g_key_file_has_group(_file.get(), group)) {
+    if (hasUnwritten() || g_key_file_has_group(_file.get(), group)) {
         write();
     }
 }
@@ -162,8 +165,10 @@ void SettingsFile::write() {
         return; // the reason is reported already
     }
     _lastAttempt = g_get_monotonic_time();
-    for (const auto& [key, value] : _unwritten) {
-        g_key_file_set_value(_file.get(), group, key.c_str(), written(value).get());
+    for (const Values* values : {&std::as_const(_standIns), &std::as_const(_unwritten)}) {
+        for (const auto& [key, value] : *values) {
+            g_key_file_set_value(_file.get(), group, key.c_str(), written(value).get());
+        }
     }
     std::size_t length = 0;
     const TextHandle content{g_key_file_to_data(_file.get(), &length, nullptr)};
@@ -171,6 +176,7 @@ void SettingsFile::write() {
         report("Cannot write the settings", problem);
         return;
     }
+    _standIns.clear();
     _unwritten.clear();
     _reported.clear();
     _seen = fingerprint();

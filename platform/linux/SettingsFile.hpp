@@ -59,6 +59,7 @@ private:
     void read();
     void cannotRead(const std::string& reason);
     void assume();
+    bool hasUnwritten() const { return !_unwritten.empty() || !_standIns.empty(); }
     void keepAside(const std::filesystem::path& file, const std::string& reason);
     void write();
     void parseValues();
@@ -72,6 +73,7 @@ private:
     KeyFileHandle _file;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
     Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever
+    Values _standIns;                 // assumed values, for a file that went unread; not written yet
     Values _unwritten;
     std::int64_t _lastAttempt = 0; // monotonic microseconds
     bool _mayWrite = true;         // false: the file is there but cannot be read, so it must not be replaced

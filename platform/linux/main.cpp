@@ -172,6 +172,8 @@ int main(int argc, char** argv) {
     }
     LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}, assumedSettings()};
     desktop.watchBreak(isReminding);
+    desktop.offerWithoutPanel(
+        {marvelode::UXMenu::Title::Restart, marvelode::UXMenu::Title::Settings, marvelode::UXMenu::Title::Quit});
     const RemoteControl control{sessionBus.get(), controlled(desktop)};
     const bool isFirst = RemoteControl::claimName(sessionBus.get(), error);
     guard.reset();

@@ -68,8 +68,11 @@ void SimulatedDesktop::perform(std::function<void()> deed) {
     letProgramRun();
 }
 
-/// Has the program go on until it waits for the story again.
+/// Resumes the program until it waits for the story again.
 void SimulatedDesktop::letProgramRun() {
+    if (_isProgramsTurn) {
+        throw Unexpected{"the story goes on while the program runs"};
+    }
     _horizon = std::max(_horizon, _uptime);
     if (!isRunning()) {
         _uptime = _horizon;

@@ -126,21 +126,15 @@ class ForgetfulDesktop : public StoryDesktop {
 };
 
 TEST(TheApplicationObject, StopsListeningForWakesWhenItIsDestroyed) {
-    constexpr auto wake = platform::NotificationCenter::Name::NSWorkspaceDidWakeNotification;
     ForgetfulDesktop desktop;
     std::shared_ptr<App> object = App::create(true);
     object->applicationDidFinishLaunching();
-    int restarts = 0;
-    const std::shared_ptr<Events> events = object->events;
-    events->subscribe([&](AppState, AppState) { ++restarts; });
-    desktop.workspaceNotifications.post(wake);
-    EXPECT_EQ(restarts, 1);
+    EXPECT_TRUE(desktop.workspaceNotifications.hasObservers());
     const std::weak_ptr<App> observer = object;
     takeApart(*object);
     object.reset();
     EXPECT_TRUE(observer.expired());
-    desktop.workspaceNotifications.post(wake);
-    EXPECT_EQ(restarts, 1);
+    EXPECT_FALSE(desktop.workspaceNotifications.hasObservers());
 }
 
 TEST(TheApplicationObject, IsKeptByTheClosuresThatItHandsOut) {

@@ -232,6 +232,25 @@ TEST_F(Settings, AreStoredAsAssumedWhenAFileThatWasNeverReadIsRemoved) {
     EXPECT_EQ(content(), "[Settings]\nVersion='known'\n");
 }
 
+TEST_F(Settings, AreThoseOfAFileThatWasAwayForAMomentAndCanThenBeRead) {
+    fs::create_directory(file);
+    open().value("Version");
+    fs::remove(file);
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"known"s});
+    edit("[Settings]\nVersion='1.0'\n");
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"1.0"s});
+    settings.reset();
+    EXPECT_EQ(content(), "[Settings]\nVersion='1.0'\n");
+}
+
+TEST_F(Settings, KeepAChoiceThatEqualsWhatIsAssumed) {
+    fs::create_directory(file);
+    open().set("known"s, "Version");
+    fs::remove(file);
+    edit("[Settings]\nVersion='1.0'\n");
+    EXPECT_EQ(settings->value("Version"), DefaultsValue{"known"s});
+}
+
 TEST_F(Settings, AreThoseOfARepairedFileThatIsPutBack) {
     edit("[Settings\nMute=true\n");
     EXPECT_EQ(open().value("Version"), DefaultsValue{"known"s}) << "it was there, whatever it said";

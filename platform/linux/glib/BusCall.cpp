@@ -18,7 +18,7 @@ void BusCall::start(GDBusConnection* bus, const BusMethod& method, GVariant* arg
 void BusCall::finish(GObject* bus, GAsyncResult* result, void* self) {
     ErrorSlot error;
     VariantHandle answer{g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, error.out())};
-    if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
+    if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED) && !error.isFromOtherSide()) {
         return;
     }
     auto& call = *static_cast<BusCall*>(self);

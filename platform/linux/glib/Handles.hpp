@@ -45,6 +45,8 @@ public:
     explicit operator bool() const { return _error != nullptr; }
     const char* message() const { return _error ? _error->message : ""; }
     bool matches(GQuark domain, int code) const { return g_error_matches(_error, domain, code); }
+    /// Whether a peer on a bus answered with the error, which can be any, even one of this side's.
+    bool isFromOtherSide() const { return _error && g_dbus_error_is_remote_error(_error); }
 
 private:
     GError* _error = nullptr;

@@ -1,6 +1,8 @@
 #include "platform/linux/trayless/TraylessNotice.hpp"
 
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace platform::linux {
 namespace {
@@ -48,7 +50,9 @@ void TraylessNotice::trayChanged(bool isPresent) {
 }
 
 void TraylessNotice::wait() {
-    _patience.start(patience, [this] { tellUnlessLocked(); });
+    if (!_patience.isPending()) { // however often the lock changes
+        _patience.start(patience, [this] { tellUnlessLocked(); });
+    }
 }
 
 void TraylessNotice::tellUnlessLocked() {
@@ -67,14 +71,15 @@ void TraylessNotice::tellUnlessLocked() {
 
 void TraylessNotice::tell() {
     _isTold = true;
+    std::vector<Notification::Action> actions{{"default", "Show the timer"}};
+    for (const std::string& entry : _entries) {
+        actions.push_back({entry, entry});
+    }
     _notification.show(
         "Marvelode Timer is running",
         "This desktop has no place for its icon. A small window shows the time left; start the timer "
         "once more to bring that window back.",
-        {{"default", "Show the timer"},
-         {"Restart timer", "Restart timer"},
-         {"Settings", "Settings"},
-         {"Quit", "Quit"}});
+        actions);
     _window.appear();
 }
 

@@ -10,7 +10,10 @@
 #include "platform/linux/trayless/StandInWindow.hpp"
 
 #include <functional>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace platform::linux {
 
@@ -24,6 +27,9 @@ public:
     ~TraylessNotice();
     TraylessNotice(const TraylessNotice&) = delete;
     TraylessNotice& operator=(const TraylessNotice&) = delete;
+
+    /// Offers the menu entries of those titles in the message, behind the window itself.
+    void offer(std::vector<std::string> entries) { _entries = std::move(entries); }
 
     /// Tells whether there is a panel that shows status items.
     void trayChanged(bool isPresent);
@@ -39,6 +45,7 @@ private:
     BusCall _lockQuestion;
     DelayedCall _patience;
     unsigned _lockSubscription;
+    std::vector<std::string> _entries;
     bool _isTrayMissing = false;
     bool _isTold = false;
 };

@@ -20,7 +20,9 @@ using testing::Pair;
 struct Notice final : StandInWindow {
     explicit Notice(GDBusConnection* bus)
         : notice{bus, *this, [this](std::string_view entry) { calls.push_back("pick " + std::string{entry}); },
-                 token} {}
+                 token} {
+        notice.offer({"Restart timer", "Settings", "Quit"});
+    }
 
     void appear() override { calls.emplace_back("appear"); }
     void close() override { calls.emplace_back("close"); }

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::string_literals;
 
-void ignore(const Event&) {}
+void ignoreEvent(const Event&) {}
 
 /// The panel as the window program gets it. `told` collects what its controls tell.
 PanelRequest received(const View& content, std::vector<Event>* told = nullptr) {
@@ -207,7 +207,7 @@ TEST_F(ControlsOnTheWire, ShowFreshValues) {
     minutes.binding().set(99);
     isOn.binding().set(true);
     sound.binding().set(1);
-    const auto fresh = decodeRequest(encode(ValuesRequest{7, valuesOf(form)}), ignore);
+    const auto fresh = decodeRequest(encode(ValuesRequest{7, valuesOf(form)}), ignoreEvent);
     ASSERT_TRUE(fresh && std::holds_alternative<ValuesRequest>(*fresh));
     EXPECT_EQ(std::get<ValuesRequest>(*fresh).window, 7U);
     *panel.values = std::get<ValuesRequest>(*fresh).values;
