@@ -37,7 +37,7 @@ HelperProgram::~HelperProgram() {
 HelperProgram::Started HelperProgram::start(const Run& run) const {
     if (_file >= 0) {
         // by this process's own number, since a script is opened once more after its descriptor is closed there
-        const Started started = start("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(_file), run);
+        Started started = start("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(_file), run);
         if (started.process != 0) {
             return started;
         }

@@ -56,9 +56,7 @@ protected:
         desktop.defaults["Version"] = "1.1.0"s;
         events->subscribe([this](Parameter parameter) { published.push_back(parameter); });
     }
-    ~Bench() override { takeApart(*events); }
-    Bench(const Bench&) = delete;
-    Bench& operator=(const Bench&) = delete;
+    void TearDown() override { takeApart(*events); }
 
     std::shared_ptr<Cfg> makeCfg(bool isTest = false) { return std::make_shared<Cfg>(isTest, events, buildInfo); }
 

@@ -36,6 +36,7 @@ protected:
         if (menu) {
             takeApart(*menu);
         }
+        Bench::TearDown();
     }
 };
 

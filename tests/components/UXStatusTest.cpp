@@ -39,6 +39,7 @@ protected:
                 takeApart(*status->menu);
             }
         }
+        Bench::TearDown();
     }
 
     std::vector<std::shared_ptr<UXStatus>> _made;

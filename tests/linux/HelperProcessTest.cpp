@@ -33,8 +33,8 @@ namespace {
 
 class HelperProcessTest : public testing::Test {
 protected:
-    ~HelperProcessTest() override { isImmortal = false; }
     void TearDown() override {
+        isImmortal = false;
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process or a zombie was left behind";
     }
 

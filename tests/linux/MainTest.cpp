@@ -44,7 +44,7 @@ protected:
         fs::create_directories(settings.parent_path());
         connectToSystem(); // which is said to be there from here on
     }
-    ~MainTest() override {
+    void TearDown() override {
         if (process != 0) {
             kill(process, SIGKILL);
             waitpid(process, nullptr, 0);
@@ -180,6 +180,7 @@ TEST_F(MainTest, ItsMessagesGoNowhereWhereItHasNoStandardDescriptors) {
 
 TEST_F(MainTest, ItCanBeStartedByTheDynamicLoader) {
     Dl_info loader{};
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel tells the address as a number
     ASSERT_NE(dladdr(reinterpret_cast<const void*>(getauxval(AT_BASE)), &loader), 0);
     start({loader.dli_fname, PROGRAM, "-TimerInterval", "1500"});
     EXPECT_EQ(property("Text"), "(<'25m'>,)");

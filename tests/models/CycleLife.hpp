@@ -46,6 +46,7 @@ struct State {
     bool formAutoRestart;    ///< The form keeps what was entered.
     bool restsByTheSettings; ///< The last reminder found popups and the automatic restart off.
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the comparison for a number
     auto operator<=>(const State&) const = default;
 };
 

@@ -71,7 +71,7 @@ TEST(AStory, ReadsTheOrderOfAllThatHappened) {
     desktop.wait(10min);
     desktop.tick("Disable popup notifications");
     desktop.click("Snooze");
-    const std::string alert = "alert \"Marvelode Timer\" \"Look around. Take a breath. Stretch.\"";
+    const std::string alert = R"(alert "Marvelode Timer" "Look around. Take a breath. Stretch.")";
     EXPECT_EQ(desktop.journal(),
               (Lines{"published Timing to Reminding", "heard beep", "shown " + alert, "closed " + alert,
                      "stored PopupAlerts 0", "published PopupAlerts false", "published Reminding to Timing"}));

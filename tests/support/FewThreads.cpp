@@ -6,6 +6,8 @@
 #include <atomic>
 #include <cerrno>
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the library's names for them are reserved
+// ones
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
                               void* data) {
     static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));

@@ -86,8 +86,11 @@ Interference::Interference(GDBusConnection* bus, const Step& step, Misbehaviour 
         }
         return message;
     };
-    const auto letGo = [](gpointer data) { delete static_cast<std::shared_ptr<State>*>(data); };
-    _filter = g_dbus_connection_add_filter(bus, filter, new std::shared_ptr<State>{_state}, letGo);
+    const auto letGo = [](gpointer data) {
+        const std::unique_ptr<std::shared_ptr<State>> owner{static_cast<std::shared_ptr<State>*>(data)};
+    };
+    _filter = g_dbus_connection_add_filter(bus, filter, std::make_unique<std::shared_ptr<State>>(_state).release(),
+                                           letGo);
 }
 
 Interference::~Interference() { g_dbus_connection_remove_filter(_bus.get(), _filter); }

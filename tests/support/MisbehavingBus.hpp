@@ -30,7 +30,7 @@ public:
 
 private:
     struct Client {
-        MisbehavingBus* bus;
+        MisbehavingBus* bus = nullptr;
         platform::linux::ObjectHandle<GSocket> socket;
         unsigned source = 0;
         std::string unread;

@@ -57,11 +57,11 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
                   const char* token = nullptr;
                   g_variant_get(arguments, "(&s)", &token);
                   return activationToken.keep(token) ? owned(g_variant_new("()")) : VariantHandle{};
-              } else if (method == "Activate" && _host->opensMenuIfRefused) {
-                  return VariantHandle{};
-              } else {
-                  activated();
               }
+              if (method == "Activate" && _host->opensMenuIfRefused) {
+                  return VariantHandle{};
+              }
+              activated();
               return owned(g_variant_new("()"));
           },
           [this](std::string_view name) { return property(name); }}

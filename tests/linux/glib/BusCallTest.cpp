@@ -54,7 +54,7 @@ constexpr BusMethod wait{serviceName, "/Echo", serviceName, "Wait"};
 
 class BusCallTest : public testing::Test {
 protected:
-    ~BusCallTest() override { service.answerAll(); }
+    void TearDown() override { service.answerAll(); }
 
     GVariant* words(const char* text) { return g_variant_new("(s)", text); }
 

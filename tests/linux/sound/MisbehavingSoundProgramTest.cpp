@@ -63,8 +63,7 @@ protected:
 
     std::filesystem::path program() const {
         const auto& [step, misdeed] = GetParam();
-        const auto script =
-            folder.write("program", std::string{"#!/bin/sh\n"} + step.text + '\n' + misdeed.text + '\n');
+        auto script = folder.write("program", std::string{"#!/bin/sh\n"} + step.text + '\n' + misdeed.text + '\n');
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         return script;
     }
