@@ -3,6 +3,7 @@
 #include "platform/Desktop.hpp"
 #include "platform/Overloaded.hpp"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>

@@ -54,7 +54,7 @@ private:
 
     // The kinds of view
     Box drawNode(const platform::node::Text& text, const Environment& environment);
-    Box drawNode(const platform::node::Image& image, const Environment& environment);
+    Box drawNode(const platform::node::Image& node, const Environment& environment);
     Box drawNode(const platform::node::TextField& node, const Environment& environment);
     Box drawNode(const platform::node::Toggle& node, const Environment& environment);
     Box drawNode(const platform::node::Picker& node, const Environment& environment);

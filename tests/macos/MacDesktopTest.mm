@@ -58,7 +58,7 @@ TEST_F(Messages, ReadAndWriteTheSettings) {
     const Lines& lines = recorder.lines();
     for (const char* each :
          {R"(NSUserDefaults stringForKey:"Version")",
-          R"(NSUserDefaults setObject:")" MARVELODE_VERSION R"(" forKey:"Version")",
+          (R"(NSUserDefaults setObject:")" MARVELODE_VERSION R"(" forKey:"Version")"),
           R"(NSUserDefaults setObject:boolean 1 forKey:"PopupAlerts")",
           R"(NSUserDefaults setObject:boolean 1 forKey:"AutoRestart")",
           R"(NSUserDefaults setObject:boolean 1 forKey:"ResartOnWake")",

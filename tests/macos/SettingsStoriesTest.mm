@@ -111,15 +111,16 @@ TEST_F(MacStories, TheSettingsStandInTwoColumns) {
                   EXPECT_EQ(NSMinX([minutes() frame]), controls);
                   EXPECT_EQ(NSWidth([minutes() frame]), 30);
                   for (NSButton* each : switches()) {
-                      EXPECT_EQ(NSMinX([each frame]), controls);
+                      EXPECT_EQ(NSMinX([each alignmentRectForFrame:[each frame]]), controls);
                   }
                   const NSRect visible = [picker() alignmentRectForFrame:[picker() frame]];
                   EXPECT_EQ(NSMinX(visible), controls);
                   EXPECT_EQ(NSWidth([[frontWindow() contentView] frame]), controls + 100 + 10);
 
-                  const NSRect button = [buttonTitled("OK") frame];
+                  NSButton* const ok = buttonTitled("OK");
+                  const NSRect button = [ok alignmentRectForFrame:[ok frame]];
                   EXPECT_EQ(NSMinY(button), 10);
-                  EXPECT_EQ(NSMinY([picker() frame]) - NSMaxY(button), 16 + 8);
+                  EXPECT_EQ(NSMinY(visible) - NSMaxY(button), 16 + 8);
                   EXPECT_EQ(NSMidX(button), (controls + 100) / 2);
 
                   const NSRect name = frameOfText("Marvelode Timer");

@@ -141,7 +141,8 @@ TEST_F(MacStories, TheAboutBoxShowsTheBuildAndOpensLinks) {
                  [] {
                      EXPECT_TRUE(reads("Marvelode Timer"));
                      EXPECT_TRUE(reads("Version: " MARVELODE_VERSION));
-                     EXPECT_EQ(NSMinY([buttonTitled("OK") frame]), 16);
+                     NSButton* const ok = buttonTitled("OK");
+                     EXPECT_EQ(NSMinY([ok alignmentRectForFrame:[ok frame]]), 16);
                      NSView* const license = buttonTitled("License");
                      NSView* afterTabs = [license nextKeyView];
                      for (int tabs = 1; tabs < 20 && afterTabs != license; ++tabs) {
