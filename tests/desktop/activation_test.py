@@ -51,7 +51,8 @@ class Activation(unittest.TestCase):
         self.expect_tokens("with-the-action")
 
     def test_the_second_start_leaves_its_own_to_the_first(self):
-        second = self.desktop.start(PROGRAM, XDG_ACTIVATION_TOKEN="of-the-second")
+        second = self.desktop.start(PROGRAM, XDG_ACTIVATION_TOKEN="of-the-second",
+                                    **self.compositor.environment)
         self.assertEqual(second.status(), 0)
         self.expect_tokens("of-the-second")
 

@@ -40,7 +40,7 @@ class TestMode(unittest.TestCase):
             self.assertGreaterEqual(time.monotonic() - timer.begin, 30)
             self.assertLess(time.monotonic() - timer.begin, 33)
             self.assertEqual([each for each in popup.texts() if each],
-                             ["Marvelode Timer", "Marvelode Timer", "Look around. Take a breath. Stretch.",
+                             ["Marvelode Timer", "Information", "Marvelode Timer", "Look around. Take a breath. Stretch.",
                               "Disable popup notifications", "Snooze", "Restart"])
             self.assertTrue(popup.find("push button", "Restart").has("focused"))
             self.assertFalse(popup.find("check box").has("checked"))

@@ -167,6 +167,9 @@ int WindowHelper::runAlert(NSAlert& alert) {
             session.giveUp();
         }
     }
+    if (_process->hasFoundNoDisplay()) {
+        _program.session().displayWasMissing(); // of the windows that the cycle waits for, and no others
+    }
     return NSAlert::Stopped;
 }
 

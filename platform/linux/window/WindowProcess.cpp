@@ -169,7 +169,7 @@ void WindowProcess::take(const Event& event) {
         _hasShownWindow = true;
         _session.displayWasFound();
     } else if (event.kind == Event::Kind::NoDisplay) {
-        _session.displayWasMissing();
+        _hasFoundNoDisplay = true;
         giveUp("the window program has found no display");
     } else {
         _events.push_back(event);

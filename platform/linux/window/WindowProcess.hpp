@@ -36,6 +36,9 @@ public:
     WindowProcess(const WindowProcess&) = delete;
     WindowProcess& operator=(const WindowProcess&) = delete;
 
+    /// Whether the program has ended for want of a display.
+    bool hasFoundNoDisplay() const { return _hasFoundNoDisplay; }
+
     /// Whether the program runs and speaks the protocol. Once false, it stays so.
     bool isAlive() const { return _socket >= 0; }
 
@@ -67,6 +70,7 @@ private:
     std::optional<HelperProcess> _process;
     unsigned _source = 0;
     DelayedCall _deadline; ///< Pending until the first window is on the screen.
+    bool _hasFoundNoDisplay = false;
     bool _hasShownWindow = false;
     std::deque<Event> _events;
     std::int64_t _second = 0; ///< Of the monotonic clock.
