@@ -55,7 +55,7 @@ class StartedTwice(unittest.TestCase):
                              "(su)", NAME, 4)  # and nothing is there to show a menu
             second = desktop.start(PROGRAM)
             self.assertEqual(second.status(), 1)
-            self.assertIn("does not answer", second.output())
+            self.assertIn("cannot show its menu", second.output())
 
 
 class Scripts(unittest.TestCase):
