@@ -33,7 +33,8 @@ private:
     };
 
     std::vector<Entry> _entries;
-    std::array<std::size_t, static_cast<std::size_t>(Kind::Logged) + 1> _asked{}; ///< For each kind, the number of entries that were looked through.
+    std::array<std::size_t, static_cast<std::size_t>(Kind::Logged) + 1>
+        _asked{}; ///< For each kind, the number of entries that were looked through.
 };
 
 } // namespace platform::simulated
