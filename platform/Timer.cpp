@@ -35,6 +35,7 @@ void Timer::invalidate() {
     desktop().cancel(*this);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): keeps the timer, whatever its action lets go of
 void Timer::fire(std::shared_ptr<Timer> timer) {
     const Action action = timer->_action; // stays, also if the action invalidates the timer
     action(timer);

@@ -213,7 +213,7 @@ TEST_F(MacStories, EscapeClosesTheSettingsAndSavesNothing) {
                  [] {
                      type(@"42");
                      // what AppKit asks the field's delegate first, and GNUstep does not
-                     NSTextView* const editor = static_cast<NSTextView*>([minutes() currentEditor]);
+                     auto* const editor = static_cast<NSTextView*>([minutes() currentEditor]);
                      EXPECT_TRUE([static_cast<id>([minutes() delegate]) control:minutes()
                                                                        textView:editor
                                                             doCommandBySelector:@selector(cancelOperation:)]);

@@ -6,10 +6,10 @@
 #include <atomic>
 #include <cerrno>
 
-// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the library's names for them are reserved
-// ones
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the library's names for them are reserved ones
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
                               void* data) {
+    // NOLINTEND(readability-inconsistent-declaration-parameter-name)
     static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
     constexpr int most = 2;
     static std::atomic<int> started{0};
