@@ -29,11 +29,30 @@ constexpr const char* help =
 
 Reminds you of a short break every few minutes, from an icon in the panel.
 
-  -test        a work interval of 30 seconds and a snooze of 5
-  -KEY VALUE   a setting for this run, such as -TimerInterval 1500
-  --help       show this text
-  --version    show the version
+  -test       a work interval of 30 seconds and a snooze of 5, if given alone
+  --help      show this text
+  --version   show the version
+
+Settings for this run, ahead of those that are stored:
+
+  -TimerInterval SECONDS      the length of a work interval
+  -Mute true|false            reminders come without a sound
+  -PopupAlerts true|false     a window announces the break
+  -AutoRestart true|false     without a window, the next interval begins by itself
+  -ResartOnWake true|false    kept for the settings window
+  -ShowCountdown true|false   the time beside the icon is kept up to date
 )";
+
+/// Prints the text above, from which the shells complete options and values, and the last setting with its values.
+void printHelp() {
+    std::fputs(help, stdout);
+    const char* before = "  -AlertSound ";
+    for (const auto sound : marvelode::Cfg::allSounds) {
+        std::printf("%s%s", before, marvelode::Cfg::rawValue(sound).data());
+        before = "|";
+    }
+    std::puts("   the sound of a reminder");
+}
 
 /// Opens the null device in place of the standard descriptors that are missing. Otherwise the next file or socket
 /// would get their number, and what is printed would go into it.
@@ -45,6 +64,12 @@ void openMissingDescriptors() {
     close(opened);
 }
 
+/// Whether the GLib that was found has pools of its own; it gave them up with 2.76.
+bool hasPools() {
+    constexpr unsigned firstWithout = 76;
+    return glib_major_version == 2 && glib_minor_version < firstWithout;
+}
+
 /// Starts the program anew without GLib's own pools, which would keep a tenth of its memory for what was needed
 /// once. They can be turned off by the environment alone, and before GLib is loaded.
 void turnOffPools(char** arguments) {
@@ -53,7 +78,7 @@ void turnOffPools(char** arguments) {
         unsetenv(allocator); // heeded by now, and not meant for the helpers
         return;
     }
-    const bool canStartAnew = !platform::linux::isLoadersArgument();
+    const bool canStartAnew = hasPools() && !platform::linux::isLoadersArgument();
     if (canStartAnew && setenv(allocator, "always-malloc", 0) == 0) { // or else it would start anew for ever
         execv(platform::linux::executable().c_str(), arguments);
     }
@@ -153,7 +178,7 @@ int main(int argc, char** argv) {
     openMissingDescriptors();
     const std::string_view onlyArgument = argc == 2 ? argv[1] : "";
     if (onlyArgument == "--help") {
-        std::fputs(help, stdout);
+        printHelp();
         return EXIT_SUCCESS;
     }
     if (onlyArgument == "--version") {

@@ -1,68 +1,17 @@
 #!/usr/bin/python3
-"""Installs the program, and makes a Debian package of it, and holds both to what a desktop and Debian expect.
+"""Installs the program, and makes a Debian package of it, and holds both to what a desktop and Debian expect."""
 
-CTest runs it; by hand it needs what CTest gives it in the environment: CMAKE, CPACK, BUILD (the build folder) and
-VERSION. The tools it calls are in the packages that packaging/dependencies lists.
-"""
-
-import configparser
 import gzip
 import json
 import os
 import pathlib
 import re
-import shlex
-import shutil
-import subprocess
-import tempfile
 import unittest
 from xml.etree import ElementTree
 
-PROJECT = pathlib.Path(__file__).resolve().parents[3]
-BUILD = os.environ["BUILD"]
-VERSION = os.environ["VERSION"]
-
-NAME = "org.marvelode.Timer"
-PROGRAM = "bin/marvelode-timer"
-HELPERS = {f"libexec/marvelode-timer/marvelode-timer-{helper}" for helper in ("sound", "window")}
-SOUNDS = {file.name for file in (PROJECT / "resources").glob("*.m4a")}
-RESOURCES = {f"share/marvelode-timer/{file}" for file in SOUNDS | {
-    "BuildInfo.txt", "Marvelode.png", "MarvelodeGrey.png"}}
-LAUNCHER = f"share/applications/{NAME}.desktop"
-AUTOSTART = f"share/marvelode-timer/autostart/{NAME}.desktop"
-SERVICE = f"share/dbus-1/services/{NAME}.service"
-METAINFO = f"share/metainfo/{NAME}.metainfo.xml"
-MANUAL = "share/man/man1/marvelode-timer.1.gz"
-CHANGELOG = "share/doc/marvelode-timer/changelog.gz"
-COPYRIGHT = "share/doc/marvelode-timer/copyright"
-ICONS = {f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)} | {
-    f"share/icons/hicolor/scalable/apps/{NAME}.svg"}
-FILES = ICONS | HELPERS | RESOURCES | {
-    PROGRAM, LAUNCHER, AUTOSTART, SERVICE, METAINFO, MANUAL, CHANGELOG, COPYRIGHT}
-
-
-class Failed(AssertionError):
-    """A command that is missing, or that did not succeed."""
-
-
-def output(*command, **options):
-    """What `command` prints; with its messages it is the failure where the command does not succeed."""
-    command = [str(word) for word in command]
-    if not shutil.which(command[0]):
-        raise Failed(f"{command[0]} is not installed; its package is in packaging/dependencies")
-    result = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False, **options)
-    if result.returncode != 0:
-        raise Failed(f"{shlex.join(command)} ended with status {result.returncode}:\n{result.stdout}{result.stderr}")
-    return result.stdout
-
-
-def without_desktop(home, **more):
-    """An environment in which there is no desktop and nothing of the person who runs the test."""
-    return {"PATH": os.environ["PATH"], "HOME": str(home), "LC_ALL": "C.UTF-8", **more}
-
-
-def files_in(folder):
-    return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir()}
+from installation import (AUTOSTART, BUILD, CHANGELOG, FILES, FILES_IN_DEBIAN, HELPERS, ICONS, LAUNCHER, MANUAL,
+                          METAINFO, NAME, PROGRAM, PROJECT, SERVICE, VERSION, Failed, PackagingTest, install, key_file,
+                          output, without_desktop)
 
 
 def what_is_asked_by(commands, home):
@@ -72,42 +21,13 @@ def what_is_asked_by(commands, home):
                              env=without_desktop(home)))
 
 
-def key_file(path):
-    parser = configparser.ConfigParser(interpolation=None, delimiters="=", comment_prefixes="#", strict=True)
-    parser.optionxform = str
-    parser.read_string(path.read_text())
-    return parser
-
-
-class PackagingTest(unittest.TestCase):
-    """Questions to an installation."""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.temporary = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-
-    def assert_complete(self, tree):
-        installed = files_in(tree)
-        self.assertEqual(FILES - installed, set(), "missing")
-        beyond = {file for file in installed - FILES if not file.startswith("share/marvelode-timer/")}
-        self.assertEqual(beyond, set(), "not in the list of files")
-
-    def assert_names_the_program(self, tree, prefix):
-        """Whether what lies in `tree` calls the program that will lie in `prefix`."""
-        program = f"{prefix}/{PROGRAM}"
-        for file, section in ((LAUNCHER, "Desktop Entry"), (AUTOSTART, "Desktop Entry"), (SERVICE, "D-BUS Service")):
-            self.assertEqual(shlex.split(key_file(tree / file)[section]["Exec"]), [program], file)
-        self.assertEqual(key_file(tree / AUTOSTART)["Desktop Entry"]["TryExec"], program)
-
-
 class Installation(PackagingTest):
     """`cmake --install`, to a place that was chosen only then and has a space in its name."""
 
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.tree = cls.temporary / "some where"
-        output(os.environ["CMAKE"], "--install", BUILD, "--prefix", cls.tree)
+        cls.tree = install(cls.temporary / "some where")
 
     def test_everything_is_there(self):
         self.assert_complete(self.tree)
@@ -208,7 +128,7 @@ class DebianPackage(PackagingTest):
         return output("dpkg-deb", "--field", self.package, name).strip()
 
     def test_everything_is_there(self):
-        self.assert_complete(self.tree)
+        self.assert_complete(self.tree, FILES_IN_DEBIAN)
         self.assert_names_the_program(self.tree, "/usr")
         self.assertEqual(list(self.root.iterdir()), [self.tree])
 
