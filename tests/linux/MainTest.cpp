@@ -114,6 +114,10 @@ protected:
         call(bus.get(), name, object, name, method, nullptr, &error);
         return error.empty();
     }
+    /// Whether the environment in which the kernel started the program is that of its second start.
+    bool wasStartedAnew() const {
+        return contentOf("/proc/" + std::to_string(process) + "/environ").find("G_SLICE=") != std::string::npos;
+    }
     void quit() {
         EXPECT_TRUE(run("Quit")) << "the call was not answered";
         EXPECT_TRUE(await([&] { return !isRunning(); })) << "it does not end";
@@ -246,6 +250,15 @@ TEST_F(SecondStartTest, DoesNotSayThatTheMenuIsOnScreenWhereItIsNot) {
     start({program});
     EXPECT_NE(startOnceMore(), 0);
     EXPECT_NE(saidBySecond().find("cannot show its menu"), std::string::npos) << saidBySecond();
+    quit();
+}
+
+TEST_F(MainTest, ItStartsAnewOnlyWhereGlibHasPools) {
+    start();
+    EXPECT_EQ(wasStartedAnew(), glib_minor_version < 76);
+    quit();
+    start([] { g_setenv("LD_PRELOAD", GLIB_WITHOUT_POOLS, TRUE); });
+    EXPECT_FALSE(wasStartedAnew());
     quit();
 }
 
