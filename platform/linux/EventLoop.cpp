@@ -30,9 +30,10 @@ struct EventLoop::Source {
     }
 };
 
-EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle)
+EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle, std::function<void()> begin)
     : _mode{std::move(mode)}
-    , _settle{std::move(settle)} {
+    , _settle{std::move(settle)}
+    , _begin{std::move(begin)} {
     static GSourceFuncs functions{Source::prepare, Source::check, Source::dispatch, nullptr, nullptr, nullptr};
     _source = g_source_new(&functions, sizeof(Source));
     reinterpret_cast<Source*>(_source)->loop = this;
@@ -89,6 +90,7 @@ int EventLoop::millisecondsToWait() const {
 }
 
 void EventLoop::handle() {
+    _begin();
     _timers.fireDue(monotonicNow(), _mode());
     _isUnsettled = false;
     _settle(); // in any case: something may have changed with the time alone

@@ -17,8 +17,9 @@ namespace platform::linux {
 
 class EventLoop {
 public:
-    /// `mode` is asked before timers fire; `settle` is called after each event.
-    EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle);
+    /// `mode` is asked before timers fire; `settle` is called after each event, `begin` ahead of its timers.
+    EventLoop(
+        std::function<RunLoopMode()> mode, std::function<void()> settle, std::function<void()> begin = [] {});
     ~EventLoop();
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
@@ -58,6 +59,7 @@ private:
 
     std::function<RunLoopMode()> _mode;
     std::function<void()> _settle;
+    std::function<void()> _begin;
     TimerQueue _timers{RepeatingTimersDuringModal::Fire}; // the text goes on counting behind an open window
     std::weak_ptr<Timer> _latestOneShot;
     TimerQueue::Instant _latestOneShotDue{};

@@ -6,9 +6,9 @@
 #include <glib-unix.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <utility>
 
 namespace platform::linux {
@@ -17,11 +17,7 @@ namespace {
 constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
 
 /// By a clock that goes on while the machine sleeps, and that cannot be set.
-TimeInterval secondsSinceBoot() {
-    timespec time{};
-    clock_gettime(CLOCK_BOOTTIME, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
+TimeInterval secondsSinceBoot() { return std::chrono::duration<double>{timeBy(CLOCK_BOOTTIME)}.count(); }
 
 /// Whether this program was started to ignore that signal, as `nohup` does with SIGHUP.
 bool isIgnored(int signal) {
@@ -36,7 +32,7 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     : _sessionBus{shared(sessionBus)}
     , _argumentDomain{argumentDomain(arguments)}
     , _loop{[this] { return application.isModal() ? RunLoopMode::Modal : RunLoopMode::Default; },
-            [this] { settle(); }}
+            [this] { settle(); }, [this] { _wakeNotice.look(); }}
     , _resources{std::move(places.resources)}
     , _settings{std::move(places.settings), _errorLog, std::move(assumedSettings)}
     , _windowProgram{places.helpers / "marvelode-timer-window", _session}
@@ -73,8 +69,7 @@ LinuxDesktop::~LinuxDesktop() {
 
 int LinuxDesktop::run(int, const char* const*) {
     _loop.post([this] { // once the status item is on its way
-        _wakeWatcher.emplace(
-            [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); });
+        _wakeWatcher.emplace([this] { _wakeNotice.hear(); });
     });
     application.delegate->applicationDidFinishLaunching();
     _loop.run();

@@ -12,6 +12,7 @@
 #include "platform/linux/Resources.hpp"
 #include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/SettingsFile.hpp"
+#include "platform/linux/WakeNotice.hpp"
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/sound/SoundPlayer.hpp"
@@ -114,6 +115,8 @@ private:
     ObjectHandle<GDBusConnection> _sessionBus;
     std::map<std::string, std::string, std::less<>> _argumentDomain;
     StandardErrorLog _errorLog;
+    WakeNotice _wakeNotice{
+        [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); }};
     EventLoop _loop;
     Resources _resources;
     ActivationToken _activationToken;

@@ -4,16 +4,8 @@
 
 namespace platform::linux {
 
-WakeWatcher::WakeWatcher(std::function<void()> didWake, std::chrono::seconds patience)
-    : _didWake{std::move(didWake)}
-    , _patience{patience} {
-    connect();
-}
-
-WakeWatcher::~WakeWatcher() { letGo(); }
-
-void WakeWatcher::connect() {
-    connectLater();
+WakeWatcher::WakeWatcher(std::function<void()> didWake)
+    : _didWake{std::move(didWake)} {
     const TextHandle address{g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)};
     if (!address) {
         return;
@@ -27,22 +19,17 @@ void WakeWatcher::connect() {
     };
     constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    g_dbus_connection_new_for_address(address.get(), flags, nullptr, _attempt.emplace().get(), connected, this);
+    g_dbus_connection_new_for_address(address.get(), flags, nullptr, _attempt.get(), connected, this);
 }
 
-/// Gives up the attempt that is under way when it is time for the next.
-void WakeWatcher::connectLater() {
-    _nextAttempt.start(_patience, [this] { connect(); });
+WakeWatcher::~WakeWatcher() {
+    if (_systemBus) {
+        g_dbus_connection_signal_unsubscribe(_systemBus.get(), _subscription);
+    }
 }
 
 void WakeWatcher::listen(ObjectHandle<GDBusConnection> systemBus) {
-    _nextAttempt.cancel();
     _systemBus = std::move(systemBus);
-    const auto closed = +[](GDBusConnection*, gboolean, GError*, WakeWatcher* self) {
-        self->letGo();
-        self->connectLater();
-    };
-    _closedHandler = g_signal_connect(_systemBus.get(), "closed", G_CALLBACK(closed), this);
     const auto prepareForSleep = [](GDBusConnection*, const char*, const char*, const char*, const char*,
                                     GVariant* parameters, gpointer self) {
         if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(b)"))) {
@@ -57,14 +44,6 @@ void WakeWatcher::listen(ObjectHandle<GDBusConnection> systemBus) {
     _subscription = g_dbus_connection_signal_subscribe(
         _systemBus.get(), "org.freedesktop.login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
         "/org/freedesktop/login1", nullptr, G_DBUS_SIGNAL_FLAGS_NONE, prepareForSleep, this, nullptr);
-}
-
-void WakeWatcher::letGo() {
-    if (_systemBus) {
-        g_dbus_connection_signal_unsubscribe(_systemBus.get(), _subscription);
-        g_signal_handler_disconnect(_systemBus.get(), _closedHandler);
-        _systemBus.reset();
-    }
 }
 
 } // namespace platform::linux

@@ -9,6 +9,7 @@ import signal
 import time
 import unittest
 
+from driving.clocks import Clocks
 from driving.desktop import Desktop
 from driving.timer import QUIET, Timer
 from driving.waiting import wait_until
@@ -28,6 +29,33 @@ class Sleep(unittest.TestCase):
             wait_until(lambda: timer.get("RemainingSeconds") < 1198, "some time to pass")
             desktop.wake()
             wait_until(lambda: timer.get("RemainingSeconds") >= 1198, "a new interval")
+            timer.quit(self)
+
+
+    def test_a_sleep_of_which_nobody_tells_ends_with_a_new_interval(self):
+        with Desktop() as desktop:
+            desktop.stop_system_bus()
+            clocks = Clocks(desktop.folder / "plan")
+            timer = Timer(desktop, "-TimerInterval", "1200", settings=QUIET, **clocks.environment)
+            timer.await_in_panel()
+            clocks.pass_time(600)
+            wait_until(lambda: 0 < timer.get("RemainingSeconds") < 600, "some time to pass")
+            clocks.sleep(8 * 3600)
+            wait_until(lambda: timer.get("RemainingSeconds") >= 1198, "a new interval", 3)
+            timer.await_description("Break in 20 minutes")
+            timer.quit(self)
+
+    def test_a_sleep_that_is_told_of_late_is_one_wake(self):
+        with Desktop() as desktop:
+            clocks = Clocks(desktop.folder / "plan")
+            timer = Timer(desktop, "-TimerInterval", "1200", settings=QUIET, **clocks.environment)
+            timer.await_in_panel()
+            clocks.pass_time(600)
+            clocks.sleep(8 * 3600)
+            wait_until(lambda: timer.get("RemainingSeconds") >= 1198, "a new interval", 3)
+            clocks.pass_time(30)
+            desktop.wake()
+            wait_until(lambda: timer.get("RemainingSeconds") < 1168, "the interval to go on")
             timer.quit(self)
 
 

@@ -54,5 +54,22 @@ TEST(Loop, WakesOnceForOneTimer) {
     EXPECT_EQ(settlings, 1);
 }
 
+TEST(Loop, BeginsAnEventAheadOfItsTimers) {
+    BareDesktop desktop{"none"};
+    bool hasBegun = false;
+    EventLoop loop{[] { return RunLoopMode::Default; }, [] {}, [&] { hasBegun = true; }};
+    bool hasFired = false;
+    const auto timer = Timer::scheduledTimer(
+        0.001,
+        [&](const std::shared_ptr<Timer>&) {
+            hasFired = true;
+            EXPECT_TRUE(hasBegun);
+        },
+        {}, false);
+    loop.schedule(timer);
+    loop.iterate();
+    EXPECT_TRUE(hasFired);
+}
+
 } // namespace
 } // namespace platform::linux
