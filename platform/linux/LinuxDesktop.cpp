@@ -193,6 +193,7 @@ void LinuxDesktop::settle() {
             [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { _statusWindow.open(); },
             _activationToken, _errorLog);
     }
+    _look();
 }
 
 std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() {

@@ -99,6 +99,9 @@ public:
     /// break is not; it is asked after each event.
     void watchBreak(std::function<bool()> isBreakDue) { _isBreakDue = std::move(isBreakDue); }
 
+    /// Calls `look` after each event, once everything is on its way to the panel.
+    void afterEachEvent(std::function<void()> look) { _look = std::move(look); }
+
     /// Seconds until the timer fires that makes the break due; negative once it is due. They are counted by the
     /// machine: setting the clock changes nothing. Nothing if there was no such timer yet.
     std::optional<TimeInterval> secondsUntilBreak();
@@ -127,6 +130,7 @@ private:
     WindowHelper _windows;
     SoundPlayer _sounds;
     std::function<bool()> _isBreakDue = [] { return false; };
+    std::function<void()> _look = [] {};
     std::optional<TimeInterval> _breakSinceBoot; ///< When the break comes or came due.
     std::shared_ptr<NSStatusItem> _statusItem;
     std::optional<MenuExport> _menu;

@@ -1,5 +1,7 @@
 #include "platform/linux/RemoteControl.hpp"
 
+#include "platform/linux/TimerInterface.hpp"
+
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -12,22 +14,6 @@ namespace {
 constexpr const char* busName = "org.marvelode.Timer";
 constexpr const char* objectPath = "/org/marvelode/Timer";
 constexpr const char* applicationInterface = "org.freedesktop.Application";
-
-constexpr const char* timerDescription = R"xml(<node><interface name="org.marvelode.Timer">
-  <method name="Restart"/>
-  <method name="ToggleMute"/>
-  <method name="TogglePopups"/>
-  <method name="ShowSettings"/>
-  <method name="ShowAbout"/>
-  <method name="ShowMenu"/>
-  <method name="Quit"/>
-  <property name="State" type="s" access="read"/>
-  <property name="Text" type="s" access="read"/>
-  <property name="RemainingSeconds" type="x" access="read"/>
-  <property name="Muted" type="b" access="read"/>
-  <property name="Popups" type="b" access="read"/>
-  <annotation name="org.freedesktop.DBus.Property.EmitsChangedSignal" value="false"/>
-</interface></node>)xml";
 
 constexpr const char* applicationDescription = R"xml(<node><interface name="org.freedesktop.Application">
   <method name="Activate"><arg type="a{sv}" direction="in"/></method>
@@ -139,7 +125,7 @@ bool RemoteControl::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& erro
 
 RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram program)
     : _program{std::move(program)}
-    , _timer{sessionBus, objectPath, timerDescription,
+    , _timer{sessionBus, objectPath, timerInterface,
              [this](std::string_view method, GVariant*, GDBusMethodInvocation* call) {
                  if (method == "ShowMenu") {
                      showMenu(call);
@@ -209,6 +195,24 @@ GVariant* RemoteControl::property(std::string_view name) const {
         return g_variant_new_int64(_program.remainingSeconds());
     }
     return g_variant_new_boolean(name == "Muted" ? _program.isMuted() : _program.showsPopups());
+}
+
+void RemoteControl::announceChanges() {
+    GVariantDict changed;
+    g_variant_dict_init(&changed, nullptr);
+    bool hasChanges = false;
+    for (auto& [name, known] : _known) {
+        VariantHandle now = owned(property(name));
+        if (known && !g_variant_equal(known.get(), now.get())) {
+            g_variant_dict_insert_value(&changed, name, now.get());
+            hasChanges = true;
+        }
+        known = std::move(now);
+    }
+    if (hasChanges) {
+        _timer.announce(g_variant_dict_end(&changed));
+    }
+    g_variant_dict_clear(&changed);
 }
 
 } // namespace platform::linux

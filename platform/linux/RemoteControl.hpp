@@ -7,6 +7,7 @@
 #include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -54,7 +55,17 @@ public:
     /// Answers calls on the bus from now on, each once what it asks for is done.
     RemoteControl(GDBusConnection* sessionBus, ControlledProgram program);
 
+    /// Tells those who listen which properties have changed since the last call, if any of those have that are
+    /// announced. Called after each event.
+    void announceChanges();
+
 private:
+    /// A property whose changes are announced, and its value as it was last announced.
+    struct Announced {
+        const char* name;
+        VariantHandle known{};
+    };
+
     using Name = std::string ControlledProgram::Command::*;
     const ControlledProgram::Command* find(Name name, std::string_view value) const;
     void activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call);
@@ -65,6 +76,7 @@ private:
     ControlledProgram _program;
     ExportedInterface _timer;
     ExportedInterface _application;
+    std::array<Announced, 3> _known{{{"State"}, {"Muted"}, {"Popups"}}};
 };
 
 } // namespace platform::linux

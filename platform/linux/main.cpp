@@ -199,7 +199,8 @@ int main(int argc, char** argv) {
     desktop.watchBreak(isReminding);
     desktop.offerWithoutPanel(
         {marvelode::UXMenu::Title::Restart, marvelode::UXMenu::Title::Settings, marvelode::UXMenu::Title::Quit});
-    const RemoteControl control{sessionBus.get(), controlled(desktop)};
+    RemoteControl control{sessionBus.get(), controlled(desktop)};
+    desktop.afterEachEvent([&control] { control.announceChanges(); });
     const bool isFirst = RemoteControl::claimName(sessionBus.get(), error);
     guard.reset();
     if (error) {

@@ -60,4 +60,10 @@ void ExportedInterface::emit(const char* signal, GVariant* arguments) const {
                                   arguments, nullptr); // fails only on a closed bus, which ends the program
 }
 
+void ExportedInterface::announce(GVariant* changed) const {
+    g_dbus_connection_emit_signal(
+        _bus.get(), nullptr, _path.c_str(), "org.freedesktop.DBus.Properties", "PropertiesChanged",
+        g_variant_new("(s@a{sv}as)", _description->interfaces[0]->name, changed, nullptr), nullptr); // as above
+}
+
 } // namespace platform::linux

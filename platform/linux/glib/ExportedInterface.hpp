@@ -32,6 +32,9 @@ public:
     /// Sends a signal of the interface to all that listen; `arguments` is a tuple, or null for none.
     void emit(const char* signal, GVariant* arguments = nullptr) const;
 
+    /// Tells all that listen the new values of properties, a dictionary of names and values.
+    void announce(GVariant* changed) const;
+
 private:
     using Description = std::unique_ptr<GDBusNodeInfo, Release<g_dbus_node_info_unref>>;
 

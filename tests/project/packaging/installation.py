@@ -25,6 +25,7 @@ RESOURCES = {f"share/marvelode-timer/{file}" for file in SOUNDS | {
     "BuildInfo.txt", "Marvelode.png", "MarvelodeGrey.png"}}
 LAUNCHER = f"share/applications/{NAME}.desktop"
 AUTOSTART = f"share/marvelode-timer/autostart/{NAME}.desktop"
+INTERFACE = f"share/dbus-1/interfaces/{NAME}.xml"
 SERVICE = f"share/dbus-1/services/{NAME}.service"
 METAINFO = f"share/metainfo/{NAME}.metainfo.xml"
 MANUAL = "share/man/man1/marvelode-timer.1.gz"
@@ -36,8 +37,8 @@ COPYRIGHT = "share/doc/marvelode-timer/copyright"
 ICONS = {f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)} | {
     f"share/icons/hicolor/scalable/apps/{NAME}.svg"}
 FILES = ICONS | HELPERS | RESOURCES | {
-    PROGRAM, LAUNCHER, AUTOSTART, SERVICE, METAINFO, MANUAL, CHANGELOG, COPYRIGHT, BASH_COMPLETION, ZSH_COMPLETION,
-    FISH_COMPLETION}
+    PROGRAM, LAUNCHER, AUTOSTART, INTERFACE, SERVICE, METAINFO, MANUAL, CHANGELOG, COPYRIGHT, BASH_COMPLETION,
+    ZSH_COMPLETION, FISH_COMPLETION}
 FILES_IN_DEBIAN = FILES - {ZSH_COMPLETION} | {"share/zsh/vendor-completions/_marvelode-timer"}
 
 

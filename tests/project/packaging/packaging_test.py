@@ -9,8 +9,8 @@ import re
 import unittest
 from xml.etree import ElementTree
 
-from installation import (AUTOSTART, BUILD, CHANGELOG, FILES, FILES_IN_DEBIAN, HELPERS, ICONS, LAUNCHER, MANUAL,
-                          METAINFO, NAME, PROGRAM, PROJECT, SERVICE, VERSION, Failed, PackagingTest, install, key_file,
+from installation import (AUTOSTART, BUILD, CHANGELOG, FILES, FILES_IN_DEBIAN, HELPERS, ICONS, INTERFACE, LAUNCHER,
+                          MANUAL, METAINFO, NAME, PROGRAM, PROJECT, SERVICE, VERSION, Failed, PackagingTest, install, key_file,
                           output, without_desktop)
 
 
@@ -19,6 +19,12 @@ def what_is_asked_by(commands, home):
     recorder = pathlib.Path(__file__).with_name("recorder.py")
     return json.loads(output("dbus-run-session", "--", "/usr/bin/python3", recorder, *commands,
                              env=without_desktop(home)))
+
+
+def described(document):
+    """What a description of interfaces says of the program's own, in an order of its own."""
+    interface = ElementTree.fromstring(document).find(f"interface[@name='{NAME}']")
+    return sorted(" ".join(f"{part.tag} {sorted(part.items())}" for part in member.iter()) for member in interface)
 
 
 class Installation(PackagingTest):
@@ -77,6 +83,14 @@ class Installation(PackagingTest):
                          "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListActivatableNames",
                          env=environment)
         self.assertIn(f'"{NAME}"', listing)
+
+    def test_the_interface_is_installed_as_the_program_offers_it(self):
+        environment = without_desktop(self.temporary, XDG_DATA_DIRS=str(self.tree / "share"))
+        offered = output("dbus-run-session", "--", "gdbus", "introspect", "--session", "--xml", "--dest", NAME,
+                         "--object-path", "/org/marvelode/Timer", env=environment)
+        installed = (self.tree / INTERFACE).read_text()
+        self.assertEqual(described(installed), described(offered))
+        self.assertIn("method [('name', 'Restart')]", described(installed))
 
     def test_software_centres_understand_the_description(self):
         report = output("appstreamcli", "validate", "--no-net", "--pedantic", "--no-color", self.tree / METAINFO)
