@@ -15,12 +15,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* leftover = ".new-"; // and six letters or digits
+constexpr std::size_t randomLetters = 6; // or digits
 constexpr mode_t ownerOnlyFile = 0600;
 constexpr mode_t ownerOnlyFolder = 0700;
 
 std::string problemWith(const fs::path& path, int error) {
     return path.string() + ": " + std::generic_category().message(error);
+}
+
+/// How the name of a file begins that is to take the place of `target`: a name that nobody gives to a file.
+std::string unfinished(const fs::path& target) {
+    return ".unfinished-by-marvelode-timer-" + target.filename().string() + "-";
 }
 
 std::string notRegular(const fs::path& path) { return path.string() + " is no regular file"; }
@@ -69,7 +74,7 @@ int writeAll(int file, std::string_view bytes) {
 
 /// Writes a new file beside `target` and puts it there; returns an error number or 0.
 int replace(const fs::path& target, std::string_view bytes, mode_t permissions) {
-    std::string name = target.string() + leftover + "XXXXXX";
+    std::string name = (target.parent_path() / (unfinished(target) + std::string(randomLetters, 'X'))).string();
     int error = 0;
     {
         const Descriptor file{g_mkstemp_full(name.data(), O_WRONLY | O_CLOEXEC, ownerOnlyFile)};
@@ -130,13 +135,13 @@ std::string replaceRegularFile(const fs::path& path, std::string_view bytes) {
 
 void removeLeftovers(const fs::path& path) {
     const fs::path target = linkTarget(path);
-    const std::string start = target.filename().string() + leftover;
-    constexpr std::size_t letters = 6;
+    const std::string start = unfinished(target);
     std::error_code error;
     for (fs::directory_iterator each{target.parent_path(), error}, end; !error && each != end;
          each.increment(error)) {
         const std::string name = each->path().filename().string();
-        if (name.starts_with(start) && name.size() == start.size() + letters && each->is_regular_file(error)) {
+        if (name.starts_with(start) && name.size() == start.size() + randomLetters &&
+            each->is_regular_file(error)) {
             g_unlink(each->path().c_str());
         }
     }

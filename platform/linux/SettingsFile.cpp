@@ -48,9 +48,7 @@ SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Value
     : _path{std::move(path)}
     , _errorLog{errorLog}
     , _assumed{std::move(assumed)}
-    , _file{g_key_file_new()} {
-    removeLeftovers(_path);
-}
+    , _file{g_key_file_new()} {}
 
 SettingsFile::~SettingsFile() {
     if (hasUnwritten()) {
@@ -58,6 +56,8 @@ SettingsFile::~SettingsFile() {
         write();
     }
 }
+
+void SettingsFile::clearUp() const { removeLeftovers(_path); }
 
 std::optional<DefaultsValue> SettingsFile::value(std::string_view key) {
     readIfChanged();

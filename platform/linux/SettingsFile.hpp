@@ -32,6 +32,9 @@ public:
     SettingsFile(const SettingsFile&) = delete;
     SettingsFile& operator=(const SettingsFile&) = delete;
 
+    /// Removes what a write that was killed has left in the folder. No other program may be writing these settings.
+    void clearUp() const;
+
     /// The value under `key`, as the file has it now; nothing if there is none. A value that cannot be written yet
     /// is ahead of the file's, and is written as soon as it can be.
     std::optional<DefaultsValue> value(std::string_view key);

@@ -76,6 +76,7 @@ protected:
     void expectNextRunToWrite() {
         SettingsFile{file, errors}.set(false, "Mute");
         SettingsFile again{file, errors};
+        again.clearUp();
         EXPECT_EQ(again.value("Mute"), platform::DefaultsValue{false});
         EXPECT_THAT(errors.problems, testing::IsEmpty());
         const fs::path stored = fs::canonical(file).parent_path();

@@ -298,13 +298,17 @@ TEST_F(Settings, KeepTheFilesPermissionsFromTheFirstWriteOn) {
 }
 
 TEST_F(Settings, AreRidOfWhatAKilledWriteHasLeftBehind) {
-    const std::vector<std::string> others{"settings.new-abc12", "settings.new-abc1234", "settings.backup",
-                                          "my settings.new-abc123"};
+    const std::string start = ".unfinished-by-marvelode-timer-settings-";
+    const std::vector<std::string> others{
+        start + "abc12",        start + "abc1234",   ".unfinished-by-marvelode-timer-other-abc123",
+        "settings.new-version", "settings.new-home", "settings.backup"};
     for (const std::string& name : others) {
         folder.write("marvelode-timer/" + name, "");
     }
-    const fs::path leftover = folder.write("marvelode-timer/settings.new-abc123", "[Sett");
+    const fs::path leftover = folder.write("marvelode-timer/" + start + "abc123", "[Sett");
     open();
+    EXPECT_TRUE(fs::exists(leftover)) << "another program may be writing it";
+    settings->clearUp();
     EXPECT_FALSE(fs::exists(leftover));
     for (const std::string& name : others) {
         EXPECT_TRUE(fs::exists(file.parent_path() / name)) << name;
