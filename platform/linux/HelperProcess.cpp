@@ -10,6 +10,13 @@
 namespace platform::linux {
 namespace {
 
+/// Whether nobody has reaped that child yet. Once somebody has, such as GLib, which tells of it only later, its
+/// number may be another program's.
+bool isUnreaped(pid_t child) {
+    siginfo_t ignored{};
+    return waitid(P_PID, static_cast<id_t>(child), &ignored, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
 /// Reaps a process that was killed. That takes a millisecond, but longer if the system is writing its memory to a
 /// disk that does not answer.
 bool reap(pid_t process) {
@@ -51,7 +58,7 @@ HelperProcess::~HelperProcess() {
 }
 
 void HelperProcess::kill() const {
-    if (_watch != 0) {
+    if (_watch != 0 && isUnreaped(_process)) {
         ::kill(_process, SIGKILL);
     }
 }
