@@ -2,16 +2,18 @@
 
 #include "platform/Logger.hpp"
 #include "platform/linux/Journal.hpp"
+#include "platform/linux/Output.hpp"
 
 #include <glib.h>
+#include <unistd.h>
 
-#include <cstdio>
+#include <string>
 
 namespace platform::linux {
 
 void StandardErrorLog::add(std::string_view problem) {
-    std::fprintf(stderr, "marvelode-timer: %.*s\n", static_cast<int>(problem.size()), problem.data());
-    if (isJournalRunning() && !g_log_writer_is_journald(fileno(stderr))) {
+    writeAtOnce(STDERR_FILENO, "marvelode-timer: " + std::string{problem} + '\n');
+    if (isJournalRunning() && !g_log_writer_is_journald(STDERR_FILENO)) {
         writeToJournal(Logger{"Marvelode Timer", "Desktop"}, Logger::Level::Error, problem);
     }
 }
