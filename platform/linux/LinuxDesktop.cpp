@@ -1,14 +1,16 @@
 #include "platform/linux/LinuxDesktop.hpp"
 
 #include "platform/linux/Journal.hpp"
+#include "platform/linux/Output.hpp"
 #include "platform/linux/glib/Delivery.hpp"
 
 #include <glib-unix.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
+#include <ctime>
 #include <utility>
 
 namespace platform::linux {
@@ -48,14 +50,6 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
         self->terminate();
     };
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
-    const auto end = [](gpointer self) -> gboolean {
-        static_cast<LinuxDesktop*>(self)->terminate();
-        return G_SOURCE_CONTINUE;
-    };
-    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
-        _signalSources[index] =
-            isIgnored(endingSignals[index]) ? 0 : g_unix_signal_add(endingSignals[index], end, this);
-    }
 }
 
 LinuxDesktop::~LinuxDesktop() {
@@ -67,7 +61,20 @@ LinuxDesktop::~LinuxDesktop() {
     g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
 }
 
+void LinuxDesktop::endAtSignals() {
+    const auto end = [](gpointer self) -> gboolean {
+        static_cast<LinuxDesktop*>(self)->terminate();
+        return G_SOURCE_CONTINUE;
+    };
+    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
+        _signalSources[index] =
+            isIgnored(endingSignals[index]) ? 0 : g_unix_signal_add(endingSignals[index], end, this);
+    }
+}
+
 int LinuxDesktop::run(int, const char* const*) {
+    endAtSignals(); // from here on somebody heeds them
+    _settings.clearUp();
     _loop.post([this] { // once the status item is on its way
         _wakeWatcher.emplace([this] { _wakeNotice.hear(); });
     });
@@ -144,11 +151,7 @@ bool LinuxDesktop::play(const NSSound& sound) { return _sounds.play(sound.url); 
 
 void LinuxDesktop::beep() { _sounds.beep(); }
 
-void LinuxDesktop::print(std::string_view line) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
+void LinuxDesktop::print(std::string_view line) { writeAtOnce(STDOUT_FILENO, std::string{line} + '\n'); }
 
 bool LinuxDesktop::isLogEnabled(const Logger&, Logger::Level) { return isJournalRunning(); }
 
@@ -161,9 +164,11 @@ void LinuxDesktop::pick(std::string_view entry, std::function<void()> picked) {
         const std::shared_ptr<NSMenu> menu = _statusItem ? _statusItem->menu() : nullptr;
         const std::shared_ptr<NSMenuItem> item = menu ? menu->itemWithTitle(entry) : nullptr;
         if (item && menu->validates(*item)) {
-            _loop.post(picked); // runs first if the entry opens a window
+            _windows.awaitNext(picked);
             menu->performActionForItem(*item);
-            picked();
+            if (const auto noWindowCame = _windows.takeAwaiting()) {
+                noWindowCame();
+            }
         }
     });
 }

@@ -78,7 +78,7 @@ public:
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
     /// Picks the menu entry of that title from the event loop. `picked` is called once its action has run or its
-    /// window is open, and never if the entry is disabled then.
+    /// window is on the screen, or destroyed uncalled if the entry is disabled then or its window cannot be shown.
     void pick(
         std::string_view entry, std::function<void()> picked = [] {});
 
@@ -110,6 +110,7 @@ public:
     std::string statusText() const;
 
 private:
+    void endAtSignals();
     void settle();
     StatusContent statusContent();
     std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft) const;

@@ -143,21 +143,32 @@ RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram prog
 void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
     const std::size_t last = g_variant_n_children(arguments) - 1;
     const VariantHandle platformData{g_variant_get_child_value(arguments, last)};
-    const char* token = nullptr;
-    if (g_variant_lookup(platformData.get(), "activation-token", "&s", &token) &&
-        !_program.activationToken.keep(token)) {
-        g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
-                                              "The activation token is too long.");
+    const char* action = nullptr;
+    if (method == "ActivateAction") {
+        g_variant_get_child(arguments, 0, "&s", &action);
+    }
+    const auto* command = action ? find(&ControlledProgram::Command::action, action) : nullptr;
+    const bool isKnown = !action || command;
+    if (isKnown && !heed(platformData.get(), call)) {
         return;
     }
-    _program.session.adopt(environmentIn(platformData.get()));
-    if (method == "ActivateAction") {
-        const char* action = nullptr;
-        g_variant_get_child(arguments, 0, "&s", &action);
-        pick(find(&ControlledProgram::Command::action, action), call);
+    if (action) {
+        pick(command, call);
     } else {
         showMenu(call);
     }
+}
+
+/// Takes over what the caller sends for a window. Answers the call, and returns false, if that makes no sense.
+bool RemoteControl::heed(GVariant* platformData, GDBusMethodInvocation* call) {
+    const char* token = nullptr;
+    if (g_variant_lookup(platformData, "activation-token", "&s", &token) && !_program.activationToken.keep(token)) {
+        g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                              "The activation token is too long.");
+        return false;
+    }
+    _program.session.adopt(environmentIn(platformData));
+    return true;
 }
 
 void RemoteControl::showMenu(GDBusMethodInvocation* call) {
@@ -177,7 +188,8 @@ void RemoteControl::pick(const ControlledProgram::Command* command, GDBusMethodI
             command->entry,
             success(
                 call, "org.marvelode.Timer.Error.Busy",
-                "Marvelode Timer cannot do this now: one of its windows waits for an answer, or it is ending."));
+                "Marvelode Timer cannot do this now: one of its windows waits for an answer or cannot be shown, "
+                "or it is ending."));
     } else {
         g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
                                               "Marvelode Timer has no such action.");

@@ -27,7 +27,7 @@ struct ControlledProgram {
 
     std::vector<Command> commands;
     /// Picks the menu entry of that title from the event loop. `picked` is called once its action has run or its
-    /// window is open, or destroyed uncalled if the entry cannot be picked then.
+    /// window is on the screen, or destroyed uncalled if the entry cannot be picked or its window cannot be shown.
     std::function<void(std::string_view entry, std::function<void()> picked)> pick;
     /// Shows the menu as a window. `shown` is called once that is on the screen, or destroyed uncalled if it cannot
     /// be shown.
@@ -69,6 +69,7 @@ private:
     using Name = std::string ControlledProgram::Command::*;
     const ControlledProgram::Command* find(Name name, std::string_view value) const;
     void activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call);
+    bool heed(GVariant* platformData, GDBusMethodInvocation* call);
     void showMenu(GDBusMethodInvocation* call);
     void pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call);
     GVariant* property(std::string_view name) const;

@@ -12,12 +12,12 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -114,7 +114,7 @@ int noBus(const char* reason) {
     return EXIT_FAILURE;
 }
 
-/// Ends the program if the session bus says nothing for too long while it starts.
+/// Ends the program if the session bus says nothing for too long while it starts. A folder may take any time.
 class SilenceGuard {
 public:
     SilenceGuard() {
@@ -133,6 +133,18 @@ public:
     SilenceGuard(const SilenceGuard&) = delete;
     SilenceGuard& operator=(const SilenceGuard&) = delete;
 };
+
+using BusHandle = platform::linux::ObjectHandle<GDBusConnection>;
+
+BusHandle connect(platform::linux::ErrorSlot& error) {
+    const SilenceGuard guard;
+    return BusHandle{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, error.out())};
+}
+
+bool claimName(GDBusConnection* sessionBus, platform::linux::ErrorSlot& error) {
+    const SilenceGuard guard;
+    return platform::linux::RemoteControl::claimName(sessionBus, error);
+}
 
 bool isReminding() { return marvelode::app->state == marvelode::App::State::Reminding; }
 
@@ -165,7 +177,7 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
         .isReminding = isReminding,
         .text = [&desktop] { return desktop.statusText(); },
         .remainingSeconds =
-            [&desktop] { return static_cast<std::int64_t>(desktop.secondsUntilBreak().value_or(0)); },
+            [&desktop] { return static_cast<std::int64_t>(std::floor(desktop.secondsUntilBreak().value_or(0))); },
         .isMuted = [] { return app->cfg->isMuted(); },
         .showsPopups = [] { return app->cfg->popups(); },
     };
@@ -190,19 +202,18 @@ int main(int argc, char** argv) {
     printFatalErrorsAtOnce();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end
     ErrorSlot error;
-    std::optional<SilenceGuard> guard{std::in_place};
-    const ObjectHandle<GDBusConnection> sessionBus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, error.out())};
+    const BusHandle sessionBus = connect(error);
     if (!sessionBus) {
         return noBus(error.message());
     }
     LinuxDesktop desktop{sessionBus.get(), Places::ofThisProcess(), {argv + 1, argv + argc}, assumedSettings()};
     desktop.watchBreak(isReminding);
+    desktop.session().remindersNeedDisplay([] { return marvelode::app->cfg->popups(); });
     desktop.offerWithoutPanel(
         {marvelode::UXMenu::Title::Restart, marvelode::UXMenu::Title::Settings, marvelode::UXMenu::Title::Quit});
     RemoteControl control{sessionBus.get(), controlled(desktop)};
     desktop.afterEachEvent([&control] { control.announceChanges(); });
-    const bool isFirst = RemoteControl::claimName(sessionBus.get(), error);
-    guard.reset();
+    const bool isFirst = claimName(sessionBus.get(), error);
     if (error) {
         return noBus(error.message());
     }

@@ -1,135 +1,23 @@
 // The whole program in odd circumstances: what it is started with or without, and what is taken from it meanwhile.
 
-#include "platform/linux/window/Protocol.hpp"
+#include "tests/linux/MainTest.hpp"
+
 #include "tests/support/MisbehavingBus.hpp"
-#include "tests/support/PrivateBuses.hpp"
-#include "tests/support/TemporaryFolder.hpp"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/auxv.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 namespace platform::linux {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* name = "org.marvelode.Timer";
-constexpr const char* object = "/org/marvelode/Timer";
-
-std::string contentOf(const fs::path& path) {
-    std::ifstream stream{path, std::ios::binary};
-    return {std::istreambuf_iterator{stream}, {}};
-}
-
-class MainTest : public testing::Test {
-protected:
-    MainTest() {
-        fs::create_directories(settings.parent_path());
-        connectToSystem(); // which is said to be there from here on
-    }
-    void TearDown() override {
-        if (process != 0) {
-            kill(process, SIGKILL);
-            waitpid(process, nullptr, 0);
-        }
-    }
-
-    using Preparation = void (*)();
-    static void nothing() {}
-
-    /// Starts `command`, in a process that has run `prepare` before, and waits until it is on the bus.
-    void start(std::vector<std::string> command, Preparation prepare = nothing) {
-        launch(std::move(command), prepare);
-        EXPECT_TRUE(await([&] { return !property("State").empty() || !isRunning(); }));
-        EXPECT_TRUE(isRunning()) << contentOf(folder.path / "output");
-    }
-    void start(Preparation prepare = nothing) { start({PROGRAM}, prepare); }
-
-    void launch(std::vector<std::string> command, Preparation prepare = nothing) {
-        std::vector<char*> arguments;
-        for (std::string& argument : command) {
-            arguments.push_back(argument.data());
-        }
-        arguments.push_back(nullptr);
-        g_setenv("XDG_CONFIG_HOME", folder.path.c_str(), TRUE);
-        g_unsetenv("G_SLICE");
-        process = fork();
-        if (process == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            const int output = open((folder.path / "output").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            dup2(output, STDOUT_FILENO);
-            dup2(output, STDERR_FILENO);
-            close(output);
-            prepare();
-            execv(arguments[0], arguments.data());
-            _exit(127);
-        }
-    }
-
-    /// Asks again and again, for a few seconds.
-    static bool await(const std::function<bool()>& holds) {
-        return runLoopUntil([&] {
-            const bool isDone = holds();
-            runLoopFor(std::chrono::milliseconds{isDone ? 0 : 5});
-            g_main_context_wakeup(nullptr);
-            return isDone;
-        });
-    }
-
-    bool isRunning() {
-        if (process != 0 && waitpid(process, &status, WNOHANG) == process) {
-            process = 0;
-        }
-        return process != 0;
-    }
-
-    std::string property(const char* property) {
-        std::string error;
-        const VariantHandle answer = call(bus.get(), name, object, "org.freedesktop.DBus.Properties", "Get",
-                                          g_variant_new("(ss)", name, property), &error);
-        return answer ? TextHandle{g_variant_print(answer.get(), FALSE)}.get() : "";
-    }
-    bool awaitProperty(const char* which, const std::string& value) {
-        return await([&] { return property(which) == value || !isRunning(); }) && isRunning();
-    }
-    bool run(const char* method) {
-        std::string error;
-        call(bus.get(), name, object, name, method, nullptr, &error);
-        return error.empty();
-    }
-    /// Whether the environment in which the kernel started the program is that of its second start.
-    bool wasStartedAnew() const {
-        return contentOf("/proc/" + std::to_string(process) + "/environ").find("G_SLICE=") != std::string::npos;
-    }
-    void quit() {
-        EXPECT_TRUE(run("Quit")) << "the call was not answered";
-        EXPECT_TRUE(await([&] { return !isRunning(); })) << "it does not end";
-        EXPECT_EQ(status, 0);
-    }
-
-    TemporaryFolder folder;
-    const fs::path settings = folder.path / "marvelode-timer/settings";
-    ObjectHandle<GDBusConnection> bus = connectToSession();
-    pid_t process = 0;
-    int status = -1;
-};
 
 TEST_F(MainTest, AFileThatCannotBeReadAtTheStartIsNoFirstRunAndLosesNoSetting) {
     fs::create_directory(settings); // unreadable even for root
@@ -163,9 +51,7 @@ TEST_F(MainTest, ItOutlivesItsTerminalIfItWasToldSo) {
 
 TEST_F(MainTest, ItEndsWithItsTerminalOtherwise) {
     start();
-    kill(process, SIGHUP);
-    EXPECT_TRUE(await([&] { return !isRunning(); }));
-    EXPECT_EQ(status, 0);
+    endBy(SIGHUP);
 }
 
 TEST_F(MainTest, ItsMessagesGoNowhereWhereItHasNoStandardDescriptors) {
@@ -204,55 +90,6 @@ TEST_F(MainTest, RemovingThePackageCostsNoReminder) {
     quit();
 }
 
-/// The program, installed beside a script that takes the place of the one that shows windows.
-class SecondStartTest : public MainTest {
-protected:
-    SecondStartTest() {
-        fs::create_directories(folder.path / "bin");
-        fs::create_directories(folder.path / "libexec/marvelode-timer");
-        fs::copy_file(PROGRAM, program);
-        fs::create_symlink(fs::path{PROGRAM}.parent_path().parent_path() / "share", folder.path / "share");
-    }
-
-    /// The script first notes its display.
-    void installWindowProgram(const std::string& commands) {
-        const fs::path script = folder.write("libexec/marvelode-timer/marvelode-timer-window",
-                                             "#!/bin/sh\necho $DISPLAY >'" + display.string() + "'\n" + commands);
-        fs::permissions(script, fs::perms::owner_all);
-    }
-
-    /// Starts the program once more, on the display :7; returns its status.
-    int startOnceMore() {
-        const std::string command = "DISPLAY=:7 XDG_CONFIG_HOME='" + folder.path.string() + "' timeout 20 '" +
-                                    program.string() + "' >'" + (folder.path / "second").string() + "' 2>&1";
-        return std::system(command.c_str());
-    }
-    std::string saidBySecond() const { return contentOf(folder.path / "second"); }
-
-    const fs::path program = folder.path / "bin/marvelode-timer";
-    const fs::path display = folder.path / "display";
-};
-
-TEST_F(SecondStartTest, HasTheMenuShownOnItsOwnDisplay) {
-    const std::string shown = encode(Event{Event::Kind::Shown, 1, 0, {}});
-    installWindowProgram("printf %s \"" + shown + "\" >&0\nexec sleep 20\n");
-    g_setenv("DISPLAY", ":6", TRUE);
-    start({program});
-    EXPECT_EQ(startOnceMore(), 0);
-    EXPECT_EQ(saidBySecond(), "Marvelode Timer is running already; its menu is on screen.\n")
-        << contentOf(folder.path / "output");
-    EXPECT_EQ(contentOf(display), ":7\n");
-    quit();
-}
-
-TEST_F(SecondStartTest, DoesNotSayThatTheMenuIsOnScreenWhereItIsNot) {
-    installWindowProgram("exit 1\n");
-    start({program});
-    EXPECT_NE(startOnceMore(), 0);
-    EXPECT_NE(saidBySecond().find("cannot show its menu"), std::string::npos) << saidBySecond();
-    quit();
-}
-
 TEST_F(MainTest, ItStartsAnewOnlyWhereGlibHasPools) {
     start();
     EXPECT_EQ(wasStartedAnew(), glib_minor_version < 76);
@@ -288,6 +125,21 @@ INSTANTIATE_TEST_SUITE_P(
                                      MisbehavingBus::Step::Subscription),
                      testing::Values(MisbehavingBus::Trouble::Silence, MisbehavingBus::Trouble::Lateness,
                                      MisbehavingBus::Trouble::Nonsense, MisbehavingBus::Trouble::Death)));
+
+TEST_F(MainTest, ItsFolderMayTakeItsTimeAsLongAsTheSessionBusAnswers) {
+    g_setenv("LD_PRELOAD", QUICK_ALARM " " SLOW_FOLDER, TRUE);
+    start();
+    g_unsetenv("LD_PRELOAD");
+    quit();
+}
+
+TEST_F(MainTest, ItsSecondsAreNegativeFromTheFirstMomentThatTheBreakIsDue) {
+    folder.write("marvelode-timer/settings", "[Settings]\nVersion='1.0.0'\nMute=true\n"); // and no popups
+    start({PROGRAM, "-TimerInterval", "1"});
+    EXPECT_TRUE(awaitProperty("State", "(<'Reminding'>,)"));
+    EXPECT_NE(property("RemainingSeconds").find('-'), std::string::npos);
+    quit();
+}
 
 TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
     g_setenv("LD_PRELOAD", FEW_THREADS, TRUE);

@@ -42,6 +42,16 @@ TEST_F(ControlTest, WhatIsNoActionIsRefused) {
     EXPECT_THAT(picked, IsEmpty());
 }
 
+TEST_F(ControlTest, WhatIsNoActionChangesNothing) {
+    std::string error;
+    EXPECT_FALSE(ask("org.freedesktop.Application", "ActivateAction",
+                     g_variant_new_parsed("('explode', @av [], {'activation-token': <'token'>, "
+                                          "'environ': <[b'DISPLAY=:7']>})"),
+                     &error));
+    EXPECT_THAT(session.forHelpers(), Not(Contains("DISPLAY=:7")));
+    EXPECT_EQ(token.take(), "");
+}
+
 TEST_F(ControlTest, SuccessIsNotToldBeforeTheEntryWasPicked) {
     answersAtOnce = false;
     bool isAnswered = false;

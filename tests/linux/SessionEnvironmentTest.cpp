@@ -1,5 +1,5 @@
-// Windows open on the display of the session in which the timer was last activated, and a session that is over is
-// left in peace.
+// Windows open on the display of the session in which the timer was last activated, or on the one before if there
+// is none; and a session that is over is left in peace.
 
 #include "platform/linux/SessionEnvironment.hpp"
 
@@ -35,11 +35,13 @@ protected:
         return all;
     }
 
-    void missTheDisplay(int times) {
+    void missReminders(int times) {
         for (int time = 0; time < times; ++time) {
-            session.displayWasMissing();
+            session.reminderWasMissed();
         }
     }
+    void findDisplay() { session.displayWasFound(session.display()); }
+    void missDisplay() { session.displayWasMissing(session.display()); }
 
     SessionEnvironment session;
 };
@@ -75,6 +77,48 @@ TEST_F(SessionEnvironmentTest, StaysWhenTheActivationComesFromNoDisplay) {
     EXPECT_THAT(variables("XDG_CURRENT"), IsEmpty());
 }
 
+TEST_F(SessionEnvironmentTest, GoesBackWhenTheLastActivationNamedADisplayThatIsNotThere) {
+    session.adopt({{"DISPLAY", ":nowhere"}, {"WAYLAND_DISPLAY", "nothing"}});
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:old"));
+    EXPECT_THAT(variables("WAYLAND"), IsEmpty());
+}
+
+TEST_F(SessionEnvironmentTest, GoesBackPastAllThatWereNeverReached) {
+    session.adopt({{"DISPLAY", ":1"}});
+    findDisplay();
+    session.adopt({{"DISPLAY", ":nowhere"}});
+    session.adopt({{"DISPLAY", ":neither"}});
+    session.adopt({{"DISPLAY", ":neither"}});
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:1"));
+}
+
+TEST_F(SessionEnvironmentTest, GoesBackWhenADisplayHasGoneThatWasReached) {
+    session.adopt({{"DISPLAY", "far.away:10"}});
+    findDisplay();
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:old"));
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=far.away:10")) << "which may be there again";
+}
+
+TEST_F(SessionEnvironmentTest, StaysWhenAWindowFindsNothingWhereItWasBefore) {
+    const unsigned before = session.display();
+    session.adopt({{"DISPLAY", ":1"}});
+    session.displayWasMissing(before);
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:1"));
+    session.displayWasFound(before);
+    session.adopt({{"DISPLAY", ":2"}});
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:old")) << "nothing was ever shown on :1";
+}
+
+TEST_F(SessionEnvironmentTest, StaysWhenItIsTheOnlyOne) {
+    missDisplay();
+    EXPECT_THAT(variables("DISPLAY"), ElementsAre("DISPLAY=:old"));
+}
+
 TEST_F(SessionEnvironmentTest, TakesOverNothingElse) {
     session.adopt({{"DISPLAY", ":1"}, {"LD_PRELOAD", "/tmp/evil.so"}});
     EXPECT_THAT(variables("LD_PRELOAD=/tmp"), IsEmpty());
@@ -87,21 +131,21 @@ TEST_F(SessionEnvironmentTest, HandsOnNoUsedActivationToken) {
     EXPECT_THAT(variables("DESKTOP_STARTUP_ID"), IsEmpty());
 }
 
-TEST_F(SessionEnvironmentTest, IsOverAfterThreeWindowsInARowWithoutDisplay) {
-    missTheDisplay(2);
+TEST_F(SessionEnvironmentTest, IsOverAfterThreeRemindersInARowWithoutDisplay) {
+    missReminders(2);
     EXPECT_FALSE(session.isOver());
-    session.displayWasFound();
-    missTheDisplay(2);
+    findDisplay();
+    missReminders(2);
     EXPECT_FALSE(session.isOver());
-    missTheDisplay(1);
+    missReminders(1);
     EXPECT_TRUE(session.isOver());
 }
 
 TEST_F(SessionEnvironmentTest, IsNotOverAnyMoreOnceAWindowIsShownOrAnotherIsAdopted) {
-    missTheDisplay(3);
-    session.displayWasFound();
+    missReminders(3);
+    findDisplay();
     EXPECT_FALSE(session.isOver());
-    missTheDisplay(3);
+    missReminders(3);
     session.adopt({{"DISPLAY", ":1"}});
     EXPECT_FALSE(session.isOver());
 }
@@ -115,10 +159,20 @@ TEST_F(SessionEnvironmentTest, IsWorthEveryReminderUntilItIsOverAndEveryTenthThe
         return count;
     };
     EXPECT_EQ(worthwhile(), 30);
-    missTheDisplay(3);
+    missReminders(3);
     EXPECT_EQ(worthwhile(), 3);
-    session.displayWasFound();
+    findDisplay();
     EXPECT_EQ(worthwhile(), 30);
+}
+
+TEST_F(SessionEnvironmentTest, IsWorthASoundUntilItIsOverAndStillWhereTheSoundIsTheWholeReminder) {
+    bool showsPopups = true;
+    session.remindersNeedDisplay([&] { return showsPopups; });
+    EXPECT_TRUE(session.isWorthASound());
+    missReminders(3);
+    EXPECT_FALSE(session.isWorthASound());
+    showsPopups = false;
+    EXPECT_TRUE(session.isWorthASound());
 }
 
 } // namespace

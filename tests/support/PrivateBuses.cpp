@@ -70,6 +70,8 @@ public:
     Daemon& operator=(const Daemon&) = delete;
 
     const char* address() const { return _address.c_str(); }
+    void stop() const { kill(_process, SIGSTOP); }
+    void goOn() const { kill(_process, SIGCONT); }
 
 private:
     GPid _process = 0;
@@ -132,6 +134,10 @@ ObjectHandle<GDBusConnection> connectToSystem() { return connectTo(Buses::runnin
 void stopSystemBus() { Buses::running().system.reset(); }
 
 void startSystemBus() { Buses::running().system.emplace("DBUS_SYSTEM_BUS_ADDRESS"); }
+
+SilentSessionBus::SilentSessionBus() { Buses::running().session.stop(); }
+
+SilentSessionBus::~SilentSessionBus() { Buses::running().session.goOn(); }
 
 void takeName(GDBusConnection* bus, const char* name) {
     constexpr unsigned doNotQueue = 4;

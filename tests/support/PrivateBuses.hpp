@@ -19,6 +19,15 @@ platform::linux::ObjectHandle<GDBusConnection> connectToSystem();
 void stopSystemBus();
 void startSystemBus();
 
+/// Keeps the session bus from saying or hearing anything as long as this exists.
+class SilentSessionBus {
+public:
+    SilentSessionBus();
+    ~SilentSessionBus();
+    SilentSessionBus(const SilentSessionBus&) = delete;
+    SilentSessionBus& operator=(const SilentSessionBus&) = delete;
+};
+
 /// Takes that name on the bus for the connection's lifetime.
 void takeName(GDBusConnection* bus, const char* name);
 

@@ -121,7 +121,7 @@ void SoundPlayer::beep() { start({"beep"}, "The alert beep"); }
 bool SoundPlayer::start(std::vector<std::string> arguments, const std::string& description) {
     const bool isPlaying = std::any_of(_helpers.begin(), _helpers.end(),
                                        [&](const auto& helper) { return helper->arguments == arguments; });
-    if (isPlaying || _program.session().isOver()) {
+    if (isPlaying || !_program.session().isWorthASound()) {
         return false;
     }
     auto helper = std::make_unique<Helper>(*this, std::move(arguments), description);

@@ -32,7 +32,7 @@ public:
     bool canPlay(const std::filesystem::path& sound) const;
 
     /// Starts the sound and returns at once; false if it is playing already, its helper cannot be started or the
-    /// graphical session is over, so that no user could hear it.
+    /// session is not worth a sound.
     bool play(const std::filesystem::path& sound);
 
     /// Starts the desktop's alert sound and returns at once; does nothing where `play` would return false.

@@ -35,13 +35,18 @@ StatusWindow::StatusWindow(const HelperProgram& program, std::function<void(NSMe
 StatusWindow::~StatusWindow() { close(); }
 
 void StatusWindow::open() {
-    const bool isOnItsWay = isAlive() && !_process->hasShownWindow() && !_cameUnasked;
-    if (isOnItsWay) {
+    if (isOnItsWay()) {
         _activationToken.take(); // that window has one
         return;
     }
-    close(); // a new window comes to the front where an old one may be hidden or elsewhere
+    tellThoseWhoWait();
+    stop(); // a new window comes to the front where an old one may be hidden or elsewhere
     start(false);
+}
+
+/// Whether a window comes that the user has asked for, and where the user is.
+bool StatusWindow::isOnItsWay() const {
+    return isAlive() && !_process->hasShownWindow() && !_cameUnasked && _display == _program.session().display();
 }
 
 void StatusWindow::open(std::function<void()> shown) {
@@ -50,14 +55,16 @@ void StatusWindow::open(std::function<void()> shown) {
 }
 
 void StatusWindow::appear() {
+    _isMissed = true;
     if (!isAlive()) {
-        close();
+        stop();
         start(true);
     }
 }
 
 void StatusWindow::start(bool isUnasked) {
     _cameUnasked = isUnasked;
+    _display = _program.session().display();
     _start = g_get_monotonic_time();
     _process = std::make_unique<WindowProcess>(
         _program, _errorLog, [this] { handleSoon(); }, isUnasked ? std::string{} : _activationToken.take());
@@ -65,8 +72,13 @@ void StatusWindow::start(bool isUnasked) {
 }
 
 void StatusWindow::close() {
-    _process.reset();
+    stop();
     _awaited.clear();
+    _isMissed = false;
+}
+
+void StatusWindow::stop() {
+    _process.reset();
     _handling.cancel();
     _return.cancel();
     _absence = firstAbsence;
@@ -76,8 +88,16 @@ void StatusWindow::close() {
 void StatusWindow::comeBackLater() {
     const std::chrono::microseconds life{g_get_monotonic_time() - _start};
     _absence = life > longestAbsence ? firstAbsence : _absence;
-    _return.start(_absence, [this] { start(true); });
+    _return.start(_absence, [this] { comeBack(); });
     _absence = std::min(2 * _absence, longestAbsence);
+}
+
+void StatusWindow::comeBack() {
+    if (_program.session().isOver()) {
+        _return.start(longestAbsence, [this] { comeBack(); });
+    } else {
+        start(true);
+    }
 }
 
 void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
@@ -144,19 +164,26 @@ void StatusWindow::handleSoon() {
     }
 }
 
-void StatusWindow::handleEvents() {
+void StatusWindow::tellThoseWhoWait() {
     if (_process && _process->hasShownWindow()) {
+        _isMissed = true;
         for (const auto& shown : std::exchange(_awaited, {})) {
             shown();
         }
     }
+}
+
+void StatusWindow::handleEvents() {
+    tellThoseWhoWait();
     while (const auto event = _process ? _process->nextEvent() : std::nullopt) {
         apply(*event);
     }
     if (_process && !isAlive()) {
         _process.reset();
         _awaited.clear();
-        comeBackLater();
+        if (_isMissed) {
+            comeBackLater();
+        }
     }
 }
 

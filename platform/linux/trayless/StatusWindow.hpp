@@ -54,9 +54,13 @@ private:
     std::vector<Entry> entries() const;
     View view();
     void start(bool isUnasked);
+    void stop();
     void send(bool isUnasked);
     bool isAlive() const { return _process && _process->isAlive(); }
+    bool isOnItsWay() const;
+    void tellThoseWhoWait();
     void comeBackLater();
+    void comeBack();
     void handleSoon();
     void handleEvents();
     void apply(const Event& event);
@@ -72,7 +76,9 @@ private:
     std::vector<NSMenuItem*> _controls; ///< The entry behind each control on screen.
     std::unique_ptr<WindowProcess> _process;
     std::vector<std::function<void()>> _awaited; ///< To be called once the window is on the screen.
+    bool _isMissed = false; ///< If it is not there: it was, or was to stand in for the icon, and nobody closed it.
     bool _cameUnasked = false;
+    unsigned _display = 0;   ///< On which it was started, as the session numbers it.
     std::int64_t _start = 0; ///< Of the process, in microseconds of the monotonic clock.
     DelayedCall _handling;   ///< Of what the window's program has told.
     DelayedCall _return;     ///< Pending while a program that died is to be started again.

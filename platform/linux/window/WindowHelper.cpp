@@ -10,6 +10,9 @@
 namespace platform::linux {
 namespace {
 
+/// More changes than that cannot be made in a window before one above it takes all input.
+constexpr std::size_t mostKept = 100;
+
 /// Ticks the alert's check box as the user did. Returns false if the event tells nothing of the kind.
 bool tick(NSAlert& alert, const Event& event) {
     const bool* isTicked = event.value ? std::get_if<bool>(&*event.value) : nullptr;
@@ -79,7 +82,7 @@ public:
         if (_helper._sessions.empty()) {
             // an alert comes unasked: a token that is there was handed out for another window
             _helper._process = std::make_unique<WindowProcess>(
-                _helper._program, _helper._errorLog, [] {},
+                _helper._program, _helper._errorLog, [&helper] { helper.tellIfShown(); },
                 isPanel ? _helper._activationToken.take() : std::string{});
         }
         _helper._sessions.push_back(this);
@@ -87,6 +90,7 @@ public:
     ~Session() {
         _helper._sessions.pop_back();
         if (_helper._sessions.empty()) {
+            _helper._awaiting = nullptr;
             _helper._process.reset();
         } else {
             send(CloseRequest{window});
@@ -132,6 +136,9 @@ private:
         for (Session* session : _helper._sessions) {
             if (session->window == event.window && event.kind == Event::Kind::Changed) {
                 session->_kept.push_back(event);
+                if (session->_kept.size() > mostKept) {
+                    giveUp();
+                }
             }
         }
     }
@@ -150,9 +157,23 @@ WindowHelper::WindowHelper(const HelperProgram& program, std::function<void()> i
 WindowHelper::~WindowHelper() = default;
 
 int WindowHelper::runAlert(NSAlert& alert) {
-    if (_sessions.empty() && !_program.session().isWorthAReminder()) {
+    SessionEnvironment& session = _program.session();
+    if (_sessions.empty() && !session.isWorthAReminder()) {
         return NSAlert::Stopped;
     }
+    const unsigned display = session.display();
+    std::optional<int> answer = show(alert);
+    if (!answer && session.display() != display) {
+        answer = show(alert);
+    }
+    if (!answer) {
+        session.reminderWasMissed(); // of the windows that the cycle waits for, and no others
+    }
+    return answer.value_or(NSAlert::Stopped);
+}
+
+/// Shows it on the display in use; returns nothing if that cannot be reached.
+std::optional<int> WindowHelper::show(NSAlert& alert) {
     const auto picture = NSImage::named(alert.icon.value_or("Marvelode.png"));
     Session session{*this, false};
     session.send(AlertRequest{session.window, alert, picture ? picture->url : std::filesystem::path{}});
@@ -167,10 +188,7 @@ int WindowHelper::runAlert(NSAlert& alert) {
             session.giveUp();
         }
     }
-    if (_process->hasFoundNoDisplay()) {
-        _program.session().displayWasMissing(); // of the windows that the cycle waits for, and no others
-    }
-    return NSAlert::Stopped;
+    return _process->hasFoundNoDisplay() ? std::nullopt : std::optional<int>{NSAlert::Stopped};
 }
 
 void WindowHelper::runModal(NSPanel& panel, const View& content) {
@@ -197,6 +215,12 @@ void WindowHelper::stopModal() {
         std::find_if(_sessions.rbegin(), _sessions.rend(), [](const Session* session) { return session->isPanel; });
     if (innermost != _sessions.rend()) {
         (*innermost)->isOver = true;
+    }
+}
+
+void WindowHelper::tellIfShown() {
+    if (_process->hasShownWindow() && _awaiting) {
+        takeAwaiting()();
     }
 }
 

@@ -13,8 +13,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace platform::linux {
@@ -47,8 +49,18 @@ public:
     /// Makes every `runAlert` and `runModal` return, without telling any panel.
     void closeAll();
 
+    /// Calls `shown` once the next window is on the screen, or destroys it uncalled when that window turns out not
+    /// to come: after half a minute at the latest.
+    void awaitNext(std::function<void()> shown) { _awaiting = std::move(shown); }
+
+    /// What still waits for a window, which is forgotten here; empty if nothing does.
+    std::function<void()> takeAwaiting() { return std::exchange(_awaiting, {}); }
+
 private:
     class Session;
+
+    std::optional<int> show(NSAlert& alert);
+    void tellIfShown();
 
     const HelperProgram& _program;
     std::function<void()> _iterate;
@@ -57,6 +69,7 @@ private:
     std::unique_ptr<WindowProcess> _process; ///< Exists exactly while there are sessions.
     std::vector<Session*> _sessions;         ///< One for each window, the topmost last.
     std::uint32_t _lastWindow = 0;
+    std::function<void()> _awaiting;
 };
 
 } // namespace platform::linux

@@ -62,7 +62,8 @@ WindowProcess::WindowProcess(const HelperProgram& program, ErrorLog& errorLog,
                              std::function<void()> somethingHappened, const std::string& activationToken)
     : _errorLog{errorLog}
     , _somethingHappened{std::move(somethingHappened)}
-    , _session{program.session()} {
+    , _session{program.session()}
+    , _display{_session.display()} {
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         _errorLog.add("no window can be shown: " + messageOf(errno));
@@ -88,7 +89,7 @@ void WindowProcess::start(const HelperProgram& program, const std::string& activ
     };
     _source = g_unix_fd_add(_socket, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), onReadable, this);
     _deadline.start(timeToShow, [this] {
-        giveUp("the window program has shown no window for half a minute");
+        missDisplay("the window program has shown no window for half a minute");
         _somethingHappened();
     });
 }
@@ -167,13 +168,18 @@ void WindowProcess::take(const Event& event) {
     if (event.kind == Event::Kind::Shown) {
         _deadline.cancel();
         _hasShownWindow = true;
-        _session.displayWasFound();
+        _session.displayWasFound(_display);
     } else if (event.kind == Event::Kind::NoDisplay) {
-        _hasFoundNoDisplay = true;
-        giveUp("the window program has found no display");
+        missDisplay("the window program has found no display");
     } else {
         _events.push_back(event);
     }
+}
+
+void WindowProcess::missDisplay(std::string_view reason) {
+    _hasFoundNoDisplay = true;
+    _session.displayWasMissing(_display);
+    giveUp(reason);
 }
 
 /// The program has ended. Its socket does not tell if a program that it started has it, too.

@@ -36,7 +36,7 @@ public:
     WindowProcess(const WindowProcess&) = delete;
     WindowProcess& operator=(const WindowProcess&) = delete;
 
-    /// Whether the program has ended for want of a display.
+    /// Whether the program has ended for want of a display, or was given up since nothing appeared there.
     bool hasFoundNoDisplay() const { return _hasFoundNoDisplay; }
 
     /// Whether the program runs and speaks the protocol. Once false, it stays so.
@@ -60,13 +60,15 @@ private:
     bool receive();
     void receiveLast();
     void take(const Event& event);
+    void missDisplay(std::string_view reason);
     bool isFlood();
     void end();
 
     ErrorLog& _errorLog;
     std::function<void()> _somethingHappened;
     SessionEnvironment& _session;
-    int _socket = -1; ///< Open exactly while the program is alive.
+    const unsigned _display; ///< As the session numbers it.
+    int _socket = -1;        ///< Open exactly while the program is alive.
     std::optional<HelperProcess> _process;
     unsigned _source = 0;
     DelayedCall _deadline; ///< Pending until the first window is on the screen.

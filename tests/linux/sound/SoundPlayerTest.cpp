@@ -138,14 +138,24 @@ TEST_F(SoundPlayerTest, OneBeepAtATime) {
 TEST_F(SoundPlayerTest, NothingPlaysOnceTheSessionIsOver) {
     SoundPlayer player{helper("exit 1"), _log};
     for (int failures = 0; failures < 3; ++failures) {
-        _session.displayWasMissing();
+        _session.reminderWasMissed();
     }
     EXPECT_FALSE(player.play(_sound));
     player.beep();
-    _session.displayWasFound();
+    _session.displayWasFound(_session.display());
     EXPECT_TRUE(player.play(_sound));
     runUntilLogged();
     EXPECT_THAT(_logged, SizeIs(1));
+}
+
+TEST_F(SoundPlayerTest, EverythingPlaysAfterTheSessionIfRemindersAreSoundsAlone) {
+    SoundPlayer player{helper("exit 1"), _log};
+    for (int failures = 0; failures < 3; ++failures) {
+        _session.reminderWasMissed();
+    }
+    _session.remindersNeedDisplay([] { return false; });
+    EXPECT_TRUE(player.play(_sound));
+    runUntilLogged();
 }
 
 TEST_F(SoundPlayerTest, SuccessIsNotLoggedWhateverTheHelperWrites) {

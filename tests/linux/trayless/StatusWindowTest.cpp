@@ -88,6 +88,15 @@ protected:
                        : PanelRequest{0, "", false, false, false, View{}, {}};
     }
 
+    void say(Event::Kind kind) { order(encode(Event{kind, 1, 0, {}})); }
+    /// Has the window on the screen.
+    void openAndShow() {
+        bool isShown = false;
+        window->open([&] { isShown = true; });
+        nextRequest();
+        say(Event::Kind::Shown);
+        EXPECT_TRUE(runLoopUntil([&] { return isShown; }));
+    }
     void press(std::uint32_t control) { order(encode(Event{Event::Kind::Pressed, 1, control, {}})); }
 
     static void collectTexts(const View& view, std::vector<std::string>& texts) {
@@ -232,13 +241,72 @@ TEST_F(StatusWindowTest, GoesWhenItIsHiddenOrClosed) {
 
 TEST_F(StatusWindowTest, ComesBackWhenItsProgramHasDied) {
     const ShortSeconds seconds{std::chrono::milliseconds{100}};
-    window->open();
-    nextRequest();
+    openAndShow();
     order("end");
     EXPECT_TRUE(nextRequest().comesUnasked);
     EXPECT_EQ(starts(), 2U);
     show("Break in 8 minutes");
     EXPECT_EQ(wordsOf(nextRequest()), "Break in 8 minutes");
+}
+
+TEST_F(StatusWindowTest, DoesNotComeLaterIfItCouldNotBeShownWhenItWasAskedFor) {
+    const ShortSeconds seconds{std::chrono::milliseconds{10}};
+    bool isShown = false;
+    window->open([&] { isShown = true; });
+    order("end");
+    ASSERT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
+    runLoopFor(std::chrono::milliseconds{200});
+    EXPECT_EQ(starts(), 1U);
+    EXPECT_FALSE(isShown);
+}
+
+TEST_F(StatusWindowTest, ComesBackIfItStoodInForTheIconBeforeItWasAskedForInVain) {
+    const ShortSeconds seconds{std::chrono::milliseconds{100}};
+    window->appear();
+    nextRequest();
+    window->open();
+    nextRequest();
+    order("end");
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, DoesNotComeBackWhileTheSessionIsOver) {
+    openAndShow();
+    for (int reminder = 0; reminder < 3; ++reminder) {
+        session.reminderWasMissed();
+    }
+    {
+        const ShortSeconds seconds{std::chrono::milliseconds{1}};
+        order("end");
+        ASSERT_TRUE(runLoopUntil([&] { return !errors.empty(); }));
+        runLoopFor(std::chrono::milliseconds{300});
+    }
+    EXPECT_EQ(starts(), 1U);
+    session.displayWasFound(session.display());
+    EXPECT_TRUE(nextRequest().comesUnasked);
+}
+
+TEST_F(StatusWindowTest, IsKnownToHaveBeenShownThoughItIsAskedForAgainAtThatMoment) {
+    bool isShown = false;
+    window->open([&] { isShown = true; });
+    nextRequest();
+    say(Event::Kind::Shown);
+    ASSERT_TRUE(runLoopUntil([&] {
+        window->open();
+        g_main_context_wakeup(nullptr);
+        return starts() == 2;
+    }));
+    EXPECT_TRUE(isShown);
+}
+
+TEST_F(StatusWindowTest, OpensWhereItsUserIsThoughItIsOnItsWayElsewhere) {
+    bool isFirstAnswered = false;
+    window->open([&] { isFirstAnswered = true; });
+    nextRequest();
+    session.adopt({{"DISPLAY", ":elsewhere"}});
+    openAndShow();
+    EXPECT_EQ(starts(), 2U);
+    EXPECT_TRUE(isFirstAnswered);
 }
 
 TEST_F(StatusWindowTest, ComesBackWhenItsProgramCanBeStartedAgain) {

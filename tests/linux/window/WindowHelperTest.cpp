@@ -207,6 +207,15 @@ TEST_F(AnAlertOnAPanel, LosesNoChangeThatWasMadeAsItOpened) {
     EXPECT_TRUE(desktop->errors.empty());
 }
 
+TEST_F(AnAlertOnAPanel, IsGivenUpWhenThePanelGoesOnChanging) {
+    play("next; say \"('pressed', 1, 0, nothing)\"; next\n"
+         "for change in $(seq 200); do say \"('changed', 1, 1, just <true>)\"; done; exec sleep 20");
+    run();
+    EXPECT_EQ(answer, NSAlert::Stopped);
+    EXPECT_EQ(desktop->errors,
+              std::vector<std::string>{"the window program told of something that cannot be done"});
+}
+
 TEST_F(AnAlertOnAPanel, LosesNoChangeEvenIfTheProgramDies) {
     play("next; say \"('pressed', 1, 0, nothing)\"\n"
          "next; say \"('changed', 1, 1, just <true>)\"; kill -KILL $$");

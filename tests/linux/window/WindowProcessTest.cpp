@@ -146,6 +146,31 @@ TEST_F(WindowProcessTest, IsStartedForEachReminderOnceItHasADisplayAgain) {
     EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
 }
 
+TEST_F(WindowProcessTest, ShowsAReminderWhereItWasShownBeforeIfTheDisplayOfTheLastActivationIsNotThere) {
+    play("[ \"$DISPLAY\" != :bad ] || { say \"('noDisplay', 0, 0, nothing)\"; exit 1; }\n"
+         "next; say \"('shown', 2, 0, nothing)\"; say \"('pressed', 2, 0, nothing)\"; next");
+    desktop->session.adopt({{"DISPLAY", ":bad"}});
+    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
+    EXPECT_EQ(linesOf("starts").size(), 2U);
+}
+
+TEST_F(WindowProcessTest, TakesADisplayThatNeverAnswersForAMissingOne) {
+    const ShortSeconds seconds{10ms};
+    play("[ \"$DISPLAY\" != :hung ] || exec sleep 20\n"
+         "next; say \"('shown', 2, 0, nothing)\"; say \"('pressed', 2, 0, nothing)\"; next");
+    desktop->session.adopt({{"DISPLAY", ":hung"}});
+    EXPECT_EQ(alert.runModal(), NSAlert::FirstButtonReturn);
+}
+
+TEST_F(WindowProcessTest, IsNotStartedForEachReminderOnceItsDisplayNeverAnswers) {
+    const ShortSeconds seconds{3ms};
+    play("exec sleep 20");
+    for (int reminder = 0; reminder < 12; ++reminder) {
+        EXPECT_EQ(alert.runModal(), NSAlert::Stopped);
+    }
+    EXPECT_LE(linesOf("starts").size(), 3U) << "three to find out, and none of the nine that follow";
+}
+
 TEST_F(WindowProcessTest, IsStartedForEveryPanelThatTheUserAsksFor) {
     play("say \"('noDisplay', 0, 0, nothing)\"; exit 1");
     for (int panel = 0; panel < 5; ++panel) {

@@ -72,7 +72,7 @@ bool setUpToolkit(int& argc, char**& argv) {
 
 /// Reads one request and does it. Returns whether there may be more.
 gboolean serve(gint, GIOCondition, gpointer windows) {
-    std::array<char, longestMessage> packet; // NOLINT(*-member-init): written before it is read
+    static std::array<char, longestMessage> packet; // too large for the stack; read before the next one comes
     const ssize_t size = recv(residentProgram, packet.data(), packet.size(), 0);
     auto request = size > 0 ? decodeRequest({packet.data(), static_cast<std::size_t>(size)}, tell) : std::nullopt;
     if (!request) {
