@@ -3,7 +3,11 @@
 // Where the parts of the desktop report what went wrong. One object is handed on to all of them by reference and
 // outlives them; implemented by StandardErrorLog and, for tests, by CollectedErrors.
 
+#include <chrono>
+#include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform::linux {
 
@@ -18,7 +22,19 @@ public:
 /// Prints each problem on standard error, and writes it to the journal unless standard error leads there.
 class StandardErrorLog final : public ErrorLog {
 public:
+    static constexpr std::size_t kept = 5;
+
     void add(std::string_view problem) override;
+
+    /// The last problems, the oldest first, each with how long ago it was.
+    std::vector<std::string> latest() const;
+
+private:
+    struct Problem {
+        std::chrono::seconds time; ///< By the monotonic clock.
+        std::string text;
+    };
+    std::vector<Problem> _latest;
 };
 
 } // namespace platform::linux

@@ -179,6 +179,26 @@ std::string LinuxDesktop::statusText() const {
     return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
 }
 
+Findings LinuxDesktop::findings() const {
+    const std::vector<std::string> session = _session.forHelpers();
+    const auto has = [&](std::string_view variable) {
+        return std::any_of(session.begin(), session.end(), [&](const std::string& each) {
+            return each.starts_with(variable) && each.size() > variable.size();
+        });
+    };
+    Findings found{{"display", has("WAYLAND_DISPLAY=") ? "Wayland"
+                               : has("DISPLAY=")       ? "X"
+                                                       : "none"},
+                   {"panel", _statusNotifierItem ? _statusNotifierItem->panelInWords() : "not yet looked for"},
+                   {"waking", _wakeWatcher && _wakeWatcher->isConnected() ? "told by clocks and system bus"
+                                                                          : "told by clocks"},
+                   {"settings", _settings.problem().empty() ? "no problem" : _settings.problem()}};
+    for (std::string& problem : _errorLog.latest()) {
+        found.emplace_back("problem", std::move(problem));
+    }
+    return found;
+}
+
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
 void LinuxDesktop::settle() {
     if (!_statusItem) {

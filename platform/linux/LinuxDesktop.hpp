@@ -7,6 +7,7 @@
 #include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
+#include "platform/linux/Findings.hpp"
 #include "platform/linux/HelperProgram.hpp"
 #include "platform/linux/Places.hpp"
 #include "platform/linux/Resources.hpp"
@@ -105,6 +106,9 @@ public:
     /// Seconds until the timer fires that makes the break due; negative once it is due. They are counted by the
     /// machine: setting the clock changes nothing. Nothing if there was no such timer yet.
     std::optional<TimeInterval> secondsUntilBreak();
+
+    /// What the running program alone knows of itself and its desktop, for reports of faults.
+    Findings findings() const;
 
     /// The text beside the icon.
     std::string statusText() const;

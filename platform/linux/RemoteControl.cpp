@@ -11,8 +11,6 @@
 namespace platform::linux {
 namespace {
 
-constexpr const char* busName = "org.marvelode.Timer";
-constexpr const char* objectPath = "/org/marvelode/Timer";
 constexpr const char* applicationInterface = "org.freedesktop.Application";
 
 constexpr const char* applicationDescription = R"xml(<node><interface name="org.freedesktop.Application">
@@ -129,6 +127,8 @@ RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram prog
              [this](std::string_view method, GVariant*, GDBusMethodInvocation* call) {
                  if (method == "ShowMenu") {
                      showMenu(call);
+                 } else if (method == "Diagnose") {
+                     diagnose(call);
                  } else {
                      pick(find(&ControlledProgram::Command::method, method), call);
                  }
@@ -194,6 +194,16 @@ void RemoteControl::pick(const ControlledProgram::Command* command, GDBusMethodI
         g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
                                               "Marvelode Timer has no such action.");
     }
+}
+
+void RemoteControl::diagnose(GDBusMethodInvocation* call) const {
+    GVariantBuilder findings;
+    g_variant_builder_init(&findings, G_VARIANT_TYPE("a(ss)"));
+    for (const auto& [subject, line] : _program.findings()) {
+        const TextHandle text{g_utf8_make_valid(line.data(), static_cast<gssize>(line.size()))};
+        g_variant_builder_add(&findings, "(ss)", subject.c_str(), text.get());
+    }
+    g_dbus_method_invocation_return_value(call, g_variant_new("(a(ss))", &findings));
 }
 
 GVariant* RemoteControl::property(std::string_view name) const {

@@ -4,6 +4,7 @@
 // scripts and the desktop do what the menu does.
 
 #include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/Findings.hpp"
 #include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 
@@ -39,10 +40,14 @@ struct ControlledProgram {
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
     std::function<bool()> isMuted;
     std::function<bool()> showsPopups;
+    std::function<Findings()> findings; ///< What it alone knows of itself and its desktop.
 };
 
 class RemoteControl {
 public:
+    static constexpr const char* busName = "org.marvelode.Timer"; ///< And that of its interface.
+    static constexpr const char* objectPath = "/org/marvelode/Timer";
+
     /// Claims the program's name for this process; false if another timer has it, or, with a reason in `error`, if
     /// the bus cannot tell.
     static bool claimName(GDBusConnection* sessionBus, ErrorSlot& error);
@@ -72,6 +77,7 @@ private:
     bool heed(GVariant* platformData, GDBusMethodInvocation* call);
     void showMenu(GDBusMethodInvocation* call);
     void pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call);
+    void diagnose(GDBusMethodInvocation* call) const;
     GVariant* property(std::string_view name) const;
 
     ControlledProgram _program;

@@ -42,6 +42,9 @@ public:
     /// Stores `value`, keeping everything else in the file. Touches no disk if the file holds it already.
     void set(DefaultsValue value, std::string_view key);
 
+    /// The problem at hand; empty if there is none.
+    const std::string& problem() const { return _reported; }
+
 private:
     /// What is known of the values in the file: nothing was asked yet; it is there but was never read; all.
     enum class Knowledge { None, Lacking, Full };

@@ -19,6 +19,9 @@ public:
     WakeWatcher(const WakeWatcher&) = delete;
     WakeWatcher& operator=(const WakeWatcher&) = delete;
 
+    /// Whether there is a system bus to listen on.
+    bool isConnected() const { return _systemBus && !g_dbus_connection_is_closed(_systemBus.get()); }
+
 private:
     void listen(ObjectHandle<GDBusConnection> systemBus);
 

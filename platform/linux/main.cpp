@@ -4,6 +4,7 @@
 
 #include "app/App.hpp"
 #include "config/Cfg.hpp"
+#include "platform/linux/CommandLine.hpp"
 #include "platform/linux/LinuxDesktop.hpp"
 #include "platform/linux/Places.hpp"
 #include "platform/linux/RemoteControl.hpp"
@@ -18,41 +19,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace {
-
-constexpr const char* help =
-    R"(Usage: marvelode-timer [-test] [-KEY VALUE]...
-
-Reminds you of a short break every few minutes, from an icon in the panel.
-
-  -test       a work interval of 30 seconds and a snooze of 5, if given alone
-  --help      show this text
-  --version   show the version
-
-Settings for this run, ahead of those that are stored:
-
-  -TimerInterval SECONDS      the length of a work interval
-  -Mute true|false            reminders come without a sound
-  -PopupAlerts true|false     a window announces the break
-  -AutoRestart true|false     without a window, the next interval begins by itself
-  -ResartOnWake true|false    kept for the settings window
-  -ShowCountdown true|false   the time beside the icon is kept up to date
-)";
-
-/// Prints the text above, from which the shells complete options and values, and the last setting with its values.
-void printHelp() {
-    std::fputs(help, stdout);
-    const char* before = "  -AlertSound ";
-    for (const auto sound : marvelode::Cfg::allSounds) {
-        std::printf("%s%s", before, marvelode::Cfg::rawValue(sound).data());
-        before = "|";
-    }
-    std::puts("   the sound of a reminder");
-}
 
 /// Opens the null device in place of the standard descriptors that are missing. Otherwise the next file or socket
 /// would get their number, and what is printed would go into it.
@@ -158,6 +130,12 @@ platform::linux::SettingsFile::Values assumedSettings() {
             {std::string{Key::ShowCountdown}, true}};
 }
 
+/// Which the program that asks need not share: an upgrade leaves the timer running.
+platform::linux::Findings withVersion(platform::linux::Findings findings) {
+    findings.insert(findings.begin(), {"version", MARVELODE_VERSION});
+    return findings;
+}
+
 /// What others on the session bus may do and see: the menu's entries, and the timer's state.
 platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& desktop) {
     using marvelode::app;
@@ -180,7 +158,19 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
             [&desktop] { return static_cast<std::int64_t>(std::floor(desktop.secondsUntilBreak().value_or(0))); },
         .isMuted = [] { return app->cfg->isMuted(); },
         .showsPopups = [] { return app->cfg->popups(); },
+        .findings = [&desktop] { return withVersion(desktop.findings()); },
     };
+}
+
+/// Tells scripts of each change, even of a state that is left again within one event.
+void announceChanges(platform::linux::LinuxDesktop& desktop, platform::linux::RemoteControl& control) {
+    desktop.afterEachEvent([&control, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) {
+            marvelode::app->events->subscribe(
+                [&control](marvelode::AppState, marvelode::AppState) { control.announceChanges(); });
+        }
+        control.announceChanges();
+    });
 }
 
 } // namespace
@@ -188,14 +178,8 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
 int main(int argc, char** argv) {
     using namespace platform::linux;
     openMissingDescriptors();
-    const std::string_view onlyArgument = argc == 2 ? argv[1] : "";
-    if (onlyArgument == "--help") {
-        printHelp();
-        return EXIT_SUCCESS;
-    }
-    if (onlyArgument == "--version") {
-        std::puts("Marvelode Timer " MARVELODE_VERSION);
-        return EXIT_SUCCESS;
+    if (const std::optional<int> status = doWithoutTimer(argc, argv)) {
+        return *status;
     }
     turnOffPools(argv);
     keepMemorySmall();
@@ -212,7 +196,7 @@ int main(int argc, char** argv) {
     desktop.offerWithoutPanel(
         {marvelode::UXMenu::Title::Restart, marvelode::UXMenu::Title::Settings, marvelode::UXMenu::Title::Quit});
     RemoteControl control{sessionBus.get(), controlled(desktop)};
-    desktop.afterEachEvent([&control] { control.announceChanges(); });
+    announceChanges(desktop, control);
     const bool isFirst = claimName(sessionBus.get(), error);
     if (error) {
         return noBus(error.message());

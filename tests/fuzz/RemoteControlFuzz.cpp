@@ -37,7 +37,11 @@ public:
                 .text = [] { return "10m"; },
                 .remainingSeconds = [] { return 600; },
                 .isMuted = yes,
-                .showsPopups = yes};
+                .showsPopups = yes,
+                .findings =
+                    [] {
+                        return Findings{{"panel", "none"}};
+                    }};
     }
 
     /// Does what was picked since the last time, and returns how much that was.

@@ -98,7 +98,11 @@ protected:
                           .text = [] { return std::string{"9m"}; },
                           .remainingSeconds = [this] { return seconds; },
                           .isMuted = [this] { return isMuted; },
-                          .showsPopups = [this] { return showsPopups; }}};
+                          .showsPopups = [this] { return showsPopups; },
+                          .findings =
+                              [] {
+                                  return Findings{{"Panel", "none"}, {"Error", "\xff"}};
+                              }}};
 };
 
 } // namespace platform::linux

@@ -1,6 +1,7 @@
 // What others on the session bus can do with the timer and see of it, and that there is one timer only.
 
 #include "tests/linux/ControlTest.hpp"
+#include "tests/support/BusSignals.hpp"
 
 #include <gmock/gmock.h>
 
@@ -186,6 +187,10 @@ TEST_F(ControlTest, ThePropertiesAreReadAfresh) {
     EXPECT_EQ(property("RemainingSeconds"), "int64 -70");
     EXPECT_EQ(property("Muted"), "true");
     EXPECT_EQ(property("Popups"), "false");
+}
+
+TEST_F(ControlTest, WhatItKnowsOfItselfIsTold) {
+    EXPECT_EQ(printed(run("Diagnose")), "([('Panel', 'none'), ('Error', '\uFFFD')],)");
 }
 
 TEST_F(ControlTest, TheNameBelongsToOneTimer) {

@@ -65,8 +65,8 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
               return owned(g_variant_new("()"));
           },
           [this](std::string_view name) { return property(name); }}
-    , _tray{bus, [this](std::string_view processName) { drawFor(TrayHost::ofProcess(processName)); },
-            std::move(trayChanged), errorLog} {}
+    , _tray{bus, [this](std::string_view processName) { drawFor(processName); }, std::move(trayChanged), errorLog} {
+}
 
 void StatusNotifierItem::show(StatusContent content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);
@@ -87,7 +87,16 @@ void StatusNotifierItem::show(StatusContent content) {
     }
 }
 
-void StatusNotifierItem::drawFor(const TrayHost& host) {
+std::string StatusNotifierItem::panelInWords() const {
+    if (!_tray.isPresent()) {
+        return "none, so a small window stands in";
+    }
+    return (_process.empty() ? "unknown" : _process) + ", which gets " + std::string{_host->inWords()};
+}
+
+void StatusNotifierItem::drawFor(std::string_view processName) {
+    _process = processName;
+    const TrayHost& host = TrayHost::ofProcess(processName);
     if (_host != &host) {
         _host = &host;
         _interface.emit("NewIcon");

@@ -12,6 +12,7 @@
 #include "platform/linux/tray/TrayHost.hpp"
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 namespace platform::linux {
@@ -32,15 +33,19 @@ public:
     /// Shows `content` from now on.
     void show(StatusContent content);
 
+    /// Which panel shows the item, and what it is given, for people.
+    std::string panelInWords() const;
+
 private:
     VariantHandle property(std::string_view name) const;
     VariantHandle pictures() const;
-    void drawFor(const TrayHost& host);
+    void drawFor(std::string_view processName);
     void announceLabel() const;
 
     const Resources& _resources;
     StatusContent _content;
     const TrayHost* _host = &TrayHost::ofProcess({}); // one of a fixed table
+    std::string _process;                             ///< Of the panel that appeared last.
     ExportedInterface _interface;
     Tray _tray;
 };

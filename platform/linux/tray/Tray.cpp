@@ -1,7 +1,7 @@
 #include "platform/linux/tray/Tray.hpp"
 
 #include "platform/Text.hpp"
-#include "platform/linux/Resources.hpp"
+#include "platform/linux/tray/TrayHost.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -14,11 +14,6 @@ constexpr const char* watcherPath = "/StatusNotifierWatcher";
 constexpr std::chrono::seconds firstRetryDelay{3};
 constexpr std::chrono::seconds longestRetryDelay{60};
 constexpr std::chrono::seconds pauseBetweenQuestions{1};
-
-std::string processName(unsigned identifier) {
-    std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
-    return name.substr(0, name.find('\n'));
-}
 
 /// Whether that answer to a question for a property is a false one.
 bool deniesPanel(const VariantHandle& answer) {

@@ -29,6 +29,8 @@ public:
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
 
+    bool isPresent() const { return _isPresent.value_or(false); }
+
 private:
     void watcherAppeared(const char* owner);
     void watcherVanished();

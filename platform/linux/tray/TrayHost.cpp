@@ -57,6 +57,20 @@ const TrayHost& TrayHost::ofProcess(std::string_view name) {
                          [&](const TrayHost& host) { return name.starts_with(host.process); });
 }
 
+std::string_view TrayHost::inWords() const {
+    switch (style) {
+    case Style::TextInPicture:
+        return "the text in a picture";
+    case Style::TextBesideIcon:
+        return "a picture of icon and text";
+    case Style::LabelBesideIcon:
+        return "an icon and a label";
+    case Style::LabelBesideNamedIcon:
+        return "the name of an icon and a label";
+    }
+    return {};
+}
+
 bool TrayHost::needsNewPicture(const StatusContent& shown, const StatusContent& content) const {
     if (shown.image != content.image) {
         return true;
@@ -97,6 +111,11 @@ std::string TrayHost::pictureFile(const StatusContent& content, const Resources&
         return {};
     }
     return smallPictureFile(content.image, size, resources).value_or("").string();
+}
+
+std::string processName(unsigned identifier) {
+    std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
+    return name.substr(0, name.find('\n'));
 }
 
 } // namespace platform::linux

@@ -32,6 +32,9 @@ struct TrayHost {
     /// The host that runs as a process of that name; for unknown ones, what suits most.
     static const TrayHost& ofProcess(std::string_view name);
 
+    /// What it is given, for people.
+    std::string_view inWords() const;
+
     /// Whether it is to be offered a label.
     bool hasLabel() const { return style == Style::LabelBesideIcon || style == Style::LabelBesideNamedIcon; }
 
@@ -45,5 +48,8 @@ struct TrayHost {
     /// The file of the picture of `content`; empty unless the host wants it named.
     std::string pictureFile(const StatusContent& content, const Resources& resources) const;
 };
+
+/// The name of that process, as far as the kernel keeps it; empty if it cannot be known.
+std::string processName(unsigned identifier);
 
 } // namespace platform::linux

@@ -27,6 +27,7 @@ LAUNCHER = f"share/applications/{NAME}.desktop"
 AUTOSTART = f"share/marvelode-timer/autostart/{NAME}.desktop"
 INTERFACE = f"share/dbus-1/interfaces/{NAME}.xml"
 SERVICE = f"share/dbus-1/services/{NAME}.service"
+UNIT = "share/systemd/user/marvelode-timer.service"
 METAINFO = f"share/metainfo/{NAME}.metainfo.xml"
 MANUAL = "share/man/man1/marvelode-timer.1.gz"
 CHANGELOG = "share/doc/marvelode-timer/changelog.gz"
@@ -37,7 +38,7 @@ COPYRIGHT = "share/doc/marvelode-timer/copyright"
 ICONS = {f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)} | {
     f"share/icons/hicolor/scalable/apps/{NAME}.svg"}
 FILES = ICONS | HELPERS | RESOURCES | {
-    PROGRAM, LAUNCHER, AUTOSTART, INTERFACE, SERVICE, METAINFO, MANUAL, CHANGELOG, COPYRIGHT, BASH_COMPLETION,
+    PROGRAM, LAUNCHER, AUTOSTART, INTERFACE, SERVICE, UNIT, METAINFO, MANUAL, CHANGELOG, COPYRIGHT, BASH_COMPLETION,
     ZSH_COMPLETION, FISH_COMPLETION}
 FILES_IN_DEBIAN = FILES - {ZSH_COMPLETION} | {"share/zsh/vendor-completions/_marvelode-timer"}
 

@@ -10,8 +10,8 @@ import unittest
 from xml.etree import ElementTree
 
 from installation import (AUTOSTART, BUILD, CHANGELOG, FILES, FILES_IN_DEBIAN, HELPERS, ICONS, INTERFACE, LAUNCHER,
-                          MANUAL, METAINFO, NAME, PROGRAM, PROJECT, SERVICE, VERSION, Failed, PackagingTest, install, key_file,
-                          output, without_desktop)
+                          MANUAL, METAINFO, NAME, PROGRAM, PROJECT, SERVICE, UNIT, VERSION, Failed, PackagingTest,
+                          files_in, install, key_file, output, without_desktop)
 
 
 def what_is_asked_by(commands, home):
@@ -71,6 +71,21 @@ class Installation(PackagingTest):
     def test_the_autostart_file_is_valid(self):
         output("desktop-file-validate", self.tree / AUTOSTART)
 
+    def test_the_program_turns_its_autostart_on_and_off(self):
+        config = self.temporary / "config"
+        environment = without_desktop(self.temporary, XDG_CONFIG_HOME=str(config))
+
+        def autostart(word):
+            return output(self.tree / PROGRAM, "--autostart", word, env=environment)
+        self.assertEqual(autostart("status"), "off\n")
+        self.assertEqual(autostart("on"), "on\n")
+        self.assertEqual((config / f"autostart/{NAME}.desktop").read_text(), (self.tree / AUTOSTART).read_text())
+        self.assertEqual(autostart("status"), "on\n")
+        self.assertEqual(autostart("off"), "off\n")
+        self.assertEqual(files_in(config), set())
+        with self.assertRaisesRegex(Failed, "--autostart takes on, off or status"):
+            autostart("maybe")
+
     def test_the_icon_that_is_named_exists(self):
         for file in (LAUNCHER, AUTOSTART):
             icon = key_file(self.tree / file)["Desktop Entry"]["Icon"]
@@ -91,6 +106,15 @@ class Installation(PackagingTest):
         installed = (self.tree / INTERFACE).read_text()
         self.assertEqual(described(installed), described(offered))
         self.assertIn("method [('name', 'Restart')]", described(installed))
+
+    def test_systemd_understands_the_unit_and_keeps_it_from_the_network(self):
+        environment = without_desktop(self.temporary, XDG_RUNTIME_DIR=str(self.temporary))
+        self.assertEqual(output("systemd-analyze", "--user", "--man=no", "verify", self.tree / UNIT, env=environment), "")
+        self.assertIn(f'ExecStart="{self.tree / PROGRAM}"\n', (self.tree / UNIT).read_text())
+        report = output("systemd-analyze", "--user", "--no-pager", "security", "--offline=true", self.tree / UNIT,
+                        env=environment)
+        self.assertRegex(report, r"✓ RestrictAddressFamilies=~AF_\(INET\|INET6\)")
+        self.assertRegex(report, r"✓ NoNewPrivileges=")
 
     def test_software_centres_understand_the_description(self):
         report = output("appstreamcli", "validate", "--no-net", "--pedantic", "--no-color", self.tree / METAINFO)

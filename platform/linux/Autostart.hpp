@@ -1,0 +1,33 @@
+#pragma once
+
+// Whether the desktop starts the program: an entry in the user's autostart folder, as most desktops and some
+// session managers read it. Desktops switch such an entry off by a mark in it.
+
+#include <filesystem>
+#include <string>
+
+namespace platform::linux {
+
+class Autostart {
+public:
+    /// `original` is the entry that was installed with the program, `entry` the one that desktops read.
+    Autostart(std::filesystem::path original, std::filesystem::path entry);
+
+    /// The one of the user who runs this process. `resources` is the folder of the program's own resources.
+    static Autostart ofThisUser(const std::filesystem::path& resources);
+
+    bool isOn() const;
+
+    /// Makes the entry, or removes the mark from the one that is there and keeps the rest of it. Returns the
+    /// problem if that fails, or else an empty text.
+    std::string turnOn() const;
+
+    /// Removes the entry; the same.
+    std::string turnOff() const;
+
+private:
+    std::filesystem::path _original;
+    std::filesystem::path _entry;
+};
+
+} // namespace platform::linux
