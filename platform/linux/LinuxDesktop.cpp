@@ -5,6 +5,7 @@
 #include "platform/linux/glib/Delivery.hpp"
 
 #include <glib-unix.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -93,7 +94,13 @@ void LinuxDesktop::activate(bool) {} // windows come to the front by themselves
 
 Date LinuxDesktop::now() { return Date{static_cast<double>(g_get_real_time()) / G_USEC_PER_SEC}; }
 
-void LinuxDesktop::schedule(const std::shared_ptr<Timer>& timer) { _loop.schedule(timer); }
+void LinuxDesktop::schedule(const std::shared_ptr<Timer>& timer) {
+    _loop.schedule(timer);
+    if (!timer->repeats()) {
+        malloc_trim(
+            0); // once in a turn of the cycle: many calls at once leave pages behind that hold nothing any more
+    }
+}
 
 void LinuxDesktop::cancel(const Timer& timer) { _loop.cancel(timer); }
 

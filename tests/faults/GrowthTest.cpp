@@ -8,7 +8,6 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <sstream>
 #include <string>
 
 namespace faults {
@@ -22,20 +21,6 @@ protected:
 
     std::ptrdiff_t descriptors() const {
         return std::distance(fs::directory_iterator{inProc("fd")}, fs::directory_iterator{});
-    }
-
-    /// Of memory that it shares with no other program.
-    int kilobytes() const {
-        std::ifstream sizes{inProc("smaps_rollup")};
-        int sum = 0;
-        for (std::string line; std::getline(sizes, line);) {
-            std::istringstream words{line};
-            std::string key;
-            int size = 0;
-            words >> key >> size;
-            sum += key.starts_with("Private_") ? size : 0;
-        }
-        return sum;
     }
 
     /// Programs that it has started, whether they run or wait for it to take note of their end.
@@ -66,11 +51,11 @@ TEST_F(Growth, IsNoneInAThousandReminders) {
     program.await([this] { return !program.get("State").empty(); }, "the timer on the bus");
     live(few);
     const auto descriptorsBefore = descriptors();
-    const int kilobytesBefore = kilobytes();
+    const int kilobytesBefore = program.memory();
     live(many);
     EXPECT_EQ(descriptors(), descriptorsBefore);
-    EXPECT_LE(kilobytes(), kilobytesBefore + slack);
-    std::cout << kilobytesBefore << " KiB before, " << kilobytes() << " KiB after\n";
+    EXPECT_LE(program.memory(), kilobytesBefore + slack);
+    std::cout << kilobytesBefore << " KiB before, " << program.memory() << " KiB after\n";
     program.quit();
     EXPECT_EQ(program.status(), 0) << program.output();
 }

@@ -7,7 +7,11 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <sstream>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -48,8 +52,7 @@ WholeProgram::WholeProgram()
     fs::copy_file(program, _folder.path / "bin/marvelode-timer");
     fs::create_symlink(program.parent_path().parent_path() / "share", _folder.path / "share");
     fs::copy_file(SCRIPTED_WINDOW, helpers / "marvelode-timer-window");
-    fs::permissions(_folder.write("libexec/marvelode-timer/marvelode-timer-sound", "#!/bin/sh\n"),
-                    fs::perms::owner_all);
+    install("marvelode-timer-sound", "");
     connectToSystem(); // which is said to be there from here on
 }
 
@@ -77,6 +80,12 @@ std::string WholeProgram::storedFiles() const {
         names += each.path().filename().string() + " ";
     }
     return names;
+}
+
+void WholeProgram::install(const char* helper, const std::string& commands) const {
+    const std::string place = std::string{"libexec/marvelode-timer/"} + helper;
+    fs::remove(_folder.path / place);
+    fs::permissions(_folder.write(place, "#!/bin/sh\n" + commands), fs::perms::owner_all);
 }
 
 void WholeProgram::start() {
@@ -124,6 +133,19 @@ void WholeProgram::kill() {
 }
 
 std::string WholeProgram::output() const { return contentOf(_folder.path / "output"); }
+
+int WholeProgram::memory() const {
+    std::ifstream sizes{"/proc/" + std::to_string(_process) + "/smaps_rollup"};
+    int sum = 0;
+    for (std::string line; std::getline(sizes, line);) {
+        std::istringstream words{line};
+        std::string key;
+        int size = 0;
+        words >> key >> size;
+        sum += key.starts_with("Private_") ? size : 0;
+    }
+    return sum;
+}
 
 void WholeProgram::await(const std::function<bool()>& holds, const std::string& what) {
     const gint64 deadline = g_get_monotonic_time() + patience;

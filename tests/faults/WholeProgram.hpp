@@ -37,6 +37,9 @@ public:
     /// The names of all files in the settings' folder, each followed by a blank.
     std::string storedFiles() const;
 
+    /// Puts a shell script in the place of one of its helper programs.
+    void install(const char* helper, const std::string& commands) const;
+
     /// Starts it in test mode, with intervals of 30 seconds and snoozes of 5. What `plan` counts begins anew.
     void start();
     /// Ends it without ado if it runs.
@@ -48,6 +51,8 @@ public:
     int status() const { return _status; }
     /// What it has written, errors included.
     std::string output() const;
+    /// Of memory that it shares with no other program, in KiB.
+    int memory() const;
 
     /// Runs the main loop until that holds.
     void await(const std::function<bool()>& holds, const std::string& what);
@@ -69,6 +74,8 @@ public:
     FaultPlan& plan() { return *_plan; }
 
     User& user() { return _user; }
+
+    platform::linux::TrayWatcher& panel() { return _panel; }
 
 private:
     std::filesystem::path configuration() const { return _folder.path / "config/marvelode-timer"; }
