@@ -5,8 +5,8 @@
 namespace marvelode {
 namespace {
 
-// Takes the list by value: what is subscribed during the delivery is no part of it.
 template <typename Subscriber, typename... Payload>
+// NOLINTNEXTLINE(performance-unnecessary-value-param): what is subscribed during the delivery is no part of it
 void deliver(std::vector<Subscriber> snapshot, const Payload&... payload) {
     for (const Subscriber& subscriber : snapshot) {
         subscriber(payload...);

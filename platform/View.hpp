@@ -240,7 +240,7 @@ View VStack(Alignment alignment, std::vector<View> children);
 
 /// A choice among `options`, each a title with the value that it stands for.
 template <typename Value>
-View Picker(std::string title, Binding<Value> selection,
+View Picker(std::string title, Binding<Value> selection, // NOLINT(performance-unnecessary-value-param): as others
             const std::vector<std::pair<std::string, Value>>& options) {
     std::vector<std::string> items;
     std::vector<Value> values;

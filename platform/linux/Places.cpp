@@ -21,7 +21,7 @@ bool isLoadersArgument() { return getauxval(AT_BASE) == 0; }
 
 fs::path executable(const char* link) {
     std::error_code error;
-    fs::path file =
+    const fs::path file =
         isLoadersArgument() ? fs::canonical(program_invocation_name, error) : fs::read_symlink(link, error);
     return error ? fs::path{MARVELODE_INSTALLED_PROGRAM} : file;
 }

@@ -49,7 +49,7 @@ void Coroutine::run() {
     }
     _body = nullptr;
     _hasEnded = true;
-    const std::lock_guard lock{_mutex};
+    const std::scoped_lock lock{_mutex};
     _turn = Turn::Resumer;
     _turnPassed.notify_all();
 }

@@ -126,7 +126,7 @@ class ForgetfulDesktop : public StoryDesktop {
 };
 
 TEST(TheApplicationObject, StopsListeningForWakesWhenItIsDestroyed) {
-    ForgetfulDesktop desktop;
+    const ForgetfulDesktop desktop;
     std::shared_ptr<App> object = App::create(true);
     object->applicationDidFinishLaunching();
     EXPECT_TRUE(desktop.workspaceNotifications.hasObservers());

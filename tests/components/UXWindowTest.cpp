@@ -153,7 +153,7 @@ TEST_F(TheHost, IsKeptByTheClosureThatItHandsToItsView) {
 }
 
 TEST_F(TheHost, LeavesTheViewItWasGivenAlone) {
-    CountingView view;
+    const CountingView view;
     const auto other = makeShared<Host>(makeCfg(), view, NSPanel::StyleMask{0});
     view._done(); // still does nothing
     EXPECT_EQ(other->window.styleMask, NSPanel{}.styleMask);

@@ -41,7 +41,7 @@ TEST(AControl, HasTheTitleItWasGiven) {
 }
 
 TEST(AState, IsSharedByItsCopies) {
-    State<int> state{1};
+    const State<int> state{1};
     const State<int> copy = state; // NOLINT(performance-unnecessary-copy-initialization): it is what is tested
     state.binding().set(2);
     EXPECT_EQ(*copy, 2);

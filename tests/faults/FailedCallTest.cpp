@@ -55,7 +55,7 @@ const std::vector<Refusal> refusals{
 bool isDue(int number, int days) {
     constexpr std::time_t secondsPerDay = 86'400;
     const char* const wanted = std::getenv("DAY");
-    const std::time_t day = wanted ? std::atol(wanted) : std::time(nullptr) / secondsPerDay;
+    const std::time_t day = wanted ? std::stol(wanted) : std::time(nullptr) / secondsPerDay;
     return (wanted && std::string_view{wanted} == "every") || (number + day) % days == 0;
 }
 

@@ -183,6 +183,7 @@ void fuzz::requireThatAllAreAnswered() {
 }
 
 // GLib's functions, as far as what exports objects calls them.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): what is named here is what is used
 extern "C" {
 
 guint g_dbus_connection_register_object(GDBusConnection*, const char*, GDBusInterfaceInfo* interface,
@@ -272,3 +273,4 @@ void g_dbus_method_invocation_return_dbus_error(GDBusMethodInvocation* call, con
     answer(call, fuzz::Answer::Error);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

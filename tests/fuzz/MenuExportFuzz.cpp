@@ -43,14 +43,14 @@ void checkCall(std::string_view line, CountingMenu& menu, Deeds& posted) {
     for (const auto& deed : deeds) {
         deed();
     }
-    require(menu.picks <= static_cast<int>(deeds.size()), "one click picks one entry at most");
+    require(std::cmp_less_equal(menu.picks, deeds.size()), "one click picks one entry at most");
 }
 
 } // namespace
 
 void fuzz::check(std::string_view input) {
-    static simulated::SimulatedDesktop desktop{[](int, const char* const*) { return 0; },
-                                               [](const std::string&) {}};
+    static const simulated::SimulatedDesktop desktop{[](int, const char* const*) { return 0; },
+                                                     [](const std::string&) {}};
     static CountingMenu counting;
     static Deeds posted;
     static MenuExport exported{bus(), "/MenuBar",

@@ -78,7 +78,7 @@ void checkCall(Timer& timer, std::string_view line) {
 
 void fuzz::check(std::string_view input) {
     static Timer timer;
-    static RemoteControl control{bus(), timer.controls()};
+    static const RemoteControl control{bus(), timer.controls()};
     readProperties();
     while (!input.empty()) {
         const auto [line, rest] = cut(input, "\n");

@@ -42,7 +42,7 @@ TEST(Loop, SettlesOnceMoreIfThatIsAskedForWhileItSettles) {
 }
 
 TEST(Loop, WakesOnceForOneTimer) {
-    BareDesktop desktop{"none"};
+    const BareDesktop desktop{"none"};
     int settlings = 0;
     EventLoop loop{[] { return RunLoopMode::Default; }, [&] { ++settlings; }};
     bool hasFired = false;

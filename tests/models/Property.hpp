@@ -14,7 +14,7 @@
 namespace models {
 
 /// How many random sequences each property is tried on.
-constexpr int sequences = isSanitized ? 500 : 10'000;
+constexpr int sequences = isSanitized ? 200 : 10'000;
 
 /// Fails the test if `property` does not hold for every sequence.
 template <typename Property>

@@ -50,7 +50,7 @@ void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 namespace story {
 namespace {
 
-constexpr int days = models::isSanitized ? 30 : 365;
+constexpr int days = models::isSanitized ? 7 : 365;
 constexpr int intervalsADay = 144;
 
 /// One work interval with whatever the user does that time. Returns the number of reminders seen.

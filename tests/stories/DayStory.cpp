@@ -78,7 +78,7 @@ TEST(ADay, OfCountingDown) {
     desktop.hadAFirstRun();
     desktop.defaults["TimerInterval"] = 7200.0;
     desktop.launch();
-    std::vector<std::pair<std::chrono::seconds, std::string>> texts{
+    const std::vector<std::pair<std::chrono::seconds, std::string>> texts{
         {1s, ">1h"},    {3599s, ">1h"}, {3600s, "61m"}, {3601s, "60m"}, {3660s, "60m"},
         {3661s, "59m"}, {7139s, "2m"},  {7140s, "2m"},  {7141s, "1m"},  {7189s, "1m"},
         {7190s, ""},    {7191s, "9"},   {7199s, "1"},   {7200s, "0"}};

@@ -24,7 +24,7 @@ struct Interference::State {
         , timesLeft{times} {}
 
     bool meets(GDBusMessage* message) {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         const char* const member = g_dbus_message_get_member(message);
         if (g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL || !member ||
             step.method != member || timesLeft == 0) {
@@ -51,7 +51,7 @@ struct Interference::State {
         case Misbehaviour::IsSilent:
             return false;
         case Misbehaviour::AnswersLate: {
-            const std::lock_guard lock{mutex};
+            const std::scoped_lock lock{mutex};
             waiting.push_back(shared(message));
             return false;
         }
@@ -96,12 +96,12 @@ Interference::Interference(GDBusConnection* bus, const Step& step, Misbehaviour 
 Interference::~Interference() { g_dbus_connection_remove_filter(_bus.get(), _filter); }
 
 int Interference::meetings() const {
-    const std::lock_guard lock{_state->mutex};
+    const std::scoped_lock lock{_state->mutex};
     return _state->meetings;
 }
 
 void Interference::answerNow() {
-    const std::lock_guard lock{_state->mutex};
+    const std::scoped_lock lock{_state->mutex};
     for (const auto& message : std::exchange(_state->waiting, {})) {
         _state->answer(message.get(), _state->step.answer);
     }

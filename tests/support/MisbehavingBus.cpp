@@ -105,7 +105,7 @@ bool MisbehavingBus::listenTo(Client& client) {
         client.unread.erase(0, static_cast<std::size_t>(needed));
         answer(client, message.get());
     }
-    return !(_isInTrouble && _trouble == Trouble::Death);
+    return !_isInTrouble || _trouble != Trouble::Death;
 }
 
 /// Agrees to every line of the greeting, until the client begins to send messages.
