@@ -1,14 +1,23 @@
 # What a distribution expects of programs: position-independent, tables read-only before the first line runs, checks of
 # buffer sizes and of the library's containers, a guarded stack, and jumps only to where a function or a case begins.
-# What the compiler was told already, as distributions do, stays as they want it.
+# What compiler and linker were told already, as distributions do by flags or in the compiler itself, stays as they want
+# it.
 if(LINUX)
     include(CheckCXXCompilerFlag)
+    include(CheckCXXSourceCompiles)
     include(CheckPIESupported)
     check_pie_supported(LANGUAGES CXX)
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-    add_link_options(LINKER:-z,relro LINKER:-z,now)
+    # ahead of what is given, since the last word counts
+    string(PREPEND CMAKE_EXE_LINKER_FLAGS "-Wl,-z,relro -Wl,-z,now ")
 
-    if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
+    string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
+    set(CMAKE_REQUIRED_FLAGS "-O1 ${CMAKE_CXX_FLAGS_${config}}")
+    set(CMAKE_REQUIRED_QUIET TRUE)
+    check_cxx_source_compiles("#ifndef _FORTIFY_SOURCE\n#error\n#endif\nint main() {}" is_fortified)
+    unset(CMAKE_REQUIRED_FLAGS)
+    unset(CMAKE_REQUIRED_QUIET)
+    if(NOT is_fortified)
         # the checks need the optimiser
         add_compile_options($<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE>
             $<$<CONFIG:Release,RelWithDebInfo>:-D_FORTIFY_SOURCE=2>)

@@ -21,11 +21,11 @@ def git(*words):
     return subprocess.run(["git", *words], cwd=PROJECT, check=True, capture_output=True, text=True).stdout.strip()
 
 
-def configure(source, build):
-    """Sets the build up without git and without what only Linux desktops have; what the build said, and BuildInfo.txt."""
+def configure(source, build, has_git=False):
+    """Sets the build up without what only Linux desktops have; what the build said, and BuildInfo.txt."""
     result = subprocess.run(
         [os.environ["CMAKE"], "-S", source, "-B", build, "-DMARVELODE_TESTS=OFF", "-DMARVELODE_SYSTEM_DESKTOP=OFF",
-         "-DCMAKE_DISABLE_FIND_PACKAGE_Git=TRUE"], check=True, capture_output=True, text=True)
+         f"-DCMAKE_DISABLE_FIND_PACKAGE_Git={not has_git}"], check=True, capture_output=True, text=True)
     return result.stderr, (build / "resources/BuildInfo.txt").read_text()
 
 
@@ -67,6 +67,17 @@ class SourceArchive(unittest.TestCase):
         said, info = configure(bare, self.folder / "build of bare")
         self.assertIn("number and day are unknown", said)
         self.assertEqual(info, f"Version={VERSION}\n")
+
+    def test_a_shallow_clone_says_so_too_and_makes_no_archive(self):
+        shallow = self.folder / "shallow"
+        subprocess.run(["git", "clone", "--quiet", "--depth=1", f"file://{PROJECT}", shallow], check=True)
+        said, info = configure(shallow, self.folder / "build of shallow", has_git=True)
+        self.assertIn("number and day are unknown", said)
+        self.assertEqual(info, f"Version={VERSION}\n")
+        refusal = subprocess.run([shallow / "packaging/make-source-archive", VERSION, self.folder], check=False,
+                                 capture_output=True, text=True)
+        self.assertNotEqual(refusal.returncode, 0)
+        self.assertIn("not the whole history", refusal.stderr)
 
 
 if __name__ == "__main__":

@@ -10,8 +10,8 @@ add_executable(probe main.cpp)
 ")
 
 function(read_command flags result)
-    execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build --fresh -D CMAKE_BUILD_TYPE=Release
-        -D CMAKE_CXX_COMPILER=${COMPILER} "-DCMAKE_CXX_FLAGS=${flags}"
+    execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build -G Ninja --fresh -D CMAKE_BUILD_TYPE=Release
+        -D CMAKE_CXX_COMPILER=${COMPILER} "-DCMAKE_CXX_FLAGS=${flags}" ${ARGN}
         OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
     file(READ ${WORK}/build/compile_commands.json command)
     set(${result} "${command}" PARENT_SCOPE)
@@ -39,3 +39,22 @@ read_command("-O2 -D_FORTIFY_SOURCE=3 -fstack-protector-all -fno-stack-clash-pro
 foreach(flag -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong " -fstack-clash-protection" "-fcf-protection ")
     expect("${command}" FALSE ${flag})
 endforeach()
+
+# A whole configuration can ask for it, and so can a compiler by itself.
+foreach(given -DCMAKE_CXX_FLAGS_RELEASE=-O2\ -D_FORTIFY_SOURCE=3 -DCMAKE_CXX_COMPILER_ARG1=-D_FORTIFY_SOURCE=3)
+    read_command("" command ${given})
+    foreach(flag -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+        expect("${command}" FALSE ${flag})
+    endforeach()
+endforeach()
+
+# What is given to the linker has the last word.
+function(read_link flags result)
+    read_command("" command "-DCMAKE_EXE_LINKER_FLAGS=${flags}")
+    file(STRINGS ${WORK}/build/build.ninja link REGEX "^  LINK_FLAGS =")
+    set(${result} "${link}" PARENT_SCOPE)
+endfunction()
+read_link("" link)
+expect("${link}" TRUE "-Wl,-z,relro -Wl,-z,now")
+read_link("-Wl,-z,lazy" link)
+expect("${link}" TRUE "-Wl,-z,relro -Wl,-z,now -Wl,-z,lazy")
