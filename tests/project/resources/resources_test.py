@@ -153,9 +153,18 @@ class Pictures(unittest.TestCase):
                 self.assertLess(mean(differences), 0.5, name)
                 self.assertLess(mean(difference > 24 for difference in differences), 0.01, name)
 
-    def test_the_scalable_icon_is_the_drawing(self):
-        scalable = ICONS / "scalable" / "apps" / "org.marvelode.Timer.svg"
-        self.assertEqual(scalable.read_bytes(), (SOURCE / "application.svg").read_bytes())
+    def test_the_scalable_icons_are_the_drawings(self):
+        for icon, drawing in (("scalable/apps/org.marvelode.Timer.svg", "application.svg"),
+                              ("symbolic/apps/org.marvelode.Timer-symbolic.svg", "symbolic.svg")):
+            self.assertEqual((ICONS / icon).read_bytes(), (SOURCE / drawing).read_bytes())
+
+    def test_the_symbolic_icon_is_of_one_colour_with_an_open_gap(self):
+        with tempfile.TemporaryDirectory() as folder:
+            picture = pathlib.Path(folder) / "symbolic.png"
+            output("rsvg-convert", "--width", "16", "--height", "16", SOURCE / "symbolic.svg", "--output", picture)
+            grid = pixels(picture)
+        self.assertEqual({pixel[:3] for pixel in grid if pixel[3] == 255}, {(0x2E, 0x34, 0x36)})
+        self.assertEqual({grid[row * 16 + column][3] for row in range(16) for column in (7, 8)}, {0})
 
     def test_the_macos_icon_holds_the_images_of_the_iconset(self):
         content = (RESOURCES / "Marvelode.icns").read_bytes()
