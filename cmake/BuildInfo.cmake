@@ -1,6 +1,7 @@
 # Writes the resource that tells the program which build it is: the number of commits, the day of the last one, and
 # the project's version. A source archive has the first two in a file, written when it was made; a checkout of the whole
 # history asks git. Elsewhere they are unknown, and the build says so.
+include(${CMAKE_CURRENT_LIST_DIR}/Days.cmake)
 find_package(Git QUIET)
 
 function(ask_git result)
@@ -28,6 +29,12 @@ else()
         "the whole history.")
     set(build 0) # where a number is required, as in a Mac's property list
     set(build_and_date "")
+endif()
+
+# The beginning of that day in seconds since 1970, or nothing.
+if(build_and_date MATCHES "Date=([0-9-]+)")
+    days_since_1970(days ${CMAKE_MATCH_1})
+    math(EXPR MARVELODE_BUILD_SECONDS "${days} * 86400")
 endif()
 
 set(MARVELODE_BUILD_INFO ${PROJECT_BINARY_DIR}/resources/BuildInfo.txt)

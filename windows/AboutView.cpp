@@ -19,9 +19,9 @@ View AboutView::body() const {
                       heading(cfg->isTest, std::move(belowName)).padding(Edges::Bottom, 12),
                       Text("Version: %@", {buildInfo->version}),
                       Text("Build: %@", {buildInfo->build}).padding(Edges::Bottom, 12),
-                      Text("[License](https://opensource.org/license/mit)"),
-                      Text("© 2026 [The Marvelode makers](https://marvelode.example)").padding(Edges::Bottom, 12),
-                      Text("[Support](https://marvelode.example/support) development").padding(Edges::Bottom, 12),
+                      Text("[License](" MARVELODE_LICENCE ")"),
+                      Text("© 2026 [The Marvelode makers](" MARVELODE_HOMEPAGE ")").padding(Edges::Bottom, 12),
+                      Text("[Support](" MARVELODE_SUPPORT ") development").padding(Edges::Bottom, 12),
                       Button("OK", 5, _done).keyboardShortcut(KeyboardShortcut::DefaultAction),
                   })
         .padding()

@@ -36,7 +36,7 @@ ZSH_COMPLETION = "share/zsh/site-functions/_marvelode-timer"
 FISH_COMPLETION = "share/fish/vendor_completions.d/marvelode-timer.fish"
 COPYRIGHT = "share/doc/marvelode-timer/copyright"
 ICONS = {f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)} | {
-    f"share/icons/hicolor/scalable/apps/{NAME}.svg"}
+    f"share/icons/hicolor/scalable/apps/{NAME}.svg", f"share/icons/hicolor/symbolic/apps/{NAME}-symbolic.svg"}
 FILES = ICONS | HELPERS | RESOURCES | {
     PROGRAM, LAUNCHER, AUTOSTART, INTERFACE, SERVICE, UNIT, METAINFO, MANUAL, CHANGELOG, COPYRIGHT, BASH_COMPLETION,
     ZSH_COMPLETION, FISH_COMPLETION}

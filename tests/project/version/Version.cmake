@@ -1,8 +1,9 @@
-# Compares the version of CMakeLists.txt with that of the changelog, of the description for software centres and of the
-# manual's example.
+# Compares the version of CMakeLists.txt with the newest in NEWS, with those of the recipes for packages, and with that of
+# the manual's example.
 set(places
-    packaging/linux/debian/changelog "^marvelode-timer \\(([0-9.]+)\\)"
-    packaging/linux/org.marvelode.Timer.metainfo.xml "<release version=\"([0-9.]+)\""
+    NEWS "\n([0-9.]+) \\("
+    packaging/arch/PKGBUILD "\npkgver=([0-9.]+)"
+    packaging/rpm/marvelode-timer.spec "\nVersion: +([0-9.]+)"
     packaging/linux/marvelode-timer.1 "\nVersion='([0-9.]+)'")
 
 set(disagreements "")
