@@ -14,6 +14,7 @@ namespace platform::linux {
 namespace {
 
 constexpr guint keylessMilliseconds = 500;
+constexpr guint secondsUntilReturn = 60;
 
 GdkMonitor* monitorOfPointer(GdkDisplay* display) {
     gint x = 0;
@@ -39,6 +40,14 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     std::vector<GtkWidget*> controls;
     collectControls(content, controls);
     return controls;
+}
+
+bool isOnX11([[maybe_unused]] GtkWindow* window) {
+#ifdef GDK_WINDOWING_X11
+    return GDK_IS_X11_DISPLAY(gtk_widget_get_display(GTK_WIDGET(window)));
+#else
+    return false;
+#endif
 }
 
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
@@ -85,6 +94,7 @@ TopLevel::~TopLevel() {
     if (_takesKeyboard != 0) {
         g_source_remove(_takesKeyboard);
     }
+    cancelReturn();
     GtkWindow* below = gtk_window_get_transient_for(_window);
     gtk_widget_destroy(GTK_WIDGET(_window));
     if (below) {
@@ -112,6 +122,36 @@ void TopLevel::appearEverywhere() {
     putInLayer(_window);
     if (GtkWindow* below = gtk_window_get_transient_for(_window)) {
         setIsInFront(below, false);
+    }
+}
+
+void TopLevel::returnWhenLost() {
+    if (isInLayer(_window) || isOnX11(_window)) {
+        return;
+    }
+    connect(_window, "notify::is-active", [this](GParamSpec*) { waitToReturn(); });
+    waitToReturn();
+}
+
+void TopLevel::waitToReturn() {
+    cancelReturn();
+    if (gtk_window_is_active(_window)) {
+        return;
+    }
+    const auto comeBack = [](gpointer data) -> gboolean {
+        auto* self = static_cast<TopLevel*>(data);
+        self->_return = 0;
+        gtk_widget_hide(GTK_WIDGET(self->_window)); // what is shown anew comes to the front; what asks may not
+        gtk_window_present(self->_window);
+        self->waitToReturn(); // in case that it does not get the keyboard
+        return G_SOURCE_REMOVE;
+    };
+    _return = g_timeout_add_seconds(secondsUntilReturn, comeBack, this);
+}
+
+void TopLevel::cancelReturn() {
+    if (_return != 0) {
+        g_source_remove(std::exchange(_return, 0));
     }
 }
 

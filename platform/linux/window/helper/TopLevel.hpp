@@ -33,6 +33,10 @@ public:
     /// below, which must be shown so too, is without the keyboard until this one is destroyed.
     void appearEverywhere();
 
+    /// Where windows cannot be kept above others: shows this one anew whenever it has been without the keyboard for
+    /// a minute, since it may be covered then; nobody tells. To be called once it appears everywhere.
+    void returnWhenLost();
+
     /// Leaves the keyboard to other windows while this one, which appears everywhere, is up. Most desktops do so by
     /// themselves, but not with a window in a layer: there the keyboard leaves it with the pointer and comes back
     /// with a click.
@@ -55,6 +59,8 @@ private:
     void ignoreKeysFromNow();
     gboolean keyPressed(const GdkEventKey& event);
     void centre();
+    void waitToReturn();
+    void cancelReturn();
 
     using Gesture = std::unique_ptr<GtkGesture, decltype(&g_object_unref)>;
 
@@ -64,6 +70,7 @@ private:
     Gesture _clicks{nullptr, g_object_unref};
     bool _ignoresEarlyKeys = false;
     gint64 _listensFrom = 0;     ///< In microseconds of the monotonic clock.
+    unsigned _return = 0;        ///< A source while the window is without the keyboard and will return.
     unsigned _takesKeyboard = 0; ///< A source while a window in a layer leaves the keyboard to others.
 };
 

@@ -88,6 +88,7 @@ public:
         _topLevel.appearEverywhere();
         if (!below) { // it comes unasked
             _topLevel.ignoreEarlyKeys();
+            _topLevel.returnWhenLost();
         }
         _topLevel.moveByBackground();
         _topLevel.present(content, _defaultButton);

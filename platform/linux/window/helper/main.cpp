@@ -3,6 +3,7 @@
 
 #include "platform/linux/window/Protocol.hpp"
 #include "platform/linux/window/helper/Appearance.hpp"
+#include "platform/linux/window/helper/Backend.hpp"
 #include "platform/linux/window/helper/Pictures.hpp"
 #include "platform/linux/window/helper/Windows.hpp"
 
@@ -70,11 +71,25 @@ bool setUpToolkit(int& argc, char**& argv) {
     return gtk_init_check(&argc, &argv) != FALSE;
 }
 
+/// Waits for a request; nothing if there will be none that can be read.
+std::optional<Request> readRequest(int flags = 0) {
+    static std::array<char, longestMessage> packet; // too large for the stack; read before the next one comes
+    const ssize_t size = recv(residentProgram, packet.data(), packet.size(), flags);
+    return size > 0 ? decodeRequest({packet.data(), static_cast<std::size_t>(size)}, tell) : std::nullopt;
+}
+
+void chooseBackend() {
+    if (!isX11Better()) {
+        return;
+    }
+    if (const auto first = readRequest(MSG_PEEK)) {
+        preferX11For(*first);
+    }
+}
+
 /// Reads one request and does it. Returns whether there may be more.
 gboolean serve(gint, GIOCondition, gpointer windows) {
-    static std::array<char, longestMessage> packet; // too large for the stack; read before the next one comes
-    const ssize_t size = recv(residentProgram, packet.data(), packet.size(), 0);
-    auto request = size > 0 ? decodeRequest({packet.data(), static_cast<std::size_t>(size)}, tell) : std::nullopt;
+    auto request = readRequest();
     if (!request) {
         gtk_main_quit();
         return G_SOURCE_REMOVE;
@@ -95,6 +110,7 @@ int main(int argc, char** argv) {
     prctl(PR_SET_NAME, "marvelode-timer-window"); // the system would call it by the number of its open file
     g_set_prgname(applicationId);
     g_set_application_name("Marvelode Timer");
+    chooseBackend();
     if (!setUpToolkit(argc, argv)) {
         tell({Event::Kind::NoDisplay, 0, 0, {}});
         return EXIT_FAILURE;
