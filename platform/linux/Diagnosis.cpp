@@ -50,7 +50,8 @@ Connection connectTo(GBusType type) {
     const Attempt attempt = std::make_shared<std::optional<Connection>>();
     constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    g_dbus_connection_new_for_address(address.get(), flags, nullptr, nullptr, connected, new Attempt{attempt});
+    g_dbus_connection_new_for_address(address.get(), flags, nullptr, nullptr, connected,
+                                      std::make_unique<Attempt>(attempt).release());
     DelayedCall deadline;
     deadline.start(patience, [&] { *attempt = Connection{nullptr, "does not answer"}; });
     while (!*attempt) {
@@ -83,7 +84,7 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-std::string orUnknown(std::string text) { return text.empty() ? "unknown" : text; }
+std::string orUnknown(const std::string& text) { return text.empty() ? "unknown" : text; }
 
 std::string describeProgram(const Places& places) {
     std::string text = contentsOfFile(places.resources / "BuildInfo.txt").value_or("its resources are missing");

@@ -22,14 +22,14 @@ MENU = ["About Marvelode Timer", "Restart timer", "Mute", "Popup reminders", "Se
 class Timer:
     """The program, started on a desktop, and what can be asked of it there."""
 
-    def __init__(self, desktop, *arguments, settings=None, **environment):
+    def __init__(self, desktop, *arguments, settings=None, run_by=(), **environment):
         self.desktop = desktop
         self.settings_file = desktop.config / "marvelode-timer/settings"
         if settings is not None:
             self.settings_file.parent.mkdir(mode=0o700)
             self.store(settings)
         self.begin = time.monotonic()
-        self.program = desktop.start(PROGRAM, *arguments, **environment)
+        self.program = desktop.start(*run_by, PROGRAM, *arguments, **environment)
 
     def item(self):
         return self.desktop.status_item(self.program.pid)
