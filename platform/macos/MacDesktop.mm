@@ -88,7 +88,7 @@ os_log_t logOf(const platform::Logger& logger) {
     // any thread may log
     static std::mutex mutex;
     static std::map<std::pair<std::string, std::string>, os_log_t> logs; // made once for each name
-    const std::lock_guard lock{mutex};
+    const std::scoped_lock lock{mutex};
     os_log_t& log = logs[{logger.subsystem, logger.category}];
     if (!log) {
         log = os_log_create(logger.subsystem.c_str(), logger.category.c_str());

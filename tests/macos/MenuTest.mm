@@ -42,7 +42,7 @@ TEST_F(Messages, FillTheMenu) {
     Lines relevant;
     for (const std::string& line :
          from(expected.front(), recorder.lines())) { // AppKit itself enables entries before each pick
-        if (relevant.size() < setUp || line.rfind("NSMenuItem setState:", 0) == 0) {
+        if (relevant.size() < setUp || line.starts_with("NSMenuItem setState:")) {
             relevant.push_back(line);
         }
     }

@@ -12,7 +12,7 @@ const std::string running = "NSApplication runModalForWindow:NSPanel";
 /// Whether AppKit sends the message by itself while it runs a modal panel.
 bool isAppKitsOwn(const std::string& line) {
     return line == "NSPanel center" || line == "NSPanel orderFrontRegardless" ||
-           line.rfind("NSPanel setLevel:", 0) == 0;
+           line.starts_with("NSPanel setLevel:");
 }
 
 TEST_F(Messages, RunThePanel) {
@@ -49,7 +49,7 @@ TEST_F(Messages, RunThePanel) {
     Lines lines;
     for (std::string line : recorder.messagesTo({"NSApplication", "NSPanel", "NSButton", "HostingView"})) {
         // the size of the content is not the same everywhere
-        line = line.substr(0, line.rfind("NSPanel setContentSize:", 0) == 0 ? line.find(':') : line.size());
+        line = line.substr(0, line.starts_with("NSPanel setContentSize:") ? line.find(':') : line.size());
         const bool hasBeenRun = std::find(lines.begin(), lines.end(), running) != lines.end();
         if (!hasBeenRun || !isAppKitsOwn(line)) {
             lines.push_back(line);

@@ -29,7 +29,7 @@ int createdLogs() { return createdLogCount; }
 
 os_log_t os_log_create(const char* subsystem, const char* category) {
     std::this_thread::sleep_for(std::chrono::milliseconds{10}); // time for another thread to ask for one
-    const std::lock_guard lock{logMutex};
+    const std::scoped_lock lock{logMutex};
     ++createdLogCount;
     static std::map<std::pair<std::string, std::string>, os_log_s> logs; // one for each name, as Apple's are
     return &logs.try_emplace({subsystem, category}, os_log_s{subsystem, category}).first->second;
@@ -38,6 +38,6 @@ os_log_t os_log_create(const char* subsystem, const char* category) {
 bool os_log_type_enabled(os_log_t oslog, os_log_type_t type) { return oslog && type == OS_LOG_TYPE_ERROR; }
 
 void logEntry(os_log_t log, os_log_type_t type, const char* format, const char* argument) {
-    const std::lock_guard lock{logMutex};
+    const std::scoped_lock lock{logMutex};
     logEntries().push_back({log->subsystem, log->category, type, format, argument});
 }
