@@ -10,8 +10,10 @@ namespace platform::linux {
 
 namespace fs = std::filesystem;
 
-Places Places::ofThisProcess() {
-    const fs::path folder = executable().parent_path();
+Places Places::ofThisProcess() { return ofProgram(executable()); }
+
+Places Places::ofProgram(const fs::path& program) {
+    const fs::path folder = program.parent_path();
     return {(folder / MARVELODE_RESOURCES_FROM_PROGRAM).lexically_normal(),
             (folder / MARVELODE_HELPERS_FROM_PROGRAM).lexically_normal(),
             fs::path{g_get_user_config_dir()} / "marvelode-timer" / "settings"};

@@ -12,6 +12,9 @@ struct Places {
     std::filesystem::path helpers;   ///< The folder of the programs that show windows and play sounds.
     std::filesystem::path settings;  ///< The user's settings file.
 
+    /// The places that belong to the program at that path, and to the user who runs this process.
+    static Places ofProgram(const std::filesystem::path& program);
+
     /// The places that belong to the running executable and to the user who runs it.
     static Places ofThisProcess();
 };

@@ -4,7 +4,6 @@
 
 #include "app/App.hpp"
 #include "config/Cfg.hpp"
-#include "platform/linux/CommandLine.hpp"
 #include "platform/linux/LinuxDesktop.hpp"
 #include "platform/linux/Places.hpp"
 #include "platform/linux/RemoteControl.hpp"
@@ -13,18 +12,63 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace {
+
+constexpr const char* help =
+    R"(Usage: marvelode-timer [-test] [-KEY VALUE]...
+
+Reminds you of a short break every few minutes, from an icon in the panel.
+
+  -test       a work interval of 30 seconds and a snooze of 5, if given alone
+  --help      show this text
+  --version   show the version
+  --diagnose  show what a report of a fault should tell
+
+  --autostart on|off|status   whether the desktop starts it
+
+Settings for this run, ahead of those that are stored:
+
+  -TimerInterval SECONDS      the length of a work interval
+  -Mute true|false            reminders come without a sound
+  -PopupAlerts true|false     a window announces the break
+  -AutoRestart true|false     without a window, the next interval begins by itself
+  -ResartOnWake true|false    kept for the settings window
+  -ShowCountdown true|false   the time beside the icon is kept up to date
+)";
+
+/// Prints the text above, from which the shells complete options and values, and the last setting with its values.
+void printHelp() {
+    std::fputs(help, stdout);
+    const char* before = "  -AlertSound ";
+    for (const auto sound : marvelode::Cfg::allSounds) {
+        std::printf("%s%s", before, marvelode::Cfg::rawValue(sound).data());
+        before = "|";
+    }
+    std::puts("   the sound of a reminder");
+}
+
+/// Has another program do what needs no timer: what is in this one stays in memory for weeks.
+int runCommand(char** arguments) {
+    using namespace platform::linux;
+    std::string ownName = executable();
+    const std::filesystem::path program = Places::ofThisProcess().helpers / "marvelode-timer-command";
+    arguments[0] = ownName.data();
+    execv(program.c_str(), arguments);
+    std::fprintf(stderr, "marvelode-timer: %s: %s\n", program.c_str(), g_strerror(errno));
+    return EXIT_FAILURE;
+}
 
 /// Opens the null device in place of the standard descriptors that are missing. Otherwise the next file or socket
 /// would get their number, and what is printed would go into it.
@@ -178,8 +222,17 @@ void announceChanges(platform::linux::LinuxDesktop& desktop, platform::linux::Re
 int main(int argc, char** argv) {
     using namespace platform::linux;
     openMissingDescriptors();
-    if (const std::optional<int> status = doWithoutTimer(argc, argv)) {
-        return *status;
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    if (first == "--autostart" || (argc == 2 && first == "--diagnose")) {
+        return runCommand(argv);
+    }
+    if (argc == 2 && first == "--help") {
+        printHelp();
+        return EXIT_SUCCESS;
+    }
+    if (argc == 2 && first == "--version") {
+        std::puts("Marvelode Timer " MARVELODE_VERSION);
+        return EXIT_SUCCESS;
     }
     turnOffPools(argv);
     keepMemorySmall();
