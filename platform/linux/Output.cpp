@@ -31,14 +31,14 @@ void writeOnce(int descriptor, std::string_view text) {
 void writeAtOnce(int descriptor, std::string_view text) {
     struct stat status {};
     fstat(descriptor, &status);
+    const bool mayWait = S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode);
+    const int own = mayWait ? openedOnceMore(descriptor) : -1;
     if (S_ISSOCK(status.st_mode)) {
         send(descriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-    } else if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode)) {
-        writeOnce(descriptor, text);
-    } else if (const int own = openedOnceMore(descriptor); own >= 0) {
+    } else if (own >= 0) {
         writeOnce(own, text);
         close(own);
-    } else if (takesMore(descriptor)) {
+    } else if (!mayWait || takesMore(descriptor)) {
         writeOnce(descriptor, text);
     }
 }

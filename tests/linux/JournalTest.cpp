@@ -24,7 +24,7 @@ protected:
         std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
         EXPECT_EQ(bind(journal, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     }
-    ~JournalTest() override { close(journal); }
+    void TearDown() override { close(journal); }
 
     void write(std::string_view message) const {
         writeToJournal(Logger{"Timer", "Cycle"}, Logger::Level::Error, message, path.c_str());

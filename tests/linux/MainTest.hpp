@@ -119,9 +119,10 @@ protected:
             const std::unique_ptr<std::function<void()>> tell{static_cast<std::function<void()>*>(data)};
             (*tell)();
         };
+        auto tell = std::make_unique<std::function<void()>>(std::move(answered));
         constexpr int noTimeout = G_MAXINT;
         g_dbus_connection_call(bus.get(), name, object, name, method, nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE,
-                               noTimeout, nullptr, call, new std::function<void()>{std::move(answered)});
+                               noTimeout, nullptr, call, tell.release());
     }
     /// Whether the environment in which the kernel started the program is that of its second start.
     bool wasStartedAnew() const {
