@@ -38,10 +38,15 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
             [this] { settle(); }, [this] { _wakeNotice.look(); }}
     , _resources{std::move(places.resources)}
     , _settings{std::move(places.settings), _errorLog, std::move(assumedSettings)}
+    , _desktopSettings{_settings, _errorLog}
     , _windowProgram{places.helpers / "marvelode-timer-window", _session}
     , _soundProgram{places.helpers / "marvelode-timer-sound", _session}
+    , _holdProgram{places.helpers / "marvelode-timer-hold", _session}
     , _windows{_windowProgram, [this] { _loop.iterate(); }, _errorLog, _activationToken}
     , _sounds{_soundProgram, _errorLog}
+    , _holdQuestion{sessionBus, [this] { return _wakeWatcher ? _wakeWatcher->systemBus() : nullptr; }, _holdProgram,
+                    _errorLog}
+    , _holding{_desktopSettings, _holdQuestion, [this] { _loop.iterate(); }, secondsSinceBoot}
     , _statusWindow{_windowProgram, [this](NSMenuItem& item) { pick(item.title); }, _errorLog, _activationToken}
     , _traylessNotice{sessionBus, _statusWindow, [this](std::string_view entry) { pick(entry); },
                       _activationToken} {
@@ -87,6 +92,7 @@ int LinuxDesktop::run(int, const char* const*) {
 
 void LinuxDesktop::terminate() {
     _loop.quit();
+    _holding.gate.close();
     _windows.closeAll();
 }
 
@@ -111,7 +117,11 @@ void LinuxDesktop::showStatusItem(const std::shared_ptr<NSStatusItem>& item) {
 
 void LinuxDesktop::statusItemChanged() { _loop.settleSoon(); }
 
-int LinuxDesktop::runAlert(NSAlert& alert) { return _windows.runAlert(alert); }
+/// An alert above no other window is a reminder: all others come from a panel.
+int LinuxDesktop::runAlert(NSAlert& alert) {
+    const bool isReminder = !_windows.isShowing();
+    return isReminder && !_holding.gate.admitsWindow() ? NSAlert::Stopped : _windows.runAlert(alert);
+}
 
 void LinuxDesktop::runModal(NSPanel& panel, const View& content) { _windows.runModal(panel, content); }
 
@@ -154,9 +164,21 @@ std::optional<NSImage> LinuxDesktop::imageNamed(std::string_view name) { return 
 
 bool LinuxDesktop::canPlay(const std::filesystem::path& url) { return _sounds.canPlay(url); }
 
-bool LinuxDesktop::play(const NSSound& sound) { return _sounds.play(sound.url); }
+bool LinuxDesktop::play(const NSSound& sound) {
+    return makeSound([this, url = sound.url] { return _sounds.play(url); });
+}
 
-void LinuxDesktop::beep() { _sounds.beep(); }
+void LinuxDesktop::beep() {
+    makeSound([this] {
+        _sounds.beep();
+        return true;
+    });
+}
+
+/// A sound above no window is a reminder's: all others are tried in a panel.
+bool LinuxDesktop::makeSound(std::function<bool()> play) {
+    return _windows.isShowing() ? play() : _holding.gate.sound(std::move(play));
+}
 
 void LinuxDesktop::print(std::string_view line) { writeAtOnce(STDOUT_FILENO, std::string{line} + '\n'); }
 
@@ -181,6 +203,16 @@ void LinuxDesktop::pick(std::string_view entry, std::function<void()> picked) {
 }
 
 void LinuxDesktop::showMenuWindow(std::function<void()> shown) { _statusWindow.open(std::move(shown)); }
+
+void LinuxDesktop::hold(std::chrono::seconds span) {
+    _holding.request.begin(span);
+    _loop.settleSoon();
+}
+
+void LinuxDesktop::release() {
+    _holding.request.end();
+    _loop.settleSoon();
+}
 
 std::string LinuxDesktop::statusText() const {
     return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
@@ -208,6 +240,9 @@ Findings LinuxDesktop::findings() const {
 
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
 void LinuxDesktop::settle() {
+    if (!_isBreakDue()) {
+        _holding.gate.forget(); // nothing is held back
+    }
     if (!_statusItem) {
         return;
     }
@@ -241,7 +276,13 @@ StatusContent LinuxDesktop::statusContent() {
     const NSAttributedString& title = button.attributedTitle();
     const std::optional<TimeInterval> secondsLeft = secondsUntilBreak();
     return {title.string, title.foregroundColor, button.image() ? button.image()->name : std::string{},
-            shareLeft(secondsLeft), secondsLeft ? inWords(*secondsLeft) : "Marvelode Timer"};
+            shareLeft(secondsLeft), words(secondsLeft)};
+}
+
+std::string LinuxDesktop::words(const std::optional<TimeInterval>& secondsLeft) {
+    const std::string time = secondsLeft ? inWords(*secondsLeft) : "Marvelode Timer";
+    const std::string reason = holdReason();
+    return reason.empty() ? time : time + " (held: " + reason + ")";
 }
 
 /// The bar is full again once the break is due.

@@ -5,6 +5,7 @@
 
 #include "platform/Desktop.hpp"
 #include "platform/linux/ActivationToken.hpp"
+#include "platform/linux/DesktopSettings.hpp"
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/Findings.hpp"
@@ -16,6 +17,7 @@
 #include "platform/linux/WakeNotice.hpp"
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/glib/Handles.hpp"
+#include "platform/linux/holding/Holding.hpp"
 #include "platform/linux/sound/SoundPlayer.hpp"
 #include "platform/linux/tray/MenuExport.hpp"
 #include "platform/linux/tray/StatusNotifierItem.hpp"
@@ -24,6 +26,7 @@
 #include "platform/linux/window/WindowHelper.hpp"
 
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -110,13 +113,22 @@ public:
     /// What the running program alone knows of itself and its desktop, for reports of faults.
     Findings findings() const;
 
+    /// Holds reminders back for `span` from now, or no longer.
+    void hold(std::chrono::seconds span);
+    void release();
+
+    /// Why reminders are held back; empty if they are not.
+    std::string holdReason() { return _holding.reason(); }
+
     /// The text beside the icon.
     std::string statusText() const;
 
 private:
     void endAtSignals();
+    bool makeSound(std::function<bool()> play);
     void settle();
     StatusContent statusContent();
+    std::string words(const std::optional<TimeInterval>& secondsLeft);
     std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft) const;
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
 
@@ -129,11 +141,15 @@ private:
     Resources _resources;
     ActivationToken _activationToken;
     SettingsFile _settings;
+    DesktopSettings _desktopSettings;
     SessionEnvironment _session;
     HelperProgram _windowProgram;
     HelperProgram _soundProgram;
+    HelperProgram _holdProgram;
     WindowHelper _windows;
     SoundPlayer _sounds;
+    HoldQuestion _holdQuestion;
+    Holding _holding;
     std::function<bool()> _isBreakDue = [] { return false; };
     std::function<void()> _look = [] {};
     std::optional<TimeInterval> _breakSinceBoot; ///< When the break comes or came due.

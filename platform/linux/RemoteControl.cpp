@@ -124,12 +124,8 @@ bool RemoteControl::showMenuOfOwner(GDBusConnection* sessionBus, ErrorSlot& erro
 RemoteControl::RemoteControl(GDBusConnection* sessionBus, ControlledProgram program)
     : _program{std::move(program)}
     , _timer{sessionBus, objectPath, timerInterface,
-             [this](std::string_view method, GVariant*, GDBusMethodInvocation* call) {
-                 if (method == "ShowMenu") {
-                     showMenu(call);
-                 } else if (method == "Diagnose") {
-                     diagnose(call);
-                 } else {
+             [this](std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
+                 if (!answerHere(method, arguments, call)) {
                      pick(find(&ControlledProgram::Command::method, method), call);
                  }
              },
@@ -146,6 +142,9 @@ void RemoteControl::activate(std::string_view method, GVariant* arguments, GDBus
     const char* action = nullptr;
     if (method == "ActivateAction") {
         g_variant_get_child(arguments, 0, "&s", &action);
+    }
+    if (action && actHere(action, call)) {
+        return; // it opens no window
     }
     const auto* command = action ? find(&ControlledProgram::Command::action, action) : nullptr;
     const bool isKnown = !action || command;
@@ -169,6 +168,51 @@ bool RemoteControl::heed(GVariant* platformData, GDBusMethodInvocation* call) {
     }
     _program.session.adopt(environmentIn(platformData));
     return true;
+}
+
+/// Answers a method that picks no entry of the menu. Returns false if it does.
+bool RemoteControl::answerHere(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call) {
+    if (method == "ShowMenu") {
+        showMenu(call);
+    } else if (method == "Diagnose") {
+        diagnose(call);
+    } else if (method == "Hold") {
+        std::int64_t seconds = 0;
+        g_variant_get(arguments, "(x)", &seconds);
+        hold(seconds, call);
+    } else if (method == "Release") {
+        release(call);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+/// The same for an action of the desktop.
+bool RemoteControl::actHere(std::string_view action, GDBusMethodInvocation* call) {
+    if (action == "hold-for-an-hour") {
+        hold(std::chrono::seconds{std::chrono::hours{1}}.count(), call);
+    } else if (action == "release") {
+        release(call);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void RemoteControl::hold(std::int64_t seconds, GDBusMethodInvocation* call) {
+    if (seconds < ControlledProgram::shortestHold.count() || seconds > ControlledProgram::longestHold.count()) {
+        g_dbus_method_invocation_return_error(call, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                              "Reminders can be held for 1 to 86400 seconds.");
+        return;
+    }
+    _program.hold(std::chrono::seconds{seconds});
+    g_dbus_method_invocation_return_value(call, nullptr);
+}
+
+void RemoteControl::release(GDBusMethodInvocation* call) {
+    _program.release();
+    g_dbus_method_invocation_return_value(call, nullptr);
 }
 
 void RemoteControl::showMenu(GDBusMethodInvocation* call) {
@@ -215,6 +259,12 @@ GVariant* RemoteControl::property(std::string_view name) const {
     }
     if (name == "RemainingSeconds") {
         return g_variant_new_int64(_program.remainingSeconds());
+    }
+    if (name == "Held") {
+        return g_variant_new_boolean(!_program.holdReason().empty());
+    }
+    if (name == "HeldReason") {
+        return g_variant_new_string(_program.holdReason().c_str());
     }
     return g_variant_new_boolean(name == "Muted" ? _program.isMuted() : _program.showsPopups());
 }

@@ -9,6 +9,7 @@
 #include "platform/linux/glib/ExportedInterface.hpp"
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -41,6 +42,12 @@ struct ControlledProgram {
     std::function<bool()> isMuted;
     std::function<bool()> showsPopups;
     std::function<Findings()> findings; ///< What it alone knows of itself and its desktop.
+    std::function<void(std::chrono::seconds span)> hold; ///< For at least `shortestHold`, at most `longestHold`.
+    std::function<void()> release;
+    std::function<std::string()> holdReason; ///< Empty if reminders are not held back.
+
+    static constexpr std::chrono::seconds shortestHold{1};
+    static constexpr std::chrono::seconds longestHold = std::chrono::hours{24};
 };
 
 class RemoteControl {
@@ -76,6 +83,10 @@ private:
     void activate(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call);
     bool heed(GVariant* platformData, GDBusMethodInvocation* call);
     void showMenu(GDBusMethodInvocation* call);
+    bool answerHere(std::string_view method, GVariant* arguments, GDBusMethodInvocation* call);
+    bool actHere(std::string_view action, GDBusMethodInvocation* call);
+    void hold(std::int64_t seconds, GDBusMethodInvocation* call);
+    void release(GDBusMethodInvocation* call);
     void pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call);
     void diagnose(GDBusMethodInvocation* call) const;
     GVariant* property(std::string_view name) const;
@@ -83,7 +94,7 @@ private:
     ControlledProgram _program;
     ExportedInterface _timer;
     ExportedInterface _application;
-    std::array<Announced, 3> _known{{{"State"}, {"Muted"}, {"Popups"}}};
+    std::array<Announced, 5> _known{{{"State"}, {"Muted"}, {"Popups"}, {"Held"}, {"HeldReason"}}};
 };
 
 } // namespace platform::linux

@@ -11,6 +11,7 @@ namespace platform::linux {
 namespace {
 
 constexpr const char* group = "Settings";
+constexpr const char* desktopGroup = "Desktop";
 constexpr std::int64_t secondsBetweenAttempts = 30;
 
 /// The text that a value is written as.
@@ -82,6 +83,15 @@ void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
     write();
 }
 
+std::optional<std::string> SettingsFile::desktopText(const char* key) const {
+    const TextHandle text{g_key_file_get_value(_file.get(), desktopGroup, key, nullptr)};
+    if (!text) {
+        return std::nullopt;
+    }
+    const VariantHandle quoted{g_variant_parse(G_VARIANT_TYPE_STRING, text.get(), nullptr, nullptr, nullptr)};
+    return quoted ? g_variant_get_string(quoted.get(), nullptr) : text.get();
+}
+
 void SettingsFile::readIfChanged() {
     const Fingerprint now = fingerprint();
     const bool isTriedAgain = !_mayWrite && isTimeForAnotherAttempt();
@@ -118,6 +128,7 @@ void SettingsFile::read() {
     _knowledge = Knowledge::Full;
     _mayWrite = true;
     _file = std::move(file);
+    ++_readings;
     parseValues();
 }
 

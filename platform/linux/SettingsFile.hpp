@@ -45,6 +45,13 @@ public:
     /// The problem at hand; empty if there is none.
     const std::string& problem() const { return _reported; }
 
+    /// What stands under `key` in the group of the desktop's own settings, without the quotes of a text; nothing if
+    /// there is no such key. It is never written here, and is as it was when `value` was asked for last.
+    std::optional<std::string> desktopText(const char* key) const;
+
+    /// How many times the file was read; while that stays the same, so do the desktop's own settings.
+    unsigned readings() const { return _readings; }
+
 private:
     /// What is known of the values in the file: nothing was asked yet; it is there but was never read; all.
     enum class Knowledge { None, Lacking, Full };
@@ -77,6 +84,7 @@ private:
     const Values _assumed;
     Knowledge _knowledge = Knowledge::None;
     KeyFileHandle _file;
+    unsigned _readings = 0;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
     Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever
     Values _standIns;                 // assumed values, for a file that went unread; not written yet

@@ -22,6 +22,9 @@ public:
     /// Whether there is a system bus to listen on.
     bool isConnected() const { return _systemBus && !g_dbus_connection_is_closed(_systemBus.get()); }
 
+    /// The system bus for other questions; null while there is none.
+    GDBusConnection* systemBus() const { return _systemBus.get(); }
+
 private:
     void listen(ObjectHandle<GDBusConnection> systemBus);
 

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <cstdint>
@@ -203,6 +204,9 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
         .isMuted = [] { return app->cfg->isMuted(); },
         .showsPopups = [] { return app->cfg->popups(); },
         .findings = [&desktop] { return withVersion(desktop.findings()); },
+        .hold = [&desktop](std::chrono::seconds span) { desktop.hold(span); },
+        .release = [&desktop] { desktop.release(); },
+        .holdReason = [&desktop] { return desktop.holdReason(); },
     };
 }
 

@@ -167,9 +167,9 @@ std::string WholeProgram::get(const char* property) {
     return answer ? TextHandle{g_variant_print(answer.get(), FALSE)}.get() : "";
 }
 
-bool WholeProgram::succeeds(const char* method) {
+bool WholeProgram::succeeds(const char* method, GVariant* arguments) {
     std::string error;
-    call(_bus.get(), name, object, name, method, nullptr, &error);
+    call(_bus.get(), name, object, name, method, arguments, &error);
     return error.empty();
 }
 

@@ -60,7 +60,10 @@ public:
     /// A property as text, empty if there is no answer.
     std::string get(const char* property);
     /// Whether a method was answered by success.
-    bool succeeds(const char* method);
+    bool succeeds(const char* method, GVariant* arguments = nullptr);
+
+    /// The folder that is its home.
+    const std::filesystem::path& home() const { return _folder.path; }
 
     /// Sets its clocks ahead, and has it notice.
     void passTime(std::int64_t seconds);

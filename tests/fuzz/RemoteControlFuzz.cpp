@@ -4,6 +4,7 @@
 #include "tests/fuzz/BusStandIn.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -41,7 +42,15 @@ public:
                 .findings =
                     [] {
                         return Findings{{"panel", "none"}};
-                    }};
+                    },
+                .hold =
+                    [this](std::chrono::seconds span) {
+                        require(span >= std::chrono::seconds{1} && span <= std::chrono::hours{24},
+                                "a hold lasts from a second to a day");
+                        ++holdsAndReleases;
+                    },
+                .release = [this] { ++holdsAndReleases; },
+                .holdReason = [] { return "on request"; }};
     }
 
     /// Does what was picked since the last time, and returns how much that was.
@@ -55,6 +64,7 @@ public:
     }
 
     int menusShown = 0;
+    int holdsAndReleases = 0;
     ActivationToken token;
     SessionEnvironment session;
 
@@ -64,12 +74,16 @@ private:
 
 void checkCall(Timer& timer, std::string_view line) {
     const int menusBefore = timer.menusShown;
+    const int holdsBefore = timer.holdsAndReleases;
     const fuzz::Answer answer = fuzz::happen(line);
     const std::size_t picked = timer.settle();
     const std::string token = timer.token.take();
     const bool isMenuShown = timer.menusShown != menusBefore;
-    require(answer != fuzz::Answer::Error || (picked == 0 && !isMenuShown), "what is refused does nothing");
-    require(picked + static_cast<std::size_t>(isMenuShown) <= 1, "one call does one thing");
+    const bool isHeldOrReleased = timer.holdsAndReleases != holdsBefore;
+    require(answer != fuzz::Answer::Error || (picked == 0 && !isMenuShown && !isHeldOrReleased),
+            "what is refused does nothing");
+    require(picked + static_cast<std::size_t>(isMenuShown) + static_cast<std::size_t>(isHeldOrReleased) <= 1,
+            "one call does one thing");
     require(token.size() <= ActivationToken::longest, "a token that is kept fits into a window's environment");
     require(token.empty() || line.find('{') != std::string_view::npos, "no token is made up");
 }

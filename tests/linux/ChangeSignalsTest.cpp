@@ -33,6 +33,9 @@ TEST_F(ChangeSignalsTest, ChangesAreAnnouncedOnce) {
     showsPopups = false;
     EXPECT_THAT(announced(), ElementsAre(AllOf(HasSubstr("'State': <'Timing'>"), HasSubstr("'Muted': <true>"),
                                                HasSubstr("'Popups': <false>"))));
+    holdReason = "do not disturb";
+    EXPECT_THAT(announced(),
+                ElementsAre(AllOf(HasSubstr("'Held': <true>"), HasSubstr("'HeldReason': <'do not disturb'>"))));
     seconds = 539;
     EXPECT_THAT(announced(), IsEmpty()) << "that changes by itself";
 }
@@ -50,7 +53,7 @@ TEST_F(ChangeSignalsTest, WhatIsAnnouncedIsDescribedSo) {
                                           "org.freedesktop.DBus.Property.EmitsChangedSignal");
         return !value || value == std::string_view{"true"};
     };
-    for (const char* property : {"State", "Muted", "Popups"}) {
+    for (const char* property : {"State", "Muted", "Popups", "Held", "HeldReason"}) {
         EXPECT_TRUE(isAnnounced(property)) << property;
     }
     for (const char* property : {"Text", "RemainingSeconds"}) {

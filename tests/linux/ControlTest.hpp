@@ -67,6 +67,9 @@ protected:
     std::int64_t seconds = 540;
     bool isMuted = false;
     bool showsPopups = true;
+    std::vector<std::chrono::seconds> holds;
+    int releases = 0;
+    std::string holdReason;
     ErrorSlot noError;
     ObjectHandle<GDBusConnection> bus = connectToSession();
     ObjectHandle<GDBusConnection> script = connectToSession();
@@ -102,7 +105,10 @@ protected:
                           .findings =
                               [] {
                                   return Findings{{"Panel", "none"}, {"Error", "\xff"}};
-                              }}};
+                              }},
+                          .hold = [this](std::chrono::seconds span) { holds.push_back(span); },
+                          .release = [this] { ++releases; },
+                          .holdReason = [this] { return holdReason; }}};
 };
 
 } // namespace platform::linux

@@ -46,6 +46,9 @@ public:
     /// Makes the innermost `runModal` return; does nothing if there is none.
     void stopModal();
 
+    /// Whether an alert or a panel is being run.
+    bool isShowing() const { return !_sessions.empty(); }
+
     /// Makes every `runAlert` and `runModal` return, without telling any panel.
     void closeAll();
 

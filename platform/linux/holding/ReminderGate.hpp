@@ -1,0 +1,48 @@
+#pragma once
+
+// What a reminder passes on its way to the user: sound and window both wait here until it is known whether
+// reminders are held back, and go no further if they are. If that is known at once, nothing waits.
+
+#include <functional>
+#include <string>
+
+namespace platform::linux {
+
+class ReminderGate {
+public:
+    /// Told once why reminders are held back; an empty text says that they are not.
+    using Answered = std::function<void(const std::string& reason)>;
+    /// Calls its argument once, at once or in bounded time, and never after this gate's end.
+    using Question = std::function<void(Answered)>;
+
+    /// Asks `ask` for each reminder. `iterate` runs the main loop until something has happened.
+    ReminderGate(Question ask, std::function<void()> iterate);
+
+    /// Makes the reminder's sound by calling `play`: at once, when the answer has come, or never. Returns what
+    /// `play` returned, or true while that is open.
+    bool sound(std::function<bool()> play);
+
+    /// Waits for the answer; returns whether the reminder's window may be shown.
+    bool admitsWindow();
+
+    /// Lets nothing through any more, and ends every wait.
+    void close();
+
+    /// Why the last window was held back; empty if it was not, or `forget` was called since.
+    const std::string& reason() const { return _heldBecause; }
+    void forget() { _heldBecause.clear(); }
+
+private:
+    void ask();
+    void answered(const std::string& reason);
+
+    Question _ask;
+    std::function<void()> _iterate;
+    std::function<bool()> _sound; ///< Waits for the answer.
+    std::string _answer;
+    std::string _heldBecause;
+    bool _isAsking = false;
+    bool _isClosed = false;
+};
+
+} // namespace platform::linux
