@@ -44,9 +44,10 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     , _holdProgram{places.helpers / "marvelode-timer-hold", _session}
     , _windows{_windowProgram, [this] { _loop.iterate(); }, _errorLog, _activationToken}
     , _sounds{_soundProgram, _errorLog}
-    , _holdQuestion{sessionBus, [this] { return _wakeWatcher ? _wakeWatcher->systemBus() : nullptr; }, _holdProgram,
-                    _errorLog}
+    , _holdQuestion{sessionBus, [this] { return systemBus(); }, _holdProgram, _errorLog}
     , _holding{_desktopSettings, _holdQuestion, [this] { _loop.iterate(); }, secondsSinceBoot}
+    , _restartAfterLock{sessionBus, [this] { return systemBus(); }, _desktopSettings, secondsSinceBoot,
+                        [this] { postWake(); }}
     , _statusWindow{_windowProgram, [this](NSMenuItem& item) { pick(item.title); }, _errorLog, _activationToken}
     , _traylessNotice{sessionBus, _statusWindow, [this](std::string_view entry) { pick(entry); },
                       _activationToken} {
@@ -165,12 +166,12 @@ std::optional<NSImage> LinuxDesktop::imageNamed(std::string_view name) { return 
 bool LinuxDesktop::canPlay(const std::filesystem::path& url) { return _sounds.canPlay(url); }
 
 bool LinuxDesktop::play(const NSSound& sound) {
-    return makeSound([this, url = sound.url] { return _sounds.play(url); });
+    return makeSound([this, url = sound.url] { return _sounds.play(url, _desktopSettings.current().volume); });
 }
 
 void LinuxDesktop::beep() {
     makeSound([this] {
-        _sounds.beep();
+        _sounds.beep(_desktopSettings.current().volume);
         return true;
     });
 }
@@ -218,7 +219,7 @@ std::string LinuxDesktop::statusText() const {
     return _statusItem ? _statusItem->button()->attributedTitle().string : std::string{};
 }
 
-Findings LinuxDesktop::findings() const {
+Findings LinuxDesktop::findings() {
     const std::vector<std::string> session = _session.forHelpers();
     const auto has = [&](std::string_view variable) {
         return std::any_of(session.begin(), session.end(), [&](const std::string& each) {
@@ -231,6 +232,7 @@ Findings LinuxDesktop::findings() const {
                    {"panel", _statusNotifierItem ? _statusNotifierItem->panelInWords() : "not yet looked for"},
                    {"waking", _wakeWatcher && _wakeWatcher->isConnected() ? "told by clocks and system bus"
                                                                           : "told by clocks"},
+                   {"held", holdReason().empty() ? "no" : holdReason()},
                    {"settings", _settings.problem().empty() ? "no problem" : _settings.problem()}};
     for (std::string& problem : _errorLog.latest()) {
         found.emplace_back("problem", std::move(problem));
@@ -240,6 +242,7 @@ Findings LinuxDesktop::findings() const {
 
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
 void LinuxDesktop::settle() {
+    _restartAfterLock.look();
     if (!_isBreakDue()) {
         _holding.gate.forget(); // nothing is held back
     }

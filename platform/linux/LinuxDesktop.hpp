@@ -18,6 +18,7 @@
 #include "platform/linux/WakeWatcher.hpp"
 #include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/holding/Holding.hpp"
+#include "platform/linux/holding/RestartAfterLock.hpp"
 #include "platform/linux/sound/SoundPlayer.hpp"
 #include "platform/linux/tray/MenuExport.hpp"
 #include "platform/linux/tray/StatusNotifierItem.hpp"
@@ -111,7 +112,7 @@ public:
     std::optional<TimeInterval> secondsUntilBreak();
 
     /// What the running program alone knows of itself and its desktop, for reports of faults.
-    Findings findings() const;
+    Findings findings();
 
     /// Holds reminders back for `span` from now, or no longer.
     void hold(std::chrono::seconds span);
@@ -125,6 +126,8 @@ public:
 
 private:
     void endAtSignals();
+    void postWake() { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); }
+    GDBusConnection* systemBus() const { return _wakeWatcher ? _wakeWatcher->systemBus() : nullptr; }
     bool makeSound(std::function<bool()> play);
     void settle();
     StatusContent statusContent();
@@ -135,8 +138,7 @@ private:
     ObjectHandle<GDBusConnection> _sessionBus;
     std::map<std::string, std::string, std::less<>> _argumentDomain;
     StandardErrorLog _errorLog;
-    WakeNotice _wakeNotice{
-        [this] { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); }};
+    WakeNotice _wakeNotice{[this] { postWake(); }};
     EventLoop _loop;
     Resources _resources;
     ActivationToken _activationToken;
@@ -150,6 +152,7 @@ private:
     SoundPlayer _sounds;
     HoldQuestion _holdQuestion;
     Holding _holding;
+    RestartAfterLock _restartAfterLock;
     std::function<bool()> _isBreakDue = [] { return false; };
     std::function<void()> _look = [] {};
     std::optional<TimeInterval> _breakSinceBoot; ///< When the break comes or came due.

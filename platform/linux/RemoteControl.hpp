@@ -41,7 +41,7 @@ struct ControlledProgram {
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
     std::function<bool()> isMuted;
     std::function<bool()> showsPopups;
-    std::function<Findings()> findings; ///< What it alone knows of itself and its desktop.
+    std::function<Findings()> findings;                  ///< What it alone knows of itself and its desktop.
     std::function<void(std::chrono::seconds span)> hold; ///< For at least `shortestHold`, at most `longestHold`.
     std::function<void()> release;
     std::function<std::string()> holdReason; ///< Empty if reminders are not held back.

@@ -178,6 +178,8 @@ class Scripts(unittest.TestCase):
                 self.assertEqual(answer.status(), 0, answer.output())
                 if "get-property" in arguments:
                     self.assertRegex(answer.output(), r'^s "Timing"\ns "25m"\nx 14\d\d\n$')
+                if "Hold" in arguments or "Release" in arguments:
+                    self.assertEqual(timer.get("Held"), "Hold" in arguments)
                 if "ToggleMute" in arguments:
                     self.assertTrue(timer.get("Muted"))
                 if "TogglePopups" in arguments:
@@ -185,7 +187,7 @@ class Scripts(unittest.TestCase):
                 if "ShowSettings" in arguments:
                     timer.window().find("push button", "OK").press()
                     timer.await_no_window()
-            self.assertEqual(timer.settings(), dict(line.split("=") for line in settings.splitlines()[1:])
+            self.assertEqual(timer.settings(), dict(line.split("=") for line in settings.splitlines() if "=" in line)
                              | {"Mute": "true", "PopupAlerts": "false"})
             self.assertEqual(desktop.start(*quit_command).status(), 0)
             timer.expect_end(self)

@@ -68,6 +68,8 @@ protected:
         program.await([&] { return program.user().reminders == before + 1; }, "the reminder");
     }
 
+    int remaining() { return std::stoi(program.get("RemainingSeconds").substr(std::string{"(<int64 "}.size())); }
+
     int sounds() const {
         std::ifstream stream{program.home() / "sounds"};
         return static_cast<int>(std::count(std::istreambuf_iterator<char>{stream}, {}, '\n'));
@@ -127,16 +129,16 @@ TEST_F(HeldBack, OnRequestNotInTheNextRunOfTheProgram) {
 TEST_F(HeldBack, ByDoNotDisturbUntilThatEnds) {
     AnsweringService service{connectToSession(), "org.freedesktop.Notifications", "/org/freedesktop/Notifications",
                              "Get", "('org.freedesktop.Notifications', 'Inhibited')"};
-    service.answer = "(<true>,)";
+    service.say("(<true>,)");
     start("HoldWhile=do-not-disturb\n");
     passAndBeHeld(interval, "do not disturb");
     passAndBeHeld(snooze, "do not disturb");
     EXPECT_EQ(program.get("Held"), "(<true>,)");
-    service.answer = "(<false>,)";
+    service.say("(<false>,)");
     passAndBeReminded();
     awaitSounds(1);
     program.await([this] { return program.get("Held") == "(<false>,)"; }, "the end of the hold");
-    EXPECT_EQ(service.calls, 3) << "asked when a reminder is due, and at no other time";
+    EXPECT_EQ(service.calls(), 3) << "asked when a reminder is due, and at no other time";
 }
 
 TEST_F(HeldBack, ByNoServiceThatHangs) {
@@ -144,14 +146,14 @@ TEST_F(HeldBack, ByNoServiceThatHangs) {
                              "()"};
     start("HoldWhile=locked\n");
     passAndBeReminded(interval);
-    EXPECT_EQ(service.calls, 1);
+    EXPECT_EQ(service.calls(), 1);
     awaitSounds(1);
 }
 
 TEST_F(HeldBack, ByNoServiceThatHasDied) {
     AnsweringService service{connectToSession(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "GetActive",
                              "()"};
-    service.answer = "(true,)";
+    service.say("(true,)");
     start("HoldWhile=locked\n");
     passAndBeHeld(interval, "the session is locked");
     service.die();
@@ -161,7 +163,7 @@ TEST_F(HeldBack, ByNoServiceThatHasDied) {
 TEST_F(HeldBack, ByTheLoginManagersHint) {
     AnsweringService service{connectToSystem(), "org.freedesktop.login1", "/org/freedesktop/login1/session/auto",
                              "Get", "('org.freedesktop.login1.Session', 'LockedHint')"};
-    service.answer = "(<true>,)";
+    service.say("(<true>,)");
     start("HoldWhile=locked\n");
     awaitListenerForSleep();
     passAndBeHeld(interval, "the session is locked");
@@ -199,6 +201,27 @@ TEST_F(HeldBack, ForNoReasonOnceTheBreakIsOver) {
     passAndBeHeld(interval, "HoldCommand says so");
     EXPECT_TRUE(program.succeeds("Restart"));
     program.await([this] { return program.get("Held") == "(<false>,)"; }, "nothing to be held");
+}
+
+TEST_F(HeldBack, NeverByALockThatWasLongEnoughToRestart) {
+    const auto locker = connectToSession();
+    takeName(locker.get(), "org.gnome.ScreenSaver");
+    const auto lock = [&](bool isLocked) {
+        g_dbus_connection_emit_signal(locker.get(), nullptr, "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver",
+                                      "ActiveChanged", g_variant_new("(b)", gboolean{isLocked}), nullptr);
+        call(locker.get(), "org.marvelode.Timer", "/org/marvelode/Timer", "org.freedesktop.DBus.Properties", "Get",
+             g_variant_new("(ss)", "org.marvelode.Timer", "State")); // which is answered behind that
+    };
+    start("RestartAfterLocked=10\n");
+    program.passTime(15);
+    lock(true);
+    program.passTime(9);
+    lock(false);
+    EXPECT_LT(remaining(), 7) << "a short lock changes nothing";
+    lock(true);
+    program.plan().secondsAsleep += 10;
+    lock(false);
+    program.await([&] { return remaining() > 25; }, "the next interval");
 }
 
 /// The program's connection.

@@ -105,7 +105,7 @@ protected:
                           .findings =
                               [] {
                                   return Findings{{"Panel", "none"}, {"Error", "\xff"}};
-                              }},
+                              },
                           .hold = [this](std::chrono::seconds span) { holds.push_back(span); },
                           .release = [this] { ++releases; },
                           .holdReason = [this] { return holdReason; }}};

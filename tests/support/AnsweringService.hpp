@@ -5,13 +5,14 @@
 #include "platform/linux/glib/Handles.hpp"
 #include "tests/support/PrivateBuses.hpp"
 
+#include <mutex>
 #include <string>
 #include <utility>
 
 class AnsweringService {
 public:
-    /// Owns `name` on `bus`. A call of `member`, with arguments printed as `arguments`, at `path` gets `answer()`
-    /// in GLib's text form; every other call is refused. An empty answer is none at all.
+    /// Owns `name` on `bus`. A call of `member`, with arguments printed as `arguments`, at `path` gets what it was
+    /// told to `say`, in GLib's text form; every other call is refused. An empty answer is none at all.
     AnsweringService(platform::linux::ObjectHandle<GDBusConnection> bus, const char* name, std::string path,
                      std::string member, std::string arguments)
         : _bus{std::move(bus)}
@@ -32,8 +33,17 @@ public:
 
     GDBusConnection* bus() const { return _bus.get(); }
 
-    std::string answer; ///< Set it only while no call is on its way.
-    int calls = 0;
+    /// Answers so from now on.
+    void say(std::string answer) {
+        const std::lock_guard lock{_mutex};
+        _answer = std::move(answer);
+    }
+
+    /// How many calls it knew so far.
+    int calls() {
+        const std::lock_guard lock{_mutex};
+        return _calls;
+    }
 
 private:
     /// Runs in GLib's thread.
@@ -53,15 +63,16 @@ private:
         const TextHandle arguments{body ? g_variant_print(body, FALSE) : g_strdup("()")};
         const bool isKnown = _path == g_dbus_message_get_path(message) &&
                              _member == g_dbus_message_get_member(message) && _arguments == arguments.get();
-        calls += isKnown;
-        if (isKnown && answer.empty()) {
+        const std::lock_guard lock{_mutex};
+        _calls += isKnown;
+        if (isKnown && _answer.empty()) {
             return;
         }
         const ObjectHandle<GDBusMessage> reply{
             isKnown ? g_dbus_message_new_method_reply(message)
                     : g_dbus_message_new_method_error_literal(message, "org.marvelode.Test.No", "No")};
         if (isKnown) {
-            g_dbus_message_set_body(reply.get(), g_variant_new_parsed(answer.c_str()));
+            g_dbus_message_set_body(reply.get(), g_variant_new_parsed(_answer.c_str()));
         }
         g_dbus_connection_send_message(bus, reply.get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
     }
@@ -71,4 +82,7 @@ private:
     const std::string _member;
     const std::string _arguments;
     unsigned _filter = 0;
+    std::mutex _mutex;
+    std::string _answer;
+    int _calls = 0;
 };

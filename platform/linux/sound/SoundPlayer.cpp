@@ -112,13 +112,17 @@ SoundPlayer::~SoundPlayer() = default;
 
 bool SoundPlayer::canPlay(const std::filesystem::path& sound) const { return holdsAac(sound); }
 
-bool SoundPlayer::play(const std::filesystem::path& sound) {
-    return start({"play", sound.string()}, "The sound " + sound.filename().string());
+bool SoundPlayer::play(const std::filesystem::path& sound, Volume volume) {
+    return start({"play", sound.string()}, volume, "The sound " + sound.filename().string());
 }
 
-void SoundPlayer::beep() { start({"beep"}, "The alert beep"); }
+void SoundPlayer::beep(Volume volume) { start({"beep"}, volume, "The alert beep"); }
 
-bool SoundPlayer::start(std::vector<std::string> arguments, const std::string& description) {
+bool SoundPlayer::start(std::vector<std::string> arguments, Volume volume, const std::string& description) {
+    if (volume) {
+        std::array<char, G_ASCII_DTOSTR_BUF_SIZE> text{};
+        arguments.emplace_back(g_ascii_dtostr(text.data(), text.size(), *volume));
+    }
     const bool isPlaying = std::any_of(_helpers.begin(), _helpers.end(),
                                        [&](const auto& helper) { return helper->arguments == arguments; });
     if (isPlaying || !_program.session().isWorthASound()) {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,17 +32,20 @@ public:
     /// Whether the file is a sound of the kind that the helper is certain to play: AAC in an MPEG-4 container.
     bool canPlay(const std::filesystem::path& sound) const;
 
+    /// How loud, as the share of a sound's full loudness from 0 to 1; nothing for a sound as it is.
+    using Volume = std::optional<double>;
+
     /// Starts the sound and returns at once; false if it is playing already, its helper cannot be started or the
     /// session is not worth a sound.
-    bool play(const std::filesystem::path& sound);
+    bool play(const std::filesystem::path& sound, Volume volume = {});
 
     /// Starts the desktop's alert sound and returns at once; does nothing where `play` would return false.
-    void beep();
+    void beep(Volume volume = {});
 
 private:
     class Helper;
 
-    bool start(std::vector<std::string> arguments, const std::string& description);
+    bool start(std::vector<std::string> arguments, Volume volume, const std::string& description);
     void ended(const Helper& helper, const std::string& complaint);
 
     const HelperProgram& _program;

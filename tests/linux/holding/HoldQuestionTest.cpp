@@ -114,18 +114,18 @@ protected:
 
 TEST_P(Sources, AreAskedInTheirOwnWay) {
     values.holdWhile = {GetParam().cause};
-    service.answer = GetParam().yes;
+    service.say(GetParam().yes);
     EXPECT_EQ(ask(), GetParam().cause == Cause::Locked ? "the session is locked" : "do not disturb");
-    service.answer = GetParam().no;
+    service.say(GetParam().no);
     EXPECT_EQ(ask(), "");
-    EXPECT_EQ(service.calls, 2);
+    EXPECT_EQ(service.calls(), 2);
 }
 
 TEST_P(Sources, AreAskedForTheirOwnCauseOnly) {
     values.holdWhile = {GetParam().cause == Cause::Locked ? Cause::DoNotDisturb : Cause::Locked, Cause::FullScreen};
-    service.answer = GetParam().yes;
+    service.say(GetParam().yes);
     EXPECT_EQ(ask(), "");
-    EXPECT_EQ(service.calls, 0);
+    EXPECT_EQ(service.calls(), 0);
 }
 
 TEST_P(Sources, CountAsNotHoldingWhenTheyAreSilent) {
@@ -137,14 +137,14 @@ TEST_P(Sources, CountAsNotHoldingWhenTheyAreSilent) {
 TEST_P(Sources, CountAsNotHoldingWhenTheyTalkNonsense) {
     values.holdWhile = {GetParam().cause};
     for (const char* const nonsense : {"()", "('yes',)", "(<'yes'>,)", "(<@ax [1]>, 2)", "(uint32 1,)"}) {
-        service.answer = nonsense;
+        service.say(nonsense);
         EXPECT_EQ(ask(), "") << nonsense;
     }
 }
 
 TEST_P(Sources, CountAsNotHoldingOnceTheyHaveDied) {
     values.holdWhile = {GetParam().cause};
-    service.answer = GetParam().yes;
+    service.say(GetParam().yes);
     EXPECT_NE(ask(), "");
     service.die();
     EXPECT_EQ(ask(), "");
@@ -264,7 +264,7 @@ TEST_F(Question, SaysOnceThatTheCommandCannotBeStarted) {
 TEST_F(Question, EndsWithTheFirstYes) {
     AnsweringService service{connectToSession(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "GetActive",
                              "()"};
-    service.answer = "(true,)";
+    service.say("(true,)");
     values.holdWhile = {Cause::Locked};
     command("sleep 60");
     EXPECT_EQ(ask(), "the session is locked");

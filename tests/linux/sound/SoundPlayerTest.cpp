@@ -104,6 +104,14 @@ TEST_F(SoundPlayerTest, BeepsThroughTheHelper) {
     EXPECT_EQ(lineFromHelper(), "beep|");
 }
 
+TEST_F(SoundPlayerTest, TellsTheHelperHowLoud) {
+    SoundPlayer player{helper(R"(printf '%s|' "$@" > "$pipe")"), _log};
+    EXPECT_TRUE(player.play(_sound, 0.25));
+    EXPECT_EQ(lineFromHelper(), "play|" + _sound.string() + "|0.25|");
+    player.beep(0.0);
+    EXPECT_EQ(lineFromHelper(), "beep|0|");
+}
+
 TEST_F(SoundPlayerTest, SameSoundPlaysOnceAtATime) {
     SoundPlayer player{helper(R"(read go < "$pipe")"), _log};
     EXPECT_TRUE(player.play(_sound));

@@ -204,11 +204,34 @@ class Heard(unittest.TestCase):
         by_octave = spectrum(heard)
         self.assertEqual(OCTAVES[by_octave.index(max(by_octave))], 1000)
 
-    def test_without_a_sound_server_the_sound_card_plays(self):
-        """The card is a file here; it takes the sound as fast as it comes."""
+    def test_half_the_volume_is_six_decibels_less(self):
+        self.assert_sounds_like(self.hear("play", RESOURCES / "Bowl.m4a", "0.5"),
+                                converted(RESOURCES / "Bowl.m4a", "volume=0.5"))
+
+    def test_half_the_volume_of_the_bell_is_six_decibels_less(self):
+        self.assert_sounds_like(self.hear("beep", "0.5"), converted(BELL, "volume=0.5"))
+
+    def test_no_volume_is_silence_even_without_a_sound_server(self):
+        for arguments in (("play", RESOURCES / "Bowl.m4a", "0"), ("beep", "0.0")):
+            self.assertEqual(self.run_helper(*arguments), (0, ""))
+
+    def test_without_a_sound_server_the_sound_card_heeds_the_volume_of_the_beep(self):
+        recording = self.record_card()
+        self.assertEqual(self.run_helper("beep"), (0, ""))
+        full = level(audible(converted(BELL)))
+        self.assertAlmostEqual(level(audible(converted(recording))), full, delta=1)
+        self.assertEqual(self.run_helper("beep", "0.1"), (0, ""))
+        self.assertLess(level(audible(converted(recording))), full - 6)
+
+    def record_card(self):
+        """A file in place of the sound card, which takes the sound as fast as it comes."""
         recording = self.folder / "card.wav"
         (self.folder / "alsa.conf").write_text(
             f'pcm.!default {{ type file slave.pcm null file "{recording}" format wav }}\npcm.null {{ type null }}\n')
+        return recording
+
+    def test_without_a_sound_server_the_sound_card_plays(self):
+        recording = self.record_card()
         self.assertEqual(self.run_helper("play", RESOURCES / "Bowl.m4a"), (0, ""))
         self.assert_sounds_like(converted(recording), converted(RESOURCES / "Bowl.m4a"))
 
@@ -237,7 +260,8 @@ class Heard(unittest.TestCase):
         self.assert_fails(["play", self.folder / "missing.m4a"], "The file cannot be opened as a sound")
 
     def test_wrong_arguments_are_explained(self):
-        for arguments in ((), ("play",), ("beep", "twice"), ("sing",)):
+        for arguments in ((), ("play",), ("beep", "twice"), ("beep", "1.1"), ("beep", "-0.5"), ("beep", "nan"), ("sing",),
+                          ("play", "Bowl.m4a", "0.5", "more")):
             status, line = self.run_helper(*arguments)
             self.assertEqual(status, 2)
             self.assertIn("Usage: ", line)

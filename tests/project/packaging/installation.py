@@ -19,7 +19,7 @@ VERSION = os.environ["VERSION"]
 
 NAME = "org.marvelode.Timer"
 PROGRAM = "bin/marvelode-timer"
-HELPERS = {f"libexec/marvelode-timer/marvelode-timer-{helper}" for helper in ("command", "sound", "window")}
+HELPERS = {f"libexec/marvelode-timer/marvelode-timer-{helper}" for helper in ("command", "hold", "sound", "window")}
 SOUNDS = {file.name for file in (PROJECT / "resources").glob("*.m4a")}
 RESOURCES = {f"share/marvelode-timer/{file}" for file in SOUNDS | {
     "BuildInfo.txt", "Marvelode.png", "MarvelodeGrey.png"}}

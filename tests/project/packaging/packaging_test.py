@@ -61,12 +61,15 @@ class Installation(PackagingTest):
         self.assertNotIn("DBusActivatable", launcher["Desktop Entry"], "the program would not hear of the display")
         actions = launcher["Desktop Entry"]["Actions"].strip(";").split(";")
         self.assertEqual({action: launcher[f"Desktop Action {action}"]["Name"] for action in actions},
-                         {"restart": "Restart timer", "toggle-mute": "Mute", "quit": "Quit"})
+                         {"restart": "Restart timer", "toggle-mute": "Mute", "quit": "Quit",
+                          "hold-for-an-hour": "Hold reminders for an hour", "release": "Release"})
 
     def test_the_launcher_does_what_it_offers(self):
         launcher = key_file(self.tree / LAUNCHER)
-        commands = [launcher[f"Desktop Action {action}"]["Exec"] for action in ("restart", "toggle-mute", "quit")]
-        self.assertEqual(what_is_asked_by(commands, self.temporary), [["Restart"], ["ToggleMute"], ["Quit"]])
+        commands = [launcher[f"Desktop Action {action}"]["Exec"]
+                    for action in ("restart", "toggle-mute", "hold-for-an-hour", "release", "quit")]
+        self.assertEqual(what_is_asked_by(commands, self.temporary),
+                         [["Restart"], ["ToggleMute"], ["Hold 3600"], ["Release"], ["Quit"]])
 
     def test_the_autostart_file_is_valid(self):
         output("desktop-file-validate", self.tree / AUTOSTART)
@@ -140,15 +143,17 @@ class Installation(PackagingTest):
         page = gzip.decompress((self.tree / MANUAL).read_bytes()).decode()
         commands = re.findall(r"^\.Dl ((?:busctl|gdbus) .*)$", page, re.MULTILINE)
         self.assertEqual(what_is_asked_by(commands, self.temporary),
-                         [["Restart"], ["ToggleMute"], ["TogglePopups"], ["ShowSettings"], ["Quit"],
+                         [["Restart"], ["ToggleMute"], ["TogglePopups"], ["ShowSettings"],
+                          ["Hold 3600"], ["Release"], ["Quit"],
                           ["State", "Text", "RemainingSeconds"], ["Restart"]])
 
     def test_the_manual_explains_every_setting(self):
         declared = re.search(r"struct Key \{.*?\}", (PROJECT / "config/Cfg.hpp").read_text(), re.DOTALL).group()
         keys = set(re.findall(r'= "(\w+)"', declared))
+        keys |= set(re.findall(r'text\("(\w+)"\)', (PROJECT / "platform/linux/DesktopSettings.cpp").read_text()))
         page = gzip.decompress((self.tree / MANUAL).read_bytes()).decode()
         explained = set(re.findall(r"^\.It Sy (\w+)$", page, re.MULTILINE))
-        self.assertIn("TimerInterval", keys)
+        self.assertLess({"TimerInterval", "HoldWhile"}, keys)
         self.assertEqual(explained, keys)
 
 
@@ -225,7 +230,7 @@ class DebianPackage(PackagingTest):
     def test_it_depends_on_what_the_programs_need(self):
         depends = self.field("Depends")
         for package in (r"libc6", r"libglib2\.0-0\w*", r"libgtk-3-0\w*", r"libgtk-layer-shell0", r"libcanberra0\w*",
-                        r"libavcodec\d+", r"libavformat\d+", r"dbus-session-bus", r"dbus-bin"):
+                        r"libxcb1", r"libavcodec\d+", r"libavformat\d+", r"dbus-session-bus", r"dbus-bin"):
             self.assertRegex(depends, rf"(^|[ ,|]){package}($|[ ,])")
 
     def test_it_recommends_a_sound_server_and_the_way_to_it(self):

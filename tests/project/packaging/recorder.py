@@ -18,6 +18,7 @@ INTERFACE = Gio.DBusNodeInfo.new_for_xml("""
 <node>
   <interface name="org.marvelode.Timer">
     <method name="Restart"/> <method name="ToggleMute"/> <method name="TogglePopups"/>
+    <method name="Hold"><arg type="x" direction="in"/></method> <method name="Release"/>
     <method name="ShowSettings"/> <method name="ShowAbout"/> <method name="ShowMenu"/> <method name="Quit"/>
     <property name="State" type="s" access="read"/> <property name="Text" type="s" access="read"/>
     <property name="RemainingSeconds" type="x" access="read"/>
@@ -30,8 +31,8 @@ LONGEST_WAIT = 5  # seconds, for a command that leaves without waiting for its a
 asked = []
 
 
-def on_method(_bus, _sender, _path, _interface, method, _parameters, invocation):
-    asked.append(method)
+def on_method(_bus, _sender, _path, _interface, method, parameters, invocation):
+    asked.append(" ".join([method, *map(str, parameters.unpack())]))
     invocation.return_value(None)
 
 

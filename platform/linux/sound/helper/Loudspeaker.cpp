@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <future>
 #include <list>
 #include <memory>
@@ -120,6 +121,17 @@ void play(const Sound& sound) {
     play(describe(CA_PROP_MEDIA_FILENAME, "/proc/self/fd/" + std::to_string(file)));
 }
 
-void playThemed(const std::string& event) { play(describe(CA_PROP_EVENT_ID, event)); }
+void playThemed(const std::string& event, double volume) {
+    const Properties properties = describe(CA_PROP_EVENT_ID, event);
+    if (volume == 1) {
+        play(properties);
+        return;
+    }
+    const double decibels = 20 * std::log10(volume);
+    ca_proplist_sets(properties.get(), CA_PROP_CANBERRA_VOLUME, std::to_string(decibels).c_str());
+    if (playThrough("pulse", *properties) != CA_SUCCESS) {
+        throw Failure{"No sound server would play it at that volume."}; // and no other way knows volumes
+    }
+}
 
 } // namespace sound

@@ -12,8 +12,8 @@ namespace sound {
 /// Plays `sound` to its end; throws a `Failure` if it cannot be heard.
 void play(const Sound& sound);
 
-/// Plays the sound that the sound theme has for `event`, to its end; throws a `Failure` if it cannot be heard or
-/// the theme has none.
-void playThemed(const std::string& event);
+/// Plays the sound that the sound theme has for `event`, to its end, at that share of its loudness; throws a
+/// `Failure` if it cannot be heard or the theme has none.
+void playThemed(const std::string& event, double volume);
 
 } // namespace sound
