@@ -166,6 +166,12 @@ public:
 
 protected:
     int run(int argc, const char* const* argv) override;
+    int runAlert(NSAlert& alert) override;
+    bool play(const NSSound& sound) override;
+    void beep() override { note(Journal::Kind::Heard, "beep"); }
+
+    /// Lets the next thing happen: an event, or what falls due; otherwise the story goes on.
+    void turn(RunLoopMode mode);
 
     void note(Journal::Kind kind, std::string text) { _journal.add(kind, std::move(text)); }
 
@@ -189,7 +195,6 @@ private:
     void cancel(const Timer& timer) override { _timers.remove(timer); }
     void showStatusItem(const std::shared_ptr<NSStatusItem>& item) override { _statusItem = item; }
     void statusItemChanged() override {}
-    int runAlert(NSAlert& alert) override;
     void runModal(NSPanel& panel, const View& content) override;
     void stopModal() override;
     void center(NSPanel& panel) override { _centred.insert(&panel); }
@@ -202,13 +207,10 @@ private:
     std::optional<std::string> contentsOf(const std::filesystem::path& url) override;
     std::optional<NSImage> imageNamed(std::string_view name) override;
     bool canPlay(const std::filesystem::path& url) override;
-    bool play(const NSSound& sound) override;
-    void beep() override { note(Journal::Kind::Heard, "beep"); }
     void print(std::string_view line) override { note(Journal::Kind::Printed, std::string{line}); }
     bool isLogEnabled(const Logger&, Logger::Level) override { return logsErrors; }
     void log(const Logger& logger, Logger::Level level, std::string_view message) override;
 
-    void turn(RunLoopMode mode);
     void letProgramRun();
     void forgetProgram();
     const Session* front() const { return _sessions.empty() ? nullptr : _sessions.back(); }

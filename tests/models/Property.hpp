@@ -16,10 +16,10 @@ namespace models {
 /// How many random sequences each property is tried on.
 constexpr int sequences = isSanitized ? 200 : 10'000;
 
-/// Fails the test if `property` does not hold for every sequence.
+/// Fails the test if `property` does not hold for every one of `count` sequences.
 template <typename Property>
-void expectAlways(const std::string& description, Property&& property) {
-    setenv("RC_PARAMS", ("max_success=" + std::to_string(sequences)).c_str(), false);
+void expectAlways(const std::string& description, Property&& property, int count = sequences) {
+    setenv("RC_PARAMS", ("max_success=" + std::to_string(count)).c_str(), false);
     EXPECT_TRUE(rc::check(description, std::forward<Property>(property)));
 }
 
