@@ -142,6 +142,9 @@ TEST_F(MainTest, ItsSecondsAreNegativeFromTheFirstMomentThatTheBreakIsDue) {
 }
 
 TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
+    start();
+    g_setenv("MOST_THREADS", std::to_string(threadsOfGlibs()).c_str(), TRUE);
+    quit();
     g_setenv("LD_PRELOAD", FEW_THREADS, TRUE);
     start();
     g_unsetenv("LD_PRELOAD");

@@ -128,6 +128,15 @@ protected:
     bool wasStartedAnew() const {
         return contentOf("/proc/" + std::to_string(process) + "/environ").find("G_SLICE=") != std::string::npos;
     }
+    /// How many threads GLib keeps in the program for good; not those of its pool, which come and go.
+    int threadsOfGlibs() const {
+        int count = 0;
+        for (const auto& task : std::filesystem::directory_iterator{"/proc/" + std::to_string(process) + "/task"}) {
+            const std::string name = contentOf(task.path() / "comm");
+            count += name == "gmain\n" || name == "gdbus\n" || name == "pool-spawner\n" ? 1 : 0;
+        }
+        return count;
+    }
     void endBy(int signal) {
         kill(process, signal);
         EXPECT_TRUE(await([&] { return !isRunning(); })) << "it does not end";

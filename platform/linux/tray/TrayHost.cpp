@@ -28,6 +28,7 @@ constexpr std::array hosts{
     TrayHost{"notification-ar", Style::TextBesideIcon, sizesOfMate, false}, // MATE's
     TrayHost{"panel-", Style::TextInPicture, twice22, true},                // a plugin of Xfce's
     TrayHost{"waybar", Style::TextBesideIcon, twice16, false},
+    TrayHost{"wrapper-2.0", Style::TextInPicture, twice22, true},          // the same plugin from Xfce 4.20 on
     TrayHost{"xapp-sn-watcher", Style::TextBesideIcon, usualSizes, false}, // Cinnamon's
     TrayHost{"", Style::TextInPicture, usualSizes, false},                 // any other
 };

@@ -82,12 +82,13 @@ INSTANTIATE_TEST_SUITE_P(Each, TrayHostRow,
                                          Row{"notification-ar", TrayHost::Style::TextBesideIcon, wideForMate},
                                          Row{"panel-8-systray", TrayHost::Style::TextInPicture, {{44, 44}}, true},
                                          Row{"waybar", TrayHost::Style::TextBesideIcon, {{66, 32}}},
+                                         Row{"wrapper-2.0", TrayHost::Style::TextInPicture, {{44, 44}}, true},
                                          Row{"xapp-sn-watcher", TrayHost::Style::TextBesideIcon, wide},
                                          Row{"lxqt-panel", TrayHost::Style::TextInPicture, squares},
                                          Row{"", TrayHost::Style::TextInPicture, squares}),
                          [](const auto& each) {
                              std::string name = each.param.process;
-                             std::erase(name, '-');
+                             std::erase_if(name, [](char letter) { return letter == '-' || letter == '.'; });
                              return name.empty() ? "unknown" : name;
                          });
 
