@@ -38,7 +38,8 @@ class Accessible:
 
     @property
     def role(self):
-        return self._call(ACCESSIBLE, "GetRoleName")[0]
+        name = self._call(ACCESSIBLE, "GetRoleName")[0]
+        return "push button" if name == "button" else name  # its name from at-spi 2.56 on
 
     @property
     def children(self):
