@@ -16,7 +16,7 @@ using platform::linux::Autostart;
 using platform::linux::Places;
 
 /// Tells whether it is on, and before that turns it on or off.
-int handleAutostart(const Places& places, std::string_view word) {
+int handleAutostart(const Places& places, const std::string& word) {
     const Autostart autostart = Autostart::ofThisUser(places.resources);
     std::string problem;
     if (word == "on") {
@@ -28,7 +28,7 @@ int handleAutostart(const Places& places, std::string_view word) {
         return EXIT_FAILURE;
     }
     if (!problem.empty()) {
-        std::fprintf(stderr, "marvelode-timer: Autostart cannot be turned %s: %s\n", word.data(), problem.c_str());
+        std::fprintf(stderr, "marvelode-timer: Autostart cannot be turned %s: %s\n", word.c_str(), problem.c_str());
         return EXIT_FAILURE;
     }
     std::puts(autostart.isOn() ? "on" : "off");

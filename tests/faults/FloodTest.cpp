@@ -13,7 +13,7 @@ namespace {
 
 using namespace platform::linux;
 
-constexpr int many = 20'000;
+constexpr int aFlood = 20'000;
 
 class Flood : public testing::Test {
 protected:
@@ -77,18 +77,18 @@ protected:
 };
 
 TEST_F(Flood, OfSignalsIsSurvived) {
-    survives(many, [this](int time) { program.panel().setPanel(time % 2 != 0); });
+    survives(aFlood, [this](int time) { program.panel().setPanel(time % 2 != 0); });
 }
 
 TEST_F(Flood, OfQuestionsToTheItemIsSurvived) {
-    survives(many, [this](int) {
+    survives(aFlood, [this](int) {
         ask(item(), "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
             g_variant_new("(ss)", "org.kde.StatusNotifierItem", "ToolTip"));
     });
 }
 
 TEST_F(Flood, OfClicksOnTheItemIsSurvived) {
-    survives(many / 4, [this](int) {
+    survives(aFlood / 4, [this](int) {
         askItem("ProvideXdgActivationToken", g_variant_new("(s)", "token"));
         askItem("Activate", g_variant_new("(ii)", 0, 0));
         askItem("ContextMenu", g_variant_new("(ii)", 0, 0));
@@ -97,7 +97,7 @@ TEST_F(Flood, OfClicksOnTheItemIsSurvived) {
 }
 
 TEST_F(Flood, OfQuestionsToTheMenuIsSurvived) {
-    survives(many / 4, [this](int time) {
+    survives(aFlood / 4, [this](int time) {
         askMenu("AboutToShow", g_variant_new("(i)", 0));
         askMenu("GetLayout", g_variant_new("(ii@as)", 0, -1, g_variant_new_strv(nullptr, 0)));
         askMenu("Event", g_variant_new("(isvu)", time, "hovered", g_variant_new_int32(0), 0));

@@ -109,11 +109,11 @@ WindowProcess::WindowProcess(const HelperProgram& program, ErrorLog& errorLog,
     : _errorLog{errorLog}
     , _somethingHappened{std::move(somethingHappened)}
     , _session{program.session()}
-    , _display{0} {
+    , _display{_session.display()}
+    , _socket{0}
+    , _hasShownWindow{true} {
     require(!processRuns, "one process shows all windows");
     processRuns = true;
-    _socket = 0;
-    _hasShownWindow = true;
 }
 
 WindowProcess::~WindowProcess() {

@@ -55,7 +55,7 @@ TEST(Loop, WakesOnceForOneTimer) {
 }
 
 TEST(Loop, BeginsAnEventAheadOfItsTimers) {
-    BareDesktop desktop{"none"};
+    const BareDesktop desktop{"none"};
     bool hasBegun = false;
     EventLoop loop{[] { return RunLoopMode::Default; }, [] {}, [&] { hasBegun = true; }};
     bool hasFired = false;

@@ -5,7 +5,7 @@
 
 extern "C" gboolean gtk_layer_is_supported() { return FALSE; }
 
-extern "C" guint g_timeout_add_seconds(guint seconds, GSourceFunc function, gpointer data) {
+extern "C" guint g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data) {
     constexpr guint quickSecond = 100;
-    return g_timeout_add(seconds * quickSecond, function, data);
+    return g_timeout_add(interval * quickSecond, function, data);
 }

@@ -115,7 +115,7 @@ std::string TrayHost::pictureFile(const StatusContent& content, const Resources&
 }
 
 std::string processName(unsigned identifier) {
-    std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
+    const std::string name = contentsOfFile("/proc/" + std::to_string(identifier) + "/comm").value_or("");
     return name.substr(0, name.find('\n'));
 }
 
