@@ -21,8 +21,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t interval = 31;
-constexpr std::int64_t snooze = 5;
+constexpr std::int64_t secondsOfInterval = 31;
+constexpr std::int64_t secondsOfSnooze = 5;
 
 class HeldBack : public testing::Test {
 protected:
@@ -60,7 +60,7 @@ protected:
     }
 
     /// Passes one snooze, at whose end the reminder must come.
-    void passAndBeReminded(std::int64_t seconds = snooze) {
+    void passAndBeReminded(std::int64_t seconds = secondsOfSnooze) {
         program.await([this] { return !program.user().isWaiting(); }, "the last window to close");
         program.get("State"); // which is told once the snooze has begun
         const int before = program.user().reminders;
@@ -89,9 +89,9 @@ TEST_F(HeldBack, OnRequestUntilReleased) {
     EXPECT_TRUE(hold(3600));
     EXPECT_TRUE(reason().starts_with("on request until ")) << reason();
     const std::string because = reason();
-    passAndBeHeld(interval, because);
-    passAndBeHeld(snooze, because);
-    passAndBeHeld(snooze, because);
+    passAndBeHeld(secondsOfInterval, because);
+    passAndBeHeld(secondsOfSnooze, because);
+    passAndBeHeld(secondsOfSnooze, because);
     EXPECT_TRUE(program.succeeds("Release"));
     EXPECT_EQ(program.get("Held"), "(<false>,)");
     passAndBeReminded();
@@ -100,9 +100,9 @@ TEST_F(HeldBack, OnRequestUntilReleased) {
 
 TEST_F(HeldBack, OnRequestUntilItsTimeIsOver) {
     start();
-    EXPECT_TRUE(hold(interval + snooze + 1));
-    passAndBeHeld(interval, reason());
-    passAndBeHeld(snooze, reason());
+    EXPECT_TRUE(hold(secondsOfInterval + secondsOfSnooze + 1));
+    passAndBeHeld(secondsOfInterval, reason());
+    passAndBeHeld(secondsOfSnooze, reason());
     passAndBeReminded();
 }
 
@@ -123,7 +123,7 @@ TEST_F(HeldBack, OnRequestNotInTheNextRunOfTheProgram) {
     program.kill();
     begin();
     EXPECT_EQ(program.get("Held"), "(<false>,)");
-    passAndBeReminded(interval);
+    passAndBeReminded(secondsOfInterval);
 }
 
 TEST_F(HeldBack, ByDoNotDisturbUntilThatEnds) {
@@ -131,8 +131,8 @@ TEST_F(HeldBack, ByDoNotDisturbUntilThatEnds) {
                              "Get", "('org.freedesktop.Notifications', 'Inhibited')"};
     service.say("(<true>,)");
     start("HoldWhile=do-not-disturb\n");
-    passAndBeHeld(interval, "do not disturb");
-    passAndBeHeld(snooze, "do not disturb");
+    passAndBeHeld(secondsOfInterval, "do not disturb");
+    passAndBeHeld(secondsOfSnooze, "do not disturb");
     EXPECT_EQ(program.get("Held"), "(<true>,)");
     service.say("(<false>,)");
     passAndBeReminded();
@@ -145,7 +145,7 @@ TEST_F(HeldBack, ByNoServiceThatHangs) {
     AnsweringService service{connectToSession(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "GetActive",
                              "()"};
     start("HoldWhile=locked\n");
-    passAndBeReminded(interval);
+    passAndBeReminded(secondsOfInterval);
     EXPECT_EQ(service.calls(), 1);
     awaitSounds(1);
 }
@@ -155,7 +155,7 @@ TEST_F(HeldBack, ByNoServiceThatHasDied) {
                              "()"};
     service.say("(true,)");
     start("HoldWhile=locked\n");
-    passAndBeHeld(interval, "the session is locked");
+    passAndBeHeld(secondsOfInterval, "the session is locked");
     service.die();
     passAndBeReminded();
 }
@@ -166,31 +166,31 @@ TEST_F(HeldBack, ByTheLoginManagersHint) {
     service.say("(<true>,)");
     start("HoldWhile=locked\n");
     awaitListenerForSleep();
-    passAndBeHeld(interval, "the session is locked");
+    passAndBeHeld(secondsOfInterval, "the session is locked");
 }
 
 TEST_F(HeldBack, ByTheCommandThatSaysSo) {
     const fs::path call = program.home() / "call";
     std::ofstream{call} << "going on\n";
     start("HoldCommand=test -e '" + call.string() + "'\n");
-    passAndBeHeld(interval, "HoldCommand says so");
+    passAndBeHeld(secondsOfInterval, "HoldCommand says so");
     fs::remove(call);
     passAndBeReminded();
 }
 
 TEST_F(HeldBack, OnlyByItsSoundWhenPopupsAreOff) {
     start({}, "PopupAlerts=false\nAutoRestart=true\n");
-    EXPECT_TRUE(hold(interval + 20));
-    program.passTime(interval);
+    EXPECT_TRUE(hold(secondsOfInterval + 20));
+    program.passTime(secondsOfInterval);
     program.await([this] { return program.get("State") == "(<'Timing'>,)"; }, "the next interval");
-    program.passTime(interval);
+    program.passTime(secondsOfInterval);
     awaitSounds(1);
 }
 
 TEST_F(HeldBack, WhileTheMenuWorks) {
     start();
     EXPECT_TRUE(hold(3600));
-    passAndBeHeld(interval, reason());
+    passAndBeHeld(secondsOfInterval, reason());
     EXPECT_TRUE(program.succeeds("Restart"));
     EXPECT_EQ(program.get("State"), "(<'Timing'>,)");
     EXPECT_EQ(program.get("Held"), "(<true>,)");
@@ -198,7 +198,7 @@ TEST_F(HeldBack, WhileTheMenuWorks) {
 
 TEST_F(HeldBack, ForNoReasonOnceTheBreakIsOver) {
     start("HoldCommand=true\n");
-    passAndBeHeld(interval, "HoldCommand says so");
+    passAndBeHeld(secondsOfInterval, "HoldCommand says so");
     EXPECT_TRUE(program.succeeds("Restart"));
     program.await([this] { return program.get("Held") == "(<false>,)"; }, "nothing to be held");
 }
@@ -240,7 +240,7 @@ TEST_F(HeldBack, ByNothingAndWithoutAskingAnyoneIfNoSettingSaysSo) {
     const std::string name = uniqueName();
     program.await([&] { return monitor.callsBy(name).back() == "org.kde.StatusNotifierWatcher Get"; }, "the panel");
     const std::vector<std::string> before = monitor.callsBy(name);
-    passAndBeReminded(interval);
+    passAndBeReminded(secondsOfInterval);
     passAndBeReminded();
     awaitSounds(2);
     EXPECT_EQ(monitor.callsBy(name), before) << "a reminder calls no service";
@@ -249,7 +249,7 @@ TEST_F(HeldBack, ByNothingAndWithoutAskingAnyoneIfNoSettingSaysSo) {
 TEST_F(HeldBack, ByWhatTheSettingsSayAtThatMoment) {
     start();
     std::ofstream{program.home() / "config/marvelode-timer/settings", std::ios::app} << "HoldCommand=true\n";
-    passAndBeHeld(interval, "HoldCommand says so");
+    passAndBeHeld(secondsOfInterval, "HoldCommand says so");
 }
 
 } // namespace

@@ -130,12 +130,12 @@ protected:
     }
     /// How many threads GLib keeps in the program for good; not those of its pool, which come and go.
     int threadsOfGlibs() const {
-        int count = 0;
+        int threads = 0;
         for (const auto& task : std::filesystem::directory_iterator{"/proc/" + std::to_string(process) + "/task"}) {
-            const std::string name = contentOf(task.path() / "comm");
-            count += name == "gmain\n" || name == "gdbus\n" || name == "pool-spawner\n" ? 1 : 0;
+            const std::string thread = contentOf(task.path() / "comm");
+            threads += thread == "gmain\n" || thread == "gdbus\n" || thread == "pool-spawner\n" ? 1 : 0;
         }
-        return count;
+        return threads;
     }
     void endBy(int signal) {
         kill(process, signal);

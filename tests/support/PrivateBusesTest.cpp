@@ -8,9 +8,9 @@ namespace platform::linux {
 namespace {
 
 std::string activatableNames(GDBusConnection* bus) {
-    const VariantHandle names = call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                     "ListActivatableNames", nullptr);
-    return TextHandle{g_variant_print(names.get(), FALSE)}.get();
+    const VariantHandle answer = call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                      "ListActivatableNames", nullptr);
+    return TextHandle{g_variant_print(answer.get(), FALSE)}.get();
 }
 
 TEST(PrivateBuses, StartNoServiceThatHappensToBeInstalled) {

@@ -8,7 +8,7 @@ namespace platform::linux {
 namespace {
 
 constexpr const char* loginManager = "org.freedesktop.login1";
-constexpr const char* properties = "org.freedesktop.DBus.Properties";
+constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
 } // namespace
 
@@ -64,9 +64,9 @@ void LockWatcher::listenTo(GDBusConnection* systemBus) {
     // The signal comes from any session of the machine, so each time it is asked about this one.
     const auto changed = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                             gpointer self) { static_cast<LockWatcher*>(self)->askLoginManager(); };
-    _hint = g_dbus_connection_signal_subscribe(systemBus, loginManager, properties, "PropertiesChanged", nullptr,
-                                               "org.freedesktop.login1.Session", G_DBUS_SIGNAL_FLAGS_NONE, changed,
-                                               this, nullptr);
+    _hint = g_dbus_connection_signal_subscribe(systemBus, loginManager, propertiesInterface, "PropertiesChanged",
+                                               nullptr, "org.freedesktop.login1.Session", G_DBUS_SIGNAL_FLAGS_NONE,
+                                               changed, this, nullptr);
 }
 
 void LockWatcher::askLoginManager() {
