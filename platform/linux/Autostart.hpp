@@ -16,13 +16,15 @@ public:
     /// The one of the user who runs this process. `resources` is the folder of the program's own resources.
     static Autostart ofThisUser(const std::filesystem::path& resources);
 
+    /// Whether there is an entry without such a mark, and the program that it names is there.
     bool isOn() const;
 
-    /// Makes the entry, or removes the mark from the one that is there and keeps the rest of it. Returns the
-    /// problem if that fails, or else an empty text.
+    /// Makes the entry. If there is one, removes the mark from it, has it start the installed program in place of
+    /// one that is gone, and keeps the rest. Returns the problem if that fails, or else an empty text; what cannot
+    /// be understood as an entry is a problem, and left alone.
     std::string turnOn() const;
 
-    /// Removes the entry; the same.
+    /// Removes the entry, or marks it if its user has made it his own; the same.
     std::string turnOff() const;
 
 private:
