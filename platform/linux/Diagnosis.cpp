@@ -161,6 +161,29 @@ std::string describeWindows(const Places& places) {
                                                                                   : "their program is missing";
 }
 
+using SettingsHandle = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
+
+std::string storedSettings(GKeyFile* file) {
+    std::string text;
+    const TextsHandle keys{g_key_file_get_keys(file, "Settings", nullptr, nullptr)};
+    for (char** key = keys.get(); key && *key; ++key) {
+        const TextHandle value{g_key_file_get_value(file, "Settings", *key, nullptr)};
+        text += std::string{" "} + *key + "=" + value.get();
+    }
+    return text;
+}
+
+/// Those of the desktop. What a user's own command is called, and with what, is nobody else's business.
+std::string desktopSettings(GKeyFile* file) {
+    std::string text;
+    for (const char* key : {"HoldWhile", "RestartAfterLocked", "Volume"}) {
+        if (const TextHandle value{g_key_file_get_value(file, "Desktop", key, nullptr)}) {
+            text += std::string{" "} + key + "=" + value.get();
+        }
+    }
+    return text + (g_key_file_has_key(file, "Desktop", "HoldCommand", nullptr) ? " HoldCommand is set" : "");
+}
+
 /// The file, and what is in it or wrong with it.
 std::string describeSettings(const Places& places) {
     const std::string name = places.settings.string();
@@ -171,35 +194,23 @@ std::string describeSettings(const Places& places) {
     if (!content.problem.empty()) {
         return content.problem;
     }
-    const std::unique_ptr<GKeyFile, Release<g_key_file_unref>> file{g_key_file_new()};
+    const SettingsHandle file{g_key_file_new()};
     ErrorSlot error;
     if (!g_key_file_load_from_data(file.get(), content.bytes.data(), content.bytes.size(), G_KEY_FILE_NONE,
                                    error.out())) {
         return name + " is damaged: " + error.message();
     }
-    std::string text = name;
-    const TextsHandle keys{g_key_file_get_keys(file.get(), "Settings", nullptr, nullptr)};
-    for (char** key = keys.get(); key && *key; ++key) {
-        const TextHandle value{g_key_file_get_value(file.get(), "Settings", *key, nullptr)};
-        text += std::string{" "} + *key + "=" + value.get();
-    }
-    return text;
+    return name + storedSettings(file.get()) + desktopSettings(file.get());
 }
 
-/// What the running timer says of itself, and its properties.
-Findings runningTimer(GDBusConnection* bus) {
-    if (!hasOwner(bus, RemoteControl::busName)) {
-        return {{"Timer", "does not run"}};
+/// What the running timer says of itself; one of an older version cannot.
+Findings ownWords(GDBusConnection* bus) {
+    const BusMethod diagnose{RemoteControl::busName, RemoteControl::objectPath, RemoteControl::busName, "Diagnose"};
+    const auto said = ask(bus, diagnose, nullptr, "(a(ss))");
+    if (!said) {
+        return {{"Timer", "runs, but says nothing of itself: it may be of an older version"}};
     }
     Findings found;
-    const BusMethod diagnose{RemoteControl::busName, RemoteControl::objectPath, RemoteControl::busName, "Diagnose"};
-    const BusMethod getAll{RemoteControl::busName, RemoteControl::objectPath, "org.freedesktop.DBus.Properties",
-                           "GetAll"};
-    const auto said = ask(bus, diagnose, nullptr, "(a(ss))");
-    const auto properties = ask(bus, getAll, g_variant_new("(s)", RemoteControl::busName), "(a{sv})");
-    if (!said || !properties) {
-        return {{"Timer", "runs, but does not answer"}};
-    }
     const VariantHandle pairs{g_variant_get_child_value(said.get(), 0)};
     for (std::size_t index = 0; index < g_variant_n_children(pairs.get()); ++index) {
         const char* subject = nullptr;
@@ -207,6 +218,21 @@ Findings runningTimer(GDBusConnection* bus) {
         g_variant_get_child(pairs.get(), index, "(&s&s)", &subject, &line);
         found.emplace_back(std::string{"Timer "} + subject, line);
     }
+    return found;
+}
+
+/// The running timer's own words, and its properties.
+Findings runningTimer(GDBusConnection* bus) {
+    if (!hasOwner(bus, RemoteControl::busName)) {
+        return {{"Timer", "does not run"}};
+    }
+    const BusMethod getAll{RemoteControl::busName, RemoteControl::objectPath, "org.freedesktop.DBus.Properties",
+                           "GetAll"};
+    const auto properties = ask(bus, getAll, g_variant_new("(s)", RemoteControl::busName), "(a{sv})");
+    if (!properties) {
+        return {{"Timer", "runs, but does not answer"}};
+    }
+    Findings found = ownWords(bus);
     const VariantHandle values{g_variant_get_child_value(properties.get(), 0)};
     const TextHandle text{g_variant_print(values.get(), FALSE)};
     found.emplace_back("Timer properties", text.get());

@@ -3,6 +3,7 @@
 #include "platform/linux/Diagnosis.hpp"
 
 #include "platform/linux/ErrorLog.hpp"
+#include "tests/support/AnsweringService.hpp"
 #include "tests/support/MisbehavingBus.hpp"
 #include "tests/support/PrivateBuses.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -50,12 +51,24 @@ TEST_F(DiagnosisTest, TellsOfTheSettingsFileWithoutTouchingIt) {
     EXPECT_EQ(lineAbout("Settings"), path + " is not there");
     folder.write("settings", "[Settings]\nMute=true\nAlertSound='Bowl'\n");
     EXPECT_EQ(lineAbout("Settings"), path + " Mute=true AlertSound='Bowl'");
+    folder.write("settings", "[Settings]\nMute=true\n[Desktop]\nHoldCommand=mine secret\nHoldWhile=locked\n"
+                             "RestartAfterLocked=300\nVolume=0.5\nOther=1\n");
+    EXPECT_EQ(lineAbout("Settings"),
+              path + " Mute=true HoldWhile=locked RestartAfterLocked=300 Volume=0.5 HoldCommand is set");
     folder.write("settings", "[Settings\n");
     EXPECT_TRUE(lineAbout("Settings").starts_with(path + " is damaged: ")) << lineAbout("Settings");
     EXPECT_TRUE(std::filesystem::exists(path));
     std::filesystem::remove(path);
     std::filesystem::create_directory(path);
     EXPECT_EQ(lineAbout("Settings"), path + " is no regular file");
+}
+
+TEST_F(DiagnosisTest, ATimerThatCannotTellOfItselfStillHasProperties) {
+    AnsweringService older{connectToSession(), "org.marvelode.Timer", "/org/marvelode/Timer", "GetAll",
+                           "('org.marvelode.Timer',)"};
+    older.say("({'Muted': <true>},)");
+    EXPECT_EQ(lineAbout("Timer"), "runs, but says nothing of itself: it may be of an older version");
+    EXPECT_EQ(lineAbout("Timer properties"), "{'Muted': <true>}");
 }
 
 TEST_F(DiagnosisTest, ASilentBusIsNamedSoon) {
