@@ -35,7 +35,11 @@ int handleAutostart(const Places& places, const std::string& word) {
     return EXIT_SUCCESS;
 }
 
-int printDiagnosis(const Places& places) {
+int printDiagnosis(const Places& places, bool hasMore) {
+    if (hasMore) {
+        std::fputs("marvelode-timer: --diagnose takes no argument.\n", stderr);
+        return EXIT_FAILURE;
+    }
     for (const auto& [subject, line] : platform::linux::diagnose(places)) {
         std::printf("%s: %s\n", subject.c_str(), line.c_str());
     }
@@ -54,5 +58,6 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     const Places places = Places::ofProgram(argv[0]);
-    return command == "--diagnose" ? printDiagnosis(places) : handleAutostart(places, argc == 3 ? argv[2] : "");
+    return command == "--diagnose" ? printDiagnosis(places, argc > 2)
+                                   : handleAutostart(places, argc == 3 ? argv[2] : "");
 }

@@ -227,7 +227,7 @@ int main(int argc, char** argv) {
     using namespace platform::linux;
     openMissingDescriptors();
     const std::string_view first = argc > 1 ? argv[1] : "";
-    if (first == "--autostart" || (argc == 2 && first == "--diagnose")) {
+    if (first == "--autostart" || first == "--diagnose") {
         return runCommand(argv);
     }
     if (argc == 2 && first == "--help") {

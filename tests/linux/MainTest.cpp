@@ -141,6 +141,13 @@ TEST_F(MainTest, ItsSecondsAreNegativeFromTheFirstMomentThatTheBreakIsDue) {
     quit();
 }
 
+TEST_F(MainTest, ADiagnosisWithArgumentsIsRefusedAndStartsNoTimer) {
+    launch({PROGRAM, "--diagnose", "more"});
+    EXPECT_TRUE(await([&] { return !isRunning(); })) << "a timer runs";
+    EXPECT_NE(status, 0);
+    EXPECT_EQ(contentOf(folder.path / "output"), "marvelode-timer: --diagnose takes no argument.\n");
+}
+
 TEST_F(MainTest, ItEndsEvenIfNoThreadCanBeHadThen) {
     start();
     g_setenv("MOST_THREADS", std::to_string(threadsOfGlibs()).c_str(), TRUE);
