@@ -24,6 +24,12 @@ std::vector<std::string> wordsOf(std::string_view text) {
     return words;
 }
 
+/// What a value stands for whose writer may have quoted it as a whole.
+std::string unquoted(const std::string& text) {
+    const VariantHandle quoted{g_variant_parse(G_VARIANT_TYPE_STRING, text.c_str(), nullptr, nullptr, nullptr)};
+    return quoted ? g_variant_get_string(quoted.get(), nullptr) : text;
+}
+
 std::optional<double> numberIn(const std::string& text, double least, double most) {
     char* end = nullptr;
     const double number = g_ascii_strtod(text.c_str(), &end);
@@ -53,7 +59,7 @@ const DesktopValues& DesktopSettings::current() {
 
 std::optional<std::string> DesktopSettings::text(const char* key) const {
     const auto found = _file.desktopText(key);
-    return found && !found->empty() ? found : std::nullopt;
+    return found && !unquoted(*found).empty() ? found : std::nullopt;
 }
 
 void DesktopSettings::parse() {
@@ -65,10 +71,10 @@ void DesktopSettings::parse() {
         parseHoldCommand(*found);
     }
     if (const auto found = text("RestartAfterLocked")) {
-        parseRestartAfterLocked(*found);
+        parseRestartAfterLocked(unquoted(*found));
     }
     if (const auto found = text("Volume")) {
-        parseVolume(*found);
+        parseVolume(unquoted(*found));
     }
 }
 
@@ -84,6 +90,7 @@ void DesktopSettings::parseHoldWhile(std::string_view text) {
     }
 }
 
+/// The quotes in it, even around the whole of it, are those of a shell.
 void DesktopSettings::parseHoldCommand(const std::string& text) {
     char** words = nullptr;
     ErrorSlot error;

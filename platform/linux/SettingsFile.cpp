@@ -85,11 +85,7 @@ void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
 
 std::optional<std::string> SettingsFile::desktopText(const char* key) const {
     const TextHandle text{g_key_file_get_value(_file.get(), desktopGroup, key, nullptr)};
-    if (!text) {
-        return std::nullopt;
-    }
-    const VariantHandle quoted{g_variant_parse(G_VARIANT_TYPE_STRING, text.get(), nullptr, nullptr, nullptr)};
-    return quoted ? g_variant_get_string(quoted.get(), nullptr) : text.get();
+    return text ? std::optional<std::string>{text.get()} : std::nullopt;
 }
 
 void SettingsFile::readIfChanged() {

@@ -45,8 +45,8 @@ public:
     /// The problem at hand; empty if there is none.
     const std::string& problem() const { return _reported; }
 
-    /// What stands under `key` in the group of the desktop's own settings, without the quotes of a text; nothing if
-    /// there is no such key. It is never written here, and is as it was when `value` was asked for last.
+    /// What stands under `key` in the group of the desktop's own settings, quotes and all; nothing if there is no
+    /// such key. It is never written here, and is as it was when `value` was asked for last.
     std::optional<std::string> desktopText(const char* key) const;
 
     /// How many times the file was read; while that stays the same, so do the desktop's own settings.

@@ -62,7 +62,7 @@ TEST_F(DesktopGroup, IgnoresUnknownWordsAndSaysSoOnce) {
 TEST_F(DesktopGroup, SplitsTheCommandAsAShellWould) {
     EXPECT_THAT(write("HoldCommand=sh -c 'pgrep -x \"$0\"' obs").holdCommand,
                 ElementsAre("sh", "-c", "pgrep -x \"$0\"", "obs"));
-    EXPECT_THAT(write("HoldCommand='pgrep -x obs'").holdCommand, ElementsAre("pgrep", "-x", "obs"));
+    EXPECT_THAT(write("HoldCommand='/opt/my tools/in-call'").holdCommand, ElementsAre("/opt/my tools/in-call"));
     EXPECT_THAT(write("HoldCommand=true").holdCommand, ElementsAre("true"));
     EXPECT_THAT(errors, IsEmpty());
 }
@@ -95,6 +95,7 @@ TEST_F(DesktopGroup, IgnoresNumbersThatDoNotAndSaysSo) {
 
 TEST_F(DesktopGroup, TakesAnEmptyTextForNothing) {
     EXPECT_FALSE(write("HoldWhile=\nHoldCommand=\nVolume=\nRestartAfterLocked=\n").canHold());
+    EXPECT_FALSE(write("HoldWhile=''\nHoldCommand=''\nVolume=''\nRestartAfterLocked=''\n").canHold());
     EXPECT_THAT(errors, IsEmpty());
 }
 
