@@ -119,6 +119,9 @@ class Installation(PackagingTest):
         self.assertRegex(report, r"✓ RestrictAddressFamilies=~AF_\(INET\|INET6\)")
         self.assertRegex(report, r"✓ NoNewPrivileges=")
 
+    def test_the_end_of_the_unit_ends_no_browser_that_was_opened_from_it(self):
+        self.assertIn("\nKillMode=process\n", (self.tree / UNIT).read_text())
+
     def test_software_centres_understand_the_description(self):
         before_1 = re.search(r"version: 0\.", output("appstreamcli", "--version"))
         report = output("appstreamcli", "validate", "--no-net", "--strict", "--pedantic", "--no-color",
