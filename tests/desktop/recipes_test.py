@@ -113,7 +113,7 @@ class Recipes(unittest.TestCase):
             return wait_until(lambda: sleeps.exists() and which(sleeps.read_text().split()), "the script to sleep")
         timer = self.start_timer()
         recipe = self.start_recipe("notify-before-break")
-        slept(lambda spans: int(spans[0]) > INTERVAL - 60 - 60)
+        slept(lambda spans: spans[0] == "60")
         self.assertEqual(calls(), [])
         self.clocks.pass_time(INTERVAL - 30)
         wait_until(calls, "the notice")
@@ -126,6 +126,45 @@ class Recipes(unittest.TestCase):
         timer.quit(self)
         self.assertNotEqual(recipe.status(), None)
         self.assertFalse(self.desktop.bus.has_owner("org.marvelode.Timer"), "it must not start the timer")
+
+    def test_a_break_that_is_due_is_not_announced(self):
+        calls = self.stand_in("notify-send")
+        timer = self.start_timer()
+        self.clocks.pass_time(INTERVAL)
+        timer.await_state("Reminding")
+        sleeps = self.desktop.folder / "sleeps"
+        self.write("sleep", f'echo "$1" >>{sleeps}\nexec /bin/sleep 0.1\n')
+        self.start_recipe("notify-before-break")
+        wait_until(lambda: sleeps.exists() and len(sleeps.read_text().split()) > 2, "the script to sleep")
+        self.assertEqual(calls(), [])
+
+    def expect_hold(self, command, begin):
+        """Reminders are held by `command` from when `begin` has started a program until that has ended."""
+        timer = self.start_timer()
+        with timer.settings_file.open("a") as file:
+            file.write(f"[Desktop]\nHoldCommand={command}\n")
+        timer.get("Muted")  # which has it read the file
+        holding = begin()
+        self.clocks.pass_time(INTERVAL)
+        wait_until(lambda: timer.get("Held"), "the hold")
+        holding.process.kill()
+        holding.process.wait()
+        self.clocks.pass_time(60)
+        timer.window()
+        self.assertEqual(timer.program.output(), "")
+
+    def test_a_camera_in_use_holds(self):
+        [command] = re.findall("^HoldCommand=(fuser .*)$", PAGE, re.MULTILINE)
+        camera = self.desktop.folder / "camera"
+        camera.write_text("")
+        self.expect_hold(command.replace("/dev/video0", str(camera)),
+                         lambda: self.desktop.start("tail", "-f", str(camera)))
+
+    def test_a_program_that_runs_holds(self):
+        [command] = re.findall("^HoldCommand=(pgrep .*)$", PAGE, re.MULTILINE)
+        program = self.bin / "zoom"
+        program.symlink_to("/bin/sleep")
+        self.expect_hold(command, lambda: self.desktop.start(str(program), "600"))
 
     def test_waybar_shows_the_module_while_the_timer_runs(self):
         recipe = self.start_recipe("marvelode-waybar")
