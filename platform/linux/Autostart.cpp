@@ -141,8 +141,8 @@ std::string Autostart::turnOn() const {
     if (isOn()) {
         return {};
     }
-    StoredEntry own = entryAt(_entry);
-    StoredEntry original = entryAt(_original);
+    const StoredEntry own = entryAt(_entry);
+    const StoredEntry original = entryAt(_original);
     const std::string& problem = own.problem.empty() ? original.problem : own.problem;
     if (!problem.empty()) {
         return problem;
