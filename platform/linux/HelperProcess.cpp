@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <poll.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <utility>
@@ -59,7 +60,7 @@ HelperProcess::~HelperProcess() {
 
 void HelperProcess::kill() const {
     if (_watch != 0 && isUnreaped(_process)) {
-        ::kill(_process, SIGKILL);
+        ::kill(getpgid(_process) == _process ? -_process : _process, SIGKILL);
     }
 }
 

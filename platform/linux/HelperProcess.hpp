@@ -14,12 +14,13 @@ public:
     /// `waitpid` returns; this object may be destroyed meanwhile.
     HelperProcess(pid_t process, std::function<void(int status)> ended);
 
-    /// Kills the process if it is still there. One that does not die at once is reaped by the main loop later.
+    /// Kills the process, and its group if it leads one, if it is still there. One that does not die at once is
+    /// reaped by the main loop later.
     ~HelperProcess();
     HelperProcess(const HelperProcess&) = delete;
     HelperProcess& operator=(const HelperProcess&) = delete;
 
-    /// Kills the process, of which `ended` is told as of any other end.
+    /// Kills the process, and its group if it leads one, of which `ended` is told as of any other end.
     void kill() const;
 
 private:

@@ -4,9 +4,11 @@
 
 #include <glib.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -95,6 +97,30 @@ TEST_F(HelperProcessTest, IsKilledAndReapedWithItsObject) {
         const HelperProcess process{child, [](int) { FAIL() << "told of its own doing"; }};
     }
     EXPECT_TRUE(isGone(child));
+}
+
+TEST_F(HelperProcessTest, IsKilledWithTheGroupThatItLeads) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const pid_t leader = started([&] {
+        setpgid(0, 0);
+        if (fork() == 0) { // of which nobody else knows
+            [[maybe_unused]] const ssize_t count = write(ends[1], "", 1);
+        }
+        pause();
+    });
+    close(ends[1]);
+    char isThere = 0;
+    EXPECT_EQ(read(ends[0], &isThere, 1), 1);
+    pollfd allGone{ends[0], 0, 0}; // hangs up once nobody has the other end
+    {
+        std::optional<int> status;
+        const HelperProcess process{leader, [&](int told) { status = told; }};
+        process.kill();
+        runUntil([&] { return status.has_value(); });
+    }
+    EXPECT_EQ(poll(&allGone, 1, 20'000), 1);
+    close(ends[0]);
 }
 
 TEST_F(HelperProcessTest, IsNotKilledUnderANumberThatMayBeAnothersByNow) {

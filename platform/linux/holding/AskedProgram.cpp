@@ -2,13 +2,11 @@
 
 #include <sys/wait.h>
 
-#include <csignal>
 #include <utility>
 
 namespace platform::linux {
 
 void AskedProgram::await(pid_t process, std::chrono::milliseconds patience, Answered answered) {
-    _group = process;
     _answered = std::move(answered);
     _process.emplace(process, [this](int status) { ended(status); });
     _deadline.start(patience, [this] {
@@ -22,7 +20,6 @@ void AskedProgram::giveUp() {
     _deadline.cancel();
     _answered = nullptr;
     if (_process) {
-        ::kill(-_group, SIGKILL);
         _process->kill();
     }
 }

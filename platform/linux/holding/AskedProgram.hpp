@@ -35,7 +35,6 @@ public:
 private:
     void ended(int status);
 
-    pid_t _group = 0;
     std::optional<HelperProcess> _process;
     DelayedCall _deadline;
     Answered _answered;
