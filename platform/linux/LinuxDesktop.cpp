@@ -4,29 +4,19 @@
 #include "platform/linux/Output.hpp"
 #include "platform/linux/glib/Delivery.hpp"
 
-#include <glib-unix.h>
 #include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <ctime>
 #include <utility>
 
 namespace platform::linux {
 namespace {
 
-constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
-
 /// By a clock that goes on while the machine sleeps, and that cannot be set.
 TimeInterval secondsSinceBoot() { return std::chrono::duration<double>{timeBy(CLOCK_BOOTTIME)}.count(); }
-
-/// Whether this program was started to ignore that signal, as `nohup` does with SIGHUP.
-bool isIgnored(int signal) {
-    struct sigaction action {};
-    return signal == SIGHUP && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
 
 } // namespace
 
@@ -45,7 +35,8 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     , _windows{_windowProgram, [this] { _loop.iterate(); }, _errorLog, _activationToken}
     , _sounds{_soundProgram, _errorLog}
     , _holdQuestion{sessionBus, [this] { return systemBus(); }, _holdProgram, _errorLog}
-    , _holding{_desktopSettings, _holdQuestion, [this] { _loop.iterate(); }, secondsSinceBoot}
+    , _holding{_desktopSettings, _holdQuestion, [this] { _loop.iterate(); }, [this] { return _isBreakDue(); },
+               secondsSinceBoot}
     , _restartAfterLock{sessionBus, [this] { return systemBus(); }, _desktopSettings, secondsSinceBoot,
                         [this] { postWake(); }}
     , _statusWindow{_windowProgram, [this](NSMenuItem& item) { pick(item.title); }, _errorLog, _activationToken}
@@ -59,28 +50,10 @@ LinuxDesktop::LinuxDesktop(GDBusConnection* sessionBus, Places places, const std
     _busClosedHandler = g_signal_connect(sessionBus, "closed", G_CALLBACK(busClosed), this);
 }
 
-LinuxDesktop::~LinuxDesktop() {
-    for (const unsigned source : _signalSources) {
-        if (source != 0) {
-            g_source_remove(source);
-        }
-    }
-    g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler);
-}
-
-void LinuxDesktop::endAtSignals() {
-    const auto end = [](gpointer self) -> gboolean {
-        static_cast<LinuxDesktop*>(self)->terminate();
-        return G_SOURCE_CONTINUE;
-    };
-    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
-        _signalSources[index] =
-            isIgnored(endingSignals[index]) ? 0 : g_unix_signal_add(endingSignals[index], end, this);
-    }
-}
+LinuxDesktop::~LinuxDesktop() { g_signal_handler_disconnect(_sessionBus.get(), _busClosedHandler); }
 
 int LinuxDesktop::run(int, const char* const*) {
-    endAtSignals(); // from here on somebody heeds them
+    _endingSignals.emplace([this] { terminate(); }); // from here on somebody heeds them
     _settings.clearUp();
     _loop.post([this] { // once the status item is on its way
         _wakeWatcher.emplace([this] { _wakeNotice.hear(); });
@@ -104,8 +77,8 @@ Date LinuxDesktop::now() { return Date{static_cast<double>(g_get_real_time()) / 
 void LinuxDesktop::schedule(const std::shared_ptr<Timer>& timer) {
     _loop.schedule(timer);
     if (!timer->repeats()) {
-        malloc_trim(
-            0); // once in a turn of the cycle: many calls at once leave pages behind that hold nothing any more
+        // once in a turn of the cycle: many calls at once leave pages behind that hold nothing any more
+        malloc_trim(0);
     }
 }
 
@@ -121,8 +94,11 @@ void LinuxDesktop::statusItemChanged() { _loop.settleSoon(); }
 /// An alert above no other window is a reminder: all others come from a panel.
 int LinuxDesktop::runAlert(NSAlert& alert) {
     const bool isReminder = !_windows.isShowing();
-    return isReminder && !_holding.gate.admitsWindow() ? NSAlert::Stopped : _windows.runAlert(alert);
+    return isReminder && !admitsReminder() ? NSAlert::Stopped : _windows.runAlert(alert);
 }
+
+/// Asks nobody what may hold it while the session is over.
+bool LinuxDesktop::admitsReminder() { return _session.isWorthAReminder() && _holding.gate.admitsWindow(); }
 
 void LinuxDesktop::runModal(NSPanel& panel, const View& content) { _windows.runModal(panel, content); }
 
@@ -178,7 +154,7 @@ void LinuxDesktop::beep() {
 
 /// A sound above no window is a reminder's: all others are tried in a panel.
 bool LinuxDesktop::makeSound(std::function<bool()> play) {
-    return _windows.isShowing() ? play() : _holding.gate.sound(std::move(play));
+    return _windows.isShowing() ? play() : _session.isWorthASound() && _holding.gate.sound(std::move(play));
 }
 
 void LinuxDesktop::print(std::string_view line) { writeAtOnce(STDOUT_FILENO, std::string{line} + '\n'); }
@@ -243,9 +219,7 @@ Findings LinuxDesktop::findings() {
 /// Passes on to the panel what has changed; puts the item on the bus once everything about it is known.
 void LinuxDesktop::settle() {
     _restartAfterLock.look();
-    if (!_isBreakDue()) {
-        _holding.gate.forget(); // nothing is held back
-    }
+    _holding.gate.look();
     if (!_statusItem) {
         return;
     }

@@ -6,6 +6,7 @@
 #include "platform/Desktop.hpp"
 #include "platform/linux/ActivationToken.hpp"
 #include "platform/linux/DesktopSettings.hpp"
+#include "platform/linux/EndingSignals.hpp"
 #include "platform/linux/ErrorLog.hpp"
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/Findings.hpp"
@@ -26,7 +27,6 @@
 #include "platform/linux/trayless/TraylessNotice.hpp"
 #include "platform/linux/window/WindowHelper.hpp"
 
-#include <array>
 #include <chrono>
 #include <filesystem>
 #include <map>
@@ -124,10 +124,13 @@ public:
     /// The text beside the icon.
     std::string statusText() const;
 
+    /// A number that is another one once the stored settings may be; touches no disk.
+    unsigned settingsState() const { return _settings.state(); }
+
 private:
-    void endAtSignals();
     void postWake() { workspaceNotifications.post(NotificationCenter::Name::NSWorkspaceDidWakeNotification); }
     GDBusConnection* systemBus() const { return _wakeWatcher ? _wakeWatcher->systemBus() : nullptr; }
+    bool admitsReminder();
     bool makeSound(std::function<bool()> play);
     void settle();
     StatusContent statusContent();
@@ -163,7 +166,7 @@ private:
     std::optional<StatusNotifierItem> _statusNotifierItem;
     std::optional<WakeWatcher> _wakeWatcher;
     unsigned long _busClosedHandler;
-    std::array<unsigned, 3> _signalSources{};
+    std::optional<EndingSignals> _endingSignals;
 };
 
 } // namespace platform::linux

@@ -79,6 +79,7 @@ void SettingsFile::set(DefaultsValue newValue, std::string_view key) {
     if (value(key) == newValue && _knowledge == Knowledge::Full) {
         return; // while the file cannot be read, it may hold another value than the one assumed
     }
+    ++_state;
     _unwritten.insert_or_assign(std::string{key}, std::move(newValue));
     write();
 }
@@ -92,6 +93,7 @@ void SettingsFile::readIfChanged() {
     const Fingerprint now = fingerprint();
     const bool isTriedAgain = !_mayWrite && isTimeForAnotherAttempt();
     if (_seen != now || isTriedAgain) {
+        ++_state;
         _seen = now;
         read();
     }

@@ -52,6 +52,9 @@ public:
     /// How many times the file was read; while that stays the same, so do the desktop's own settings.
     unsigned readings() const { return _readings; }
 
+    /// Another number each time the values may have become others, by `set` or by what `value` found in the file.
+    unsigned state() const { return _state; }
+
 private:
     /// What is known of the values in the file: nothing was asked yet; it is there but was never read; all.
     enum class Knowledge { None, Lacking, Full };
@@ -85,6 +88,7 @@ private:
     Knowledge _knowledge = Knowledge::None;
     KeyFileHandle _file;
     unsigned _readings = 0;
+    unsigned _state = 0;
     std::optional<Fingerprint> _seen; // of the file as it was last read or written
     Values _stored;                   // what is in `_file`, parsed: read every second, changed hardly ever
     Values _standIns;                 // assumed values, for a file that went unread; not written yet

@@ -64,5 +64,17 @@ TEST_F(SessionOver, SilencesRemindersUnlessTheyAreSoundsAlone) {
     EXPECT_EQ(program.status(), 0) << program.output();
 }
 
+TEST_F(SessionOver, AsksNobodyWhetherRemindersAreHeldThatNobodySees) {
+    program.passTime(31);
+    for (int reminder = 0; reminder < 3; ++reminder) {
+        passSnoozes(50);
+    }
+    const std::filesystem::path asked = folder.path / "asked";
+    std::ofstream{program.home() / "config/marvelode-timer/settings", std::ios::app}
+        << "\n[Desktop]\nHoldCommand=touch '" << asked.string() << "'\n";
+    passSnoozes(5);
+    EXPECT_FALSE(std::filesystem::exists(asked));
+}
+
 } // namespace
 } // namespace faults

@@ -69,7 +69,8 @@ private:
     void tell(const ReminderGate::Answered& answered) const { answered(isHeld ? "a call" : ""); }
 
     ReminderGate _gate{[this](ReminderGate::Answered answered) { ask(std::move(answered)); },
-                       [this] { turn(platform::RunLoopMode::Modal); }};
+                       [this] { turn(platform::RunLoopMode::Modal); },
+                       [this] { return state() == story::AppState::Reminding; }};
 };
 
 /// What must be on the screen, and how often a sound must have been heard.
@@ -117,7 +118,7 @@ public:
 
 private:
     void answerCame() {
-        if (isHeld) {
+        if (isHeld || !isReminding) { // or too late
             answer(false);
         } else {
             isUp = true;

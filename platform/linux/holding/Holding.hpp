@@ -15,20 +15,22 @@ namespace platform::linux {
 
 class Holding {
 public:
-    /// Both must outlive this object. `iterate` runs the main loop until something has happened, and
-    /// `secondsSinceBoot` is a clock that counts sleep.
+    /// Both must outlive this object. `iterate` runs the main loop until something has happened,
+    /// `isBreakDue` tells whether a reminder still makes sense, and `secondsSinceBoot` is a clock that counts
+    /// sleep.
     Holding(DesktopSettings& settings, HoldQuestion& question, std::function<void()> iterate,
-            std::function<TimeInterval()> secondsSinceBoot);
+            std::function<bool()> isBreakDue, std::function<TimeInterval()> secondsSinceBoot);
 
     /// Where reminders pass.
     ReminderGate gate;
     HoldOnRequest request;
 
-    /// Why reminders are held back at present, or the last window was; empty otherwise.
+    /// Why reminders are held back at present, or the last reminder was; empty otherwise.
     std::string reason();
 
 private:
     void ask(ReminderGate::Answered answered);
+    void answer(const ReminderGate::Answered& answered, const std::string& cause);
 
     DesktopSettings& _settings;
     HoldQuestion& _question;

@@ -4,9 +4,10 @@
 
 namespace platform::linux {
 
-ReminderGate::ReminderGate(Question ask, std::function<void()> iterate)
+ReminderGate::ReminderGate(Question ask, std::function<void()> iterate, std::function<bool()> isBreakDue)
     : _ask{std::move(ask)}
-    , _iterate{std::move(iterate)} {}
+    , _iterate{std::move(iterate)}
+    , _isBreakDue{std::move(isBreakDue)} {}
 
 bool ReminderGate::sound(std::function<bool()> play) {
     ask();
@@ -19,16 +20,27 @@ bool ReminderGate::sound(std::function<bool()> play) {
 
 bool ReminderGate::admitsWindow() {
     ask();
+    const bool waits = _isAsking;
     while (_isAsking && !_isClosed) {
         _iterate();
     }
-    _heldBecause = _answer;
-    return _answer.empty() && !_isClosed;
+    const bool isTooLate = waits && !_isBreakDue();
+    return _answer.empty() && !_isClosed && !isTooLate;
 }
 
 void ReminderGate::close() {
     _isClosed = true;
     _sound = nullptr;
+}
+
+void ReminderGate::look() {
+    const bool wasDue = std::exchange(_isDue, _isBreakDue());
+    if (!_isDue) {
+        _heldBecause.clear();
+    }
+    if (wasDue && !_isDue) { // it was not the cycle that went on by itself, without a window
+        _sound = nullptr;
+    }
 }
 
 /// Sound and window of one reminder share a question.
@@ -41,7 +53,8 @@ void ReminderGate::ask() {
 
 void ReminderGate::answered(const std::string& reason) {
     _isAsking = false;
-    _answer = reason;
+    _answer = _heldBecause = reason;
+    look();
     const auto sound = std::exchange(_sound, nullptr);
     if (sound && reason.empty()) {
         sound();

@@ -158,9 +158,6 @@ WindowHelper::~WindowHelper() = default;
 
 int WindowHelper::runAlert(NSAlert& alert) {
     SessionEnvironment& session = _program.session();
-    if (_sessions.empty() && !session.isWorthAReminder()) {
-        return NSAlert::Stopped;
-    }
     const unsigned display = session.display();
     std::optional<int> answer = show(alert);
     if (!answer && session.display() != display) {

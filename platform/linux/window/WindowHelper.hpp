@@ -35,8 +35,7 @@ public:
     WindowHelper& operator=(const WindowHelper&) = delete;
 
     /// Shows the alert on top of all windows and waits for the answer, keeping its check box up to date; returns
-    /// `NSAlert::Stopped` if it was closed without one, and most of the time without trying to show it once the
-    /// graphical session is over.
+    /// `NSAlert::Stopped` if it was closed without one, or could not be shown.
     int runAlert(NSAlert& alert);
 
     /// Shows the panel on top of all windows and runs the operations of the controls in `content` as the user uses

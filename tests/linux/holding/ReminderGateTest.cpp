@@ -24,13 +24,14 @@ protected:
     int questions = 0;
     int sounds = 0;
     bool isSoundNew = true;
+    bool isBreakDue = true;
     std::function<void()> meanwhile = [] { FAIL() << "waits"; };
     std::function<void(ReminderGate::Answered)> asked = [](const ReminderGate::Answered& told) { told({}); };
     ReminderGate gate{[this](ReminderGate::Answered told) {
                           ++questions;
                           asked(std::move(told));
                       },
-                      [this] { meanwhile(); }};
+                      [this] { meanwhile(); }, [this] { return isBreakDue; }};
 
     /// From now on the answer comes later.
     void answerLater() {
@@ -50,11 +51,14 @@ TEST_F(Gate, LetsEverythingThroughAtOnceIfNothingHolds) {
 TEST_F(Gate, HoldsSoundAndWindowBackForAReason) {
     asked = [](const ReminderGate::Answered& told) { told("a call"); };
     EXPECT_FALSE(sound());
-    EXPECT_EQ(gate.reason(), "") << "a sound that is left out is held for no one";
+    EXPECT_EQ(gate.reason(), "a call") << "where the sound is the whole reminder";
     EXPECT_FALSE(gate.admitsWindow());
     EXPECT_EQ(sounds, 0);
     EXPECT_EQ(gate.reason(), "a call");
-    gate.forget();
+    gate.look();
+    EXPECT_EQ(gate.reason(), "a call");
+    isBreakDue = false;
+    gate.look();
     EXPECT_EQ(gate.reason(), "");
 }
 
@@ -88,6 +92,35 @@ TEST_F(Gate, ShowsTheNextWindowOnceTheHoldIsOver) {
     asked = [](const ReminderGate::Answered& told) { told({}); };
     EXPECT_TRUE(gate.admitsWindow());
     EXPECT_EQ(gate.reason(), "");
+}
+
+TEST_F(Gate, LetsNothingThroughOnceTheBreakIsOver) {
+    answerLater();
+    EXPECT_TRUE(sound());
+    gate.look();
+    meanwhile = [this] {
+        isBreakDue = false; // a wake from sleep
+        answer({});
+    };
+    EXPECT_FALSE(gate.admitsWindow());
+    EXPECT_EQ(sounds, 0);
+}
+
+TEST_F(Gate, IsHeldForNoReasonThatComesAfterTheBreak) {
+    answerLater();
+    EXPECT_TRUE(sound());
+    isBreakDue = false;
+    answer("a call");
+    EXPECT_EQ(gate.reason(), "");
+}
+
+TEST_F(Gate, PlaysTheSoundOfABreakThatTheCycleItselfHasEnded) {
+    answerLater();
+    EXPECT_TRUE(sound());
+    isBreakDue = false; // in the same event, with popups off
+    gate.look();
+    answer({});
+    EXPECT_EQ(sounds, 1);
 }
 
 TEST_F(Gate, WaitsNoLongerOnceItIsClosed) {
