@@ -1,5 +1,6 @@
 #include "platform/linux/RemoteControl.hpp"
 
+#include "platform/linux/PendingCall.hpp"
 #include "platform/linux/TimerInterface.hpp"
 
 #include <algorithm>
@@ -20,34 +21,6 @@ constexpr const char* applicationDescription = R"xml(<node><interface name="org.
     <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
   </method>
 </interface></node>)xml";
-
-/// A call that is answered once: with success when there is any, or else, at the end of the last that could have
-/// told of success, with an error.
-class PendingCall {
-public:
-    PendingCall(GDBusMethodInvocation* call, const char* error, const char* reason)
-        : _call{call}
-        , _error{error}
-        , _reason{reason} {}
-    ~PendingCall() {
-        if (_call) {
-            g_dbus_method_invocation_return_dbus_error(_call, _error, _reason);
-        }
-    }
-    PendingCall(const PendingCall&) = delete;
-    PendingCall& operator=(const PendingCall&) = delete;
-
-    void succeed() {
-        if (_call) {
-            g_dbus_method_invocation_return_value(std::exchange(_call, nullptr), nullptr);
-        }
-    }
-
-private:
-    GDBusMethodInvocation* _call;
-    const char* _error;
-    const char* _reason;
-};
 
 /// A function that answers `call` with success, once. If it is destroyed uncalled, the error is the answer.
 std::function<void()> success(GDBusMethodInvocation* call, const char* error, const char* reason) {
@@ -270,21 +243,37 @@ GVariant* RemoteControl::property(std::string_view name) const {
 }
 
 void RemoteControl::announceChanges() {
+    const Announced before = std::exchange(_known, current());
+    if (std::exchange(_hasLooked, true) && before != _known) {
+        announce(before);
+    }
+}
+
+/// Looks at the settings' file no more often than others do.
+RemoteControl::Announced RemoteControl::current() {
+    Announced now{_program.isReminding(), _known.isMuted, _known.showsPopups, _program.holdReason()};
+    if (const unsigned state = _program.settingsState(); state != _settingsState) {
+        _settingsState = state;
+        now.isMuted = _program.isMuted();
+        now.showsPopups = _program.showsPopups();
+    }
+    return now;
+}
+
+void RemoteControl::announce(const Announced& before) {
     GVariantDict changed;
     g_variant_dict_init(&changed, nullptr);
-    bool hasChanges = false;
-    for (auto& [name, known] : _known) {
-        VariantHandle now = owned(property(name));
-        if (known && !g_variant_equal(known.get(), now.get())) {
-            g_variant_dict_insert_value(&changed, name, now.get());
-            hasChanges = true;
+    const auto add = [&](const char* name, bool isChanged) {
+        if (isChanged) {
+            g_variant_dict_insert_value(&changed, name, property(name));
         }
-        known = std::move(now);
-    }
-    if (hasChanges) {
-        _timer.announce(g_variant_dict_end(&changed));
-    }
-    g_variant_dict_clear(&changed);
+    };
+    add("State", before.isReminding != _known.isReminding);
+    add("Muted", before.isMuted != _known.isMuted);
+    add("Popups", before.showsPopups != _known.showsPopups);
+    add("Held", before.holdReason.empty() != _known.holdReason.empty());
+    add("HeldReason", before.holdReason != _known.holdReason);
+    _timer.announce(g_variant_dict_end(&changed));
 }
 
 } // namespace platform::linux

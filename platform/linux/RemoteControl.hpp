@@ -8,10 +8,10 @@
 #include "platform/linux/SessionEnvironment.hpp"
 #include "platform/linux/glib/ExportedInterface.hpp"
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +41,7 @@ struct ControlledProgram {
     std::function<std::int64_t()> remainingSeconds; ///< Negative once the break is due.
     std::function<bool()> isMuted;
     std::function<bool()> showsPopups;
+    std::function<unsigned()> settingsState;             ///< Another number once those two may be different.
     std::function<Findings()> findings;                  ///< What it alone knows of itself and its desktop.
     std::function<void(std::chrono::seconds span)> hold; ///< For at least `shortestHold`, at most `longestHold`.
     std::function<void()> release;
@@ -72,10 +73,13 @@ public:
     void announceChanges();
 
 private:
-    /// A property whose changes are announced, and its value as it was last announced.
+    /// What the properties whose changes are announced are made of.
     struct Announced {
-        const char* name;
-        VariantHandle known{};
+        bool isReminding = false;
+        bool isMuted = false;
+        bool showsPopups = false;
+        std::string holdReason;
+        bool operator==(const Announced&) const = default;
     };
 
     using Name = std::string ControlledProgram::Command::*;
@@ -90,11 +94,15 @@ private:
     void pick(const ControlledProgram::Command* command, GDBusMethodInvocation* call);
     void diagnose(GDBusMethodInvocation* call) const;
     GVariant* property(std::string_view name) const;
+    Announced current();
+    void announce(const Announced& before);
 
     ControlledProgram _program;
     ExportedInterface _timer;
     ExportedInterface _application;
-    std::array<Announced, 5> _known{{{"State"}, {"Muted"}, {"Popups"}, {"Held"}, {"HeldReason"}}};
+    Announced _known; ///< As it was last announced.
+    bool _hasLooked = false;
+    std::optional<unsigned> _settingsState; ///< When `isMuted` and `showsPopups` were asked.
 };
 
 } // namespace platform::linux

@@ -203,6 +203,7 @@ platform::linux::ControlledProgram controlled(platform::linux::LinuxDesktop& des
             [&desktop] { return static_cast<std::int64_t>(std::floor(desktop.secondsUntilBreak().value_or(0))); },
         .isMuted = [] { return app->cfg->isMuted(); },
         .showsPopups = [] { return app->cfg->popups(); },
+        .settingsState = [&desktop] { return desktop.settingsState(); },
         .findings = [&desktop] { return withVersion(desktop.findings()); },
         .hold = [&desktop](std::chrono::seconds span) { desktop.hold(span); },
         .release = [&desktop] { desktop.release(); },

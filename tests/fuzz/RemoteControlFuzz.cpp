@@ -39,6 +39,7 @@ public:
                 .remainingSeconds = [] { return 600; },
                 .isMuted = yes,
                 .showsPopups = yes,
+                .settingsState = [] { return 0U; },
                 .findings =
                     [] {
                         return Findings{{"panel", "none"}};

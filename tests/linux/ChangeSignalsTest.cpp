@@ -31,6 +31,7 @@ TEST_F(ChangeSignalsTest, ChangesAreAnnouncedOnce) {
     isReminding = false;
     isMuted = true;
     showsPopups = false;
+    ++settingsState;
     EXPECT_THAT(announced(), ElementsAre(AllOf(HasSubstr("'State': <'Timing'>"), HasSubstr("'Muted': <true>"),
                                                HasSubstr("'Popups': <false>"))));
     holdReason = "do not disturb";
@@ -38,6 +39,16 @@ TEST_F(ChangeSignalsTest, ChangesAreAnnouncedOnce) {
                 ElementsAre(AllOf(HasSubstr("'Held': <true>"), HasSubstr("'HeldReason': <'do not disturb'>"))));
     seconds = 539;
     EXPECT_THAT(announced(), IsEmpty()) << "that changes by itself";
+}
+
+TEST_F(ChangeSignalsTest, SettingsThatStayTheSameAreNotAskedForAgain) {
+    control->announceChanges();
+    settingsAsked = 0;
+    control->announceChanges();
+    EXPECT_EQ(settingsAsked, 0);
+    ++settingsState;
+    control->announceChanges();
+    EXPECT_EQ(settingsAsked, 2);
 }
 
 TEST_F(ChangeSignalsTest, WhatIsAnnouncedIsDescribedSo) {

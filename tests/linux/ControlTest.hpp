@@ -67,6 +67,8 @@ protected:
     std::int64_t seconds = 540;
     bool isMuted = false;
     bool showsPopups = true;
+    unsigned settingsState = 0;
+    int settingsAsked = 0;
     std::vector<std::chrono::seconds> holds;
     int releases = 0;
     std::string holdReason;
@@ -100,8 +102,17 @@ protected:
                           .isReminding = [this] { return isReminding; },
                           .text = [] { return std::string{"9m"}; },
                           .remainingSeconds = [this] { return seconds; },
-                          .isMuted = [this] { return isMuted; },
-                          .showsPopups = [this] { return showsPopups; },
+                          .isMuted =
+                              [this] {
+                                  ++settingsAsked;
+                                  return isMuted;
+                              },
+                          .showsPopups =
+                              [this] {
+                                  ++settingsAsked;
+                                  return showsPopups;
+                              },
+                          .settingsState = [this] { return settingsState; },
                           .findings =
                               [] {
                                   return Findings{{"Panel", "none"}, {"Error", "\xff"}};
