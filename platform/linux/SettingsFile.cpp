@@ -51,7 +51,6 @@ SettingsFile::SettingsFile(std::filesystem::path path, ErrorLog& errorLog, Value
     , _assumed{std::move(assumed)}
     , _file{g_key_file_new()} {}
 
-// NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, and then the program ends
 SettingsFile::~SettingsFile() {
     if (hasUnwritten()) {
         read(); // for the last time, so it is worth another attempt

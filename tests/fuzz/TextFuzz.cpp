@@ -54,7 +54,6 @@ void checkTrimmed(const std::string& line) {
         return;
     }
     const char* const end = trimmed.data() + trimmed.size();
-    // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): one character is read, and there is one
     fuzz::require(!isSpace(g_utf8_get_char(trimmed.data())), "no space is left at the beginning");
     fuzz::require(!isSpace(g_utf8_get_char(g_utf8_prev_char(end))), "no space is left at the end");
 }

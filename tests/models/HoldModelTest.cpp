@@ -52,7 +52,7 @@ protected:
     }
 
 private:
-    void ask(ReminderGate::Answered answered) {
+    void ask(const ReminderGate::Answered& answered) {
         if (delay == 0ms) {
             tell(answered);
             return;

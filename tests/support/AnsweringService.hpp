@@ -18,8 +18,8 @@ public:
         : _bus{std::move(bus)}
         , _path{std::move(path)}
         , _member{std::move(member)}
-        , _arguments{std::move(arguments)} {
-        _filter = g_dbus_connection_add_filter(_bus.get(), filter, this, nullptr);
+        , _arguments{std::move(arguments)}
+        , _filter{g_dbus_connection_add_filter(_bus.get(), filter, this, nullptr)} {
         takeName(_bus.get(), name);
     }
     ~AnsweringService() {
@@ -35,13 +35,13 @@ public:
 
     /// Answers so from now on.
     void say(std::string answer) {
-        const std::lock_guard lock{_mutex};
+        const std::scoped_lock lock{_mutex};
         _answer = std::move(answer);
     }
 
     /// How many calls it knew so far.
     int calls() {
-        const std::lock_guard lock{_mutex};
+        const std::scoped_lock lock{_mutex};
         return _calls;
     }
 
@@ -63,7 +63,7 @@ private:
         const TextHandle arguments{body ? g_variant_print(body, FALSE) : g_strdup("()")};
         const bool isKnown = _path == g_dbus_message_get_path(message) &&
                              _member == g_dbus_message_get_member(message) && _arguments == arguments.get();
-        const std::lock_guard lock{_mutex};
+        const std::scoped_lock lock{_mutex};
         _calls += isKnown;
         if (isKnown && _answer.empty()) {
             return;
@@ -81,8 +81,8 @@ private:
     const std::string _path;
     const std::string _member;
     const std::string _arguments;
-    unsigned _filter = 0;
     std::mutex _mutex;
     std::string _answer;
     int _calls = 0;
+    const unsigned _filter; ///< Heard by another thread as soon as it is there.
 };

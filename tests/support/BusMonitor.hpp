@@ -12,8 +12,8 @@
 
 class BusMonitor {
 public:
-    BusMonitor() {
-        _filter = g_dbus_connection_add_filter(_bus.get(), filter, this, nullptr);
+    BusMonitor()
+        : _filter{g_dbus_connection_add_filter(_bus.get(), filter, this, nullptr)} {
         call(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
              "BecomeMonitor", g_variant_new("(asu)", nullptr, 0U));
     }
@@ -26,7 +26,7 @@ public:
 
     /// "DESTINATION MEMBER" for each call that the owner of the name has sent so far.
     std::vector<std::string> callsBy(const std::string& uniqueName) {
-        const std::lock_guard lock{_mutex};
+        const std::scoped_lock lock{_mutex};
         std::vector<std::string> sent;
         for (const auto& [sender, message] : _messages) {
             if (sender == uniqueName) {
@@ -59,12 +59,12 @@ private:
     }
 
     void add(std::string sender, std::string text) {
-        const std::lock_guard lock{_mutex};
+        const std::scoped_lock lock{_mutex};
         _messages.push_back({std::move(sender), std::move(text)});
     }
 
     platform::linux::ObjectHandle<GDBusConnection> _bus = connectToSession();
     std::mutex _mutex;
     std::vector<Message> _messages;
-    unsigned _filter = 0;
+    const unsigned _filter; ///< Heard by another thread as soon as it is there.
 };

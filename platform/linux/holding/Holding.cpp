@@ -13,7 +13,7 @@ Holding::Holding(DesktopSettings& settings, HoldQuestion& question, std::functio
     , _question{question} {}
 
 std::string Holding::reason() {
-    std::string requested = request.reason();
+    const std::string requested = request.reason();
     return requested.empty() && !_wasRequested ? gate.reason() : requested;
 }
 

@@ -185,13 +185,13 @@ TEST_F(Question, AsksTheHelperForDisplaysAndForGnome) {
     values.holdWhile = {Cause::DoNotDisturb, Cause::Locked, Cause::FullScreen};
     EXPECT_EQ(ask(), "");
     std::ifstream stream{folder.path / "asked"};
-    std::vector<std::string> words{std::istream_iterator<std::string>{stream}, {}};
+    const std::vector<std::string> words{std::istream_iterator<std::string>{stream}, {}};
     EXPECT_THAT(words, testing::UnorderedElementsAre("do-not-disturb", "full-screen"));
 }
 
 TEST_F(Question, TakesTheHelpersWord) {
     script(folder, "helper", "exit 0");
-    HelperProgram yes{folder.path / "helper", session};
+    const HelperProgram yes{folder.path / "helper", session};
     question.emplace(
         bus.get(), [] { return nullptr; }, yes, errorLog, patience);
     values.holdWhile = {Cause::FullScreen};
@@ -202,7 +202,7 @@ TEST_F(Question, TakesTheHelpersWord) {
 
 TEST_F(Question, SaysOnceThatSomethingCannotBeKnown) {
     script(folder, "helper", "exit 3");
-    HelperProgram helpless{folder.path / "helper", session};
+    const HelperProgram helpless{folder.path / "helper", session};
     question.emplace(
         bus.get(), [] { return nullptr; }, helpless, errorLog, patience);
     values.holdWhile = {Cause::FullScreen};
@@ -212,7 +212,7 @@ TEST_F(Question, SaysOnceThatSomethingCannotBeKnown) {
 }
 
 TEST_F(Question, GoesWithoutAHelper) {
-    HelperProgram missing{folder.path / "missing", session};
+    const HelperProgram missing{folder.path / "missing", session};
     question.emplace(
         bus.get(), [] { return nullptr; }, missing, errorLog, patience);
     values.holdWhile = {Cause::FullScreen};
