@@ -31,7 +31,10 @@ public:
     HelperProgram program;
     WindowHelper windows;
 
-    int runAlert(NSAlert& alert) override { return windows.runAlert(alert); }
+    /// As the whole desktop does it, seldom once the session is over.
+    int runAlert(NSAlert& alert) override {
+        return session.isWorthAReminder() ? windows.runAlert(alert) : NSAlert::Stopped;
+    }
     void runModal(NSPanel& panel, const View& content) override { windows.runModal(panel, content); }
     void stopModal() override { windows.stopModal(); }
     void close(NSPanel& panel) override {
