@@ -68,7 +68,7 @@ private:
     }
     void tell(const ReminderGate::Answered& answered) const { answered(isHeld ? "a call" : ""); }
 
-    ReminderGate _gate{[this](ReminderGate::Answered answered) { ask(std::move(answered)); },
+    ReminderGate _gate{[this](const ReminderGate::Answered& answered) { ask(answered); },
                        [this] { turn(platform::RunLoopMode::Modal); },
                        [this] { return state() == story::AppState::Reminding; }};
 };
