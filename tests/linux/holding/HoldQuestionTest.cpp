@@ -46,6 +46,12 @@ protected:
         return path;
     }
 
+    /// From now on, with no system bus.
+    void askThrough(const HelperProgram& program) {
+        question.emplace(
+            bus.get(), [] { return nullptr; }, program, errorLog, patience);
+    }
+
     std::string ask() {
         std::optional<std::string> answer;
         question->ask(values, [&](const std::string& reason) { answer = reason; });
@@ -192,8 +198,7 @@ TEST_F(Question, AsksTheHelperForDisplaysAndForGnome) {
 TEST_F(Question, TakesTheHelpersWord) {
     script(folder, "helper", "exit 0");
     const HelperProgram yes{folder.path / "helper", session};
-    question.emplace(
-        bus.get(), [] { return nullptr; }, yes, errorLog, patience);
+    askThrough(yes);
     values.holdWhile = {Cause::FullScreen};
     EXPECT_EQ(ask(), "a full-screen window");
     values.holdWhile = {Cause::DoNotDisturb};
@@ -203,8 +208,7 @@ TEST_F(Question, TakesTheHelpersWord) {
 TEST_F(Question, SaysOnceThatSomethingCannotBeKnown) {
     script(folder, "helper", "exit 3");
     const HelperProgram helpless{folder.path / "helper", session};
-    question.emplace(
-        bus.get(), [] { return nullptr; }, helpless, errorLog, patience);
+    askThrough(helpless);
     values.holdWhile = {Cause::FullScreen};
     EXPECT_EQ(ask(), "");
     EXPECT_EQ(ask(), "");
@@ -213,8 +217,7 @@ TEST_F(Question, SaysOnceThatSomethingCannotBeKnown) {
 
 TEST_F(Question, GoesWithoutAHelper) {
     const HelperProgram missing{folder.path / "missing", session};
-    question.emplace(
-        bus.get(), [] { return nullptr; }, missing, errorLog, patience);
+    askThrough(missing);
     values.holdWhile = {Cause::FullScreen};
     EXPECT_EQ(ask(), "");
     EXPECT_EQ(ask(), "");
