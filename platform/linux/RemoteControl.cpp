@@ -1,7 +1,7 @@
 #include "platform/linux/RemoteControl.hpp"
 
-#include "platform/linux/PendingCall.hpp"
 #include "platform/linux/TimerInterface.hpp"
+#include "platform/linux/glib/PendingCall.hpp"
 
 #include <algorithm>
 #include <map>
