@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,27 +21,49 @@ class SessionOver : public testing::Test {
 protected:
     SessionOver() {
         program.install("marvelode-timer-window", "printf \"('noDisplay', 0, 0, nothing)\" >&0\nexit 1\n");
-        program.install("marvelode-timer-sound", "echo >>'" + sounds.string() + "'\n");
+        program.install("marvelode-timer-sound", "echo $$ >>'" + sounds.string() + "'\n");
         program.store("[Settings]\nVersion='test'\nMute=false\nPopupAlerts=true\nAlertSound='Sonar'\n");
         program.start();
         program.await([this] { return !program.get("State").empty(); }, "the timer on the bus");
     }
 
+    /// The sounds that were heard to their end: while one is heard, no other is.
     std::ptrdiff_t heard() const {
         std::ifstream stream{sounds};
-        return std::count(std::istreambuf_iterator{stream}, {}, '\n');
+        const auto hasEnded = [](pid_t player) { return kill(player, 0) != 0; };
+        return std::count_if(std::istream_iterator<pid_t>{stream}, {}, hasEnded);
     }
 
-    /// Passes the time of one snooze after the other until a sound is heard, but no more than that many.
-    void passSnoozes(int most) {
-        constexpr int snooze = 6;
-        constexpr std::chrono::milliseconds moment{100};
+    /// Passes one snooze after the other until one more sound has been heard, with time for it behind each.
+    void hearAnother() {
         const auto before = heard();
-        for (int time = 0; time < most && heard() == before; ++time) {
+        for (int time = 0; time < 10 && heard() == before; ++time) {
             program.passTime(snooze);
-            runLoopFor(moment);
+            for (int moment = 0; moment < 30 && heard() == before; ++moment) {
+                runLoopFor(aMoment);
+            }
+        }
+        EXPECT_EQ(heard(), before + 1);
+    }
+
+    void hearAllUntilItIsOver() {
+        program.passTime(31);
+        program.await([this] { return heard() == 1; }, "the sound of the first reminder");
+        for (int reminder = 1; reminder < untilItIsOver; ++reminder) {
+            hearAnother();
         }
     }
+
+    void passSnoozes() {
+        for (int time = 0; time < 5; ++time) {
+            program.passTime(snooze);
+            runLoopFor(aMoment);
+        }
+    }
+
+    static constexpr int snooze = 6;
+    static constexpr int untilItIsOver = 3;
+    static constexpr std::chrono::milliseconds aMoment{100};
 
     TemporaryFolder folder;
     const std::filesystem::path sounds = folder.path / "sounds";
@@ -48,31 +71,21 @@ protected:
 };
 
 TEST_F(SessionOver, SilencesRemindersUnlessTheyAreSoundsAlone) {
-    constexpr int interval = 31;
-    constexpr int untilItIsOver = 3;
-    program.passTime(interval);
-    for (int reminder = 0; reminder < untilItIsOver; ++reminder) {
-        passSnoozes(50);
-    }
-    EXPECT_EQ(heard(), untilItIsOver);
-    passSnoozes(5);
+    hearAllUntilItIsOver();
+    passSnoozes();
     EXPECT_EQ(heard(), untilItIsOver) << "a sound was played to nobody";
     EXPECT_TRUE(program.succeeds("TogglePopups"));
-    passSnoozes(50);
-    EXPECT_GT(heard(), untilItIsOver);
+    hearAnother();
     program.quit();
     EXPECT_EQ(program.status(), 0) << program.output();
 }
 
 TEST_F(SessionOver, AsksNobodyWhetherRemindersAreHeldThatNobodySees) {
-    program.passTime(31);
-    for (int reminder = 0; reminder < 3; ++reminder) {
-        passSnoozes(50);
-    }
+    hearAllUntilItIsOver();
     const std::filesystem::path asked = folder.path / "asked";
     std::ofstream{program.home() / "config/marvelode-timer/settings", std::ios::app}
         << "\n[Desktop]\nHoldCommand=touch '" << asked.string() << "'\n";
-    passSnoozes(5);
+    passSnoozes();
     EXPECT_FALSE(std::filesystem::exists(asked));
 }
 

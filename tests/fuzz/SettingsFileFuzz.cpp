@@ -154,7 +154,8 @@ void checkTheRest(Entries before, const Values& changes) {
 void fuzz::check(std::string_view input) {
     const auto [content, lines] = cut(input, "\n--\n");
     const std::string text{content};
-    const std::optional<Entries> entries = entriesOf(text);
+    // GLib takes a carriage return for half the end of a line once the other half is there, as it is when written
+    const std::optional<Entries> entries = entriesOf(text.ends_with('\r') ? text + "\n" : text);
     const Values changes = changesIn(lines);
     putInPlace(text);
     checkReading(text, !entries);

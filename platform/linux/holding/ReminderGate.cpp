@@ -19,6 +19,7 @@ bool ReminderGate::sound(std::function<bool()> play) {
 }
 
 bool ReminderGate::admitsWindow() {
+    look();
     ask();
     const bool waits = _isAsking;
     while (_isAsking && !_isClosed) {

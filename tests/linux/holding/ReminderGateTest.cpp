@@ -97,7 +97,6 @@ TEST_F(Gate, ShowsTheNextWindowOnceTheHoldIsOver) {
 TEST_F(Gate, LetsNothingThroughOnceTheBreakIsOver) {
     answerLater();
     EXPECT_TRUE(sound());
-    gate.look();
     meanwhile = [this] {
         isBreakDue = false; // a wake from sleep
         answer({});
