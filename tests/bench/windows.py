@@ -1,0 +1,57 @@
+"""How long programs take from their start to the first pixel of their window on the screen."""
+
+import time
+from pathlib import Path
+
+from driving.waiting import wait_until
+
+from start import end, spawn
+
+
+def await_closely(condition):
+    """The answer as soon as it is true, and when that was, to half a millisecond."""
+    deadline = time.monotonic() + 20
+    while not (answer := condition()):
+        assert time.monotonic() < deadline, "nothing happened"
+        time.sleep(0.0005)
+    return answer, time.monotonic()
+
+
+def helper_of(pid):
+    """The program for windows that a timer has started; nothing before it runs."""
+    for child in Path(f"/proc/{pid}/task/{pid}/children").read_text().split():
+        try:
+            if Path(f"/proc/{child}/exe").readlink().name == "marvelode-timer-window":
+                return int(child)
+        except OSError:
+            continue  # it has ended
+    return None
+
+
+def shown(desktop, begin, background):
+    return (await_closely(lambda: desktop.centre_pixel() != background)[1] - begin) * 1000
+
+
+def await_empty(desktop, background):
+    wait_until(lambda: desktop.centre_pixel() == background, "the screen to be empty again")
+
+
+def bare_window(desktop, *command):
+    """Milliseconds from the start of a program to its window."""
+    background = desktop.centre_pixel()
+    pid = spawn(desktop, *command)
+    took = shown(desktop, time.monotonic(), background)
+    end(pid)
+    await_empty(desktop, background)
+    return took
+
+
+def popup(desktop, timer):
+    """Milliseconds from the start of a timer's helper to the popup."""
+    background = desktop.centre_pixel()
+    pid = spawn(desktop, timer, "-TimerInterval", "1", "-Mute", "true")
+    begin = await_closely(lambda: helper_of(pid))[1]
+    took = shown(desktop, begin, background)
+    end(pid)
+    await_empty(desktop, background)
+    return took
