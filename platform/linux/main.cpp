@@ -81,27 +81,6 @@ void openMissingDescriptors() {
     close(opened);
 }
 
-/// Whether the GLib that was found has pools of its own; it gave them up with 2.76.
-bool hasPools() {
-    constexpr unsigned firstWithout = 76;
-    return glib_major_version == 2 && glib_minor_version < firstWithout;
-}
-
-/// Starts the program anew without GLib's own pools, which would keep a tenth of its memory for what was needed
-/// once. They can be turned off by the environment alone, and before GLib is loaded.
-void turnOffPools(char** arguments) {
-    constexpr const char* allocator = "G_SLICE";
-    if (std::getenv(allocator)) {
-        unsetenv(allocator); // heeded by now, and not meant for the helpers
-        return;
-    }
-    const bool canStartAnew = hasPools() && !platform::linux::isLoadersArgument();
-    if (canStartAnew && setenv(allocator, "always-malloc", 0) == 0) { // or else it would start anew for ever
-        execv(platform::linux::executable().c_str(), arguments);
-    }
-    unsetenv(allocator); // it works with the pools as well
-}
-
 /// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once;
 /// and the bus's thread gets no pool of memory of its own.
 void keepMemorySmall() {
@@ -239,7 +218,6 @@ int main(int argc, char** argv) {
         std::puts("Marvelode Timer " MARVELODE_VERSION);
         return EXIT_SUCCESS;
     }
-    turnOffPools(argv);
     keepMemorySmall();
     printFatalErrorsAtOnce();
     std::signal(SIGPIPE, SIG_IGN); // nobody reading the messages is no reason to end

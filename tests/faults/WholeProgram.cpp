@@ -100,7 +100,6 @@ void WholeProgram::start() {
     for (const auto& [variable, value] : {std::pair{"XDG_CONFIG_HOME", (_folder.path / "config").string()},
                                           {"HOME", _folder.path.string()},
                                           {"XDG_RUNTIME_DIR", _folder.path.string()},
-                                          {"G_SLICE", "always-malloc"},
                                           {"LANG", "C.UTF-8"},
                                           {"MARVELODE_SCRIPTED_USER", (_folder.path / "user").string()},
                                           {"LD_PRELOAD", FAILING_CALLS},

@@ -90,12 +90,9 @@ TEST_F(MainTest, RemovingThePackageCostsNoReminder) {
     quit();
 }
 
-TEST_F(MainTest, ItStartsAnewOnlyWhereGlibHasPools) {
-    start();
-    EXPECT_EQ(wasStartedAnew(), glib_minor_version < 76);
-    quit();
-    start([] { g_setenv("LD_PRELOAD", GLIB_WITHOUT_POOLS, TRUE); });
-    EXPECT_FALSE(wasStartedAnew());
+TEST_F(MainTest, GlibKeepsNoPools) {
+    start([] { g_setenv("LD_PRELOAD", TELL_OF_POOLS, TRUE); });
+    EXPECT_EQ(contentOf(folder.path / "output"), "GLib keeps no pools\n");
     quit();
 }
 

@@ -68,7 +68,6 @@ protected:
         }
         arguments.push_back(nullptr);
         g_setenv("XDG_CONFIG_HOME", folder.path.c_str(), TRUE);
-        g_unsetenv("G_SLICE");
         const pid_t child = fork();
         if (child == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -123,10 +122,6 @@ protected:
         constexpr int noTimeout = G_MAXINT;
         g_dbus_connection_call(bus.get(), name, object, name, method, nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE,
                                noTimeout, nullptr, call, tell.release());
-    }
-    /// Whether the environment in which the kernel started the program is that of its second start.
-    bool wasStartedAnew() const {
-        return contentOf("/proc/" + std::to_string(process) + "/environ").find("G_SLICE=") != std::string::npos;
     }
     /// How many threads GLib keeps in the program for good; not those of its pool, which come and go.
     int threadsOfGlibs() const {

@@ -229,13 +229,20 @@ class Desktop:
             return None
         return wait_until(item, "the status item")
 
-    def centre_pixel(self):
-        """The bytes of the pixel in the middle of the screen, read without delay."""
+    def pixels(self, x, y, width):
+        """The bytes of so many pixels of a line, read without delay."""
         with open(self._frame_buffer, "rb") as file:
             header = file.read(80)
             header_size, colours = (int.from_bytes(header[at:at + 4], "big") for at in (0, 76))
-            file.seek(header_size + colours * 12 + 4 * (self.height // 2 * self.width + self.width // 2))
-            return file.read(4)
+            file.seek(header_size + colours * 12 + 4 * (y * self.width + x))
+            return file.read(4 * width)
+
+    def centre_pixel(self):
+        return self.pixels(self.width // 2, self.height // 2, 1)
+
+    def tray_pixels(self):
+        """Those half-way up the panel's tray."""
+        return self.pixels(self.width - TRAY_WIDTH, PANEL_HEIGHT // 2, TRAY_WIDTH)
 
     def picture_in_panel(self, picture):
         """Where in the panel's tray this picture of a status item is drawn; nothing if it is not (yet)."""
