@@ -17,7 +17,20 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
                            ActivationToken& activationToken)
     : _sessionBus{shared(sessionBus)}
     , _chosen{std::move(chosen)}
-    , _activationToken{activationToken} {
+    , _activationToken{activationToken} {}
+
+Notification::~Notification() {
+    if (_id != 0) {
+        withdraw();
+        awaitDelivery(_sessionBus.get()); // the program ends with this, as a rule
+    }
+    for (const unsigned subscription : _subscriptions) {
+        g_dbus_connection_signal_unsubscribe(_sessionBus.get(), subscription);
+    }
+}
+
+/// Not before there is a message: a panel is rarely missing, and the bus is busy enough while the program starts.
+void Notification::listen() {
     const auto userActed = [](GDBusConnection*, const char*, const char*, const char*, const char* signal,
                               GVariant* parameters, gpointer self) {
         auto& notification = *static_cast<Notification*>(self);
@@ -47,33 +60,24 @@ Notification::Notification(GDBusConnection* sessionBus, std::function<void(std::
             static_cast<Notification*>(self)->_id = 0;
         }
     };
-    const auto subscribe = [&](const char* signal, GDBusSignalCallback callback) {
-        return g_dbus_connection_signal_subscribe(sessionBus, service, service, signal, object, nullptr,
+    const auto subscribe = [this](const char* signal, GDBusSignalCallback callback) {
+        return g_dbus_connection_signal_subscribe(_sessionBus.get(), service, service, signal, object, nullptr,
                                                   G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
     };
     // The next service begins to number anew.
     const auto ownerChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                                  gpointer self) { static_cast<Notification*>(self)->_id = 0; };
-    _ownerSubscription = g_dbus_connection_signal_subscribe(
-        sessionBus, "org.freedesktop.DBus", "org.freedesktop.DBus", "NameOwnerChanged", "/org/freedesktop/DBus",
-        service, G_DBUS_SIGNAL_FLAGS_NONE, ownerChanged, this, nullptr);
-    _actionSubscription = subscribe("ActionInvoked", userActed);
-    _tokenSubscription = subscribe("ActivationToken", userActed);
-    _closedSubscription = subscribe("NotificationClosed", closed);
-}
-
-Notification::~Notification() {
-    if (_id != 0) {
-        withdraw();
-        awaitDelivery(_sessionBus.get()); // the program ends with this, as a rule
-    }
-    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _actionSubscription);
-    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _tokenSubscription);
-    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _closedSubscription);
-    g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _ownerSubscription);
+    const unsigned owner = g_dbus_connection_signal_subscribe(
+        _sessionBus.get(), "org.freedesktop.DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+        "/org/freedesktop/DBus", service, G_DBUS_SIGNAL_FLAGS_NONE, ownerChanged, this, nullptr);
+    _subscriptions = {owner, subscribe("ActionInvoked", userActed), subscribe("ActivationToken", userActed),
+                      subscribe("NotificationClosed", closed)};
 }
 
 void Notification::show(const std::string& summary, const std::string& body, const std::vector<Action>& actions) {
+    if (_subscriptions.empty()) {
+        listen();
+    }
     _wanted = {summary, body, actions};
     _isOutdated = _showing.isPending(); // its number has to be known before it can be replaced
     if (!_isOutdated) {

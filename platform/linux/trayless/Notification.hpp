@@ -44,6 +44,7 @@ private:
         std::vector<Action> actions;
     };
 
+    void listen();
     void send();
     void sent(const VariantHandle& answer);
 
@@ -51,10 +52,7 @@ private:
     std::function<void(std::string_view)> _chosen;
     ActivationToken& _activationToken;
     BusCall _showing;
-    unsigned _actionSubscription;
-    unsigned _tokenSubscription;
-    unsigned _closedSubscription;
-    unsigned _ownerSubscription;
+    std::vector<unsigned> _subscriptions;
     std::uint32_t _id = 0; ///< As the desktop numbers it; 0 while there is none.
     std::optional<Message> _wanted;
     bool _isOutdated = false; ///< What is on its way to the screen.

@@ -21,20 +21,13 @@ TraylessNotice::TraylessNotice(GDBusConnection* sessionBus, StandInWindow& windo
     , _notification{
           sessionBus,
           [&window, pick = std::move(pick)](std::string_view key) { key == "default" ? window.open() : pick(key); },
-          activationToken} {
-    const auto lockChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                                gpointer self) {
-        auto& notice = *static_cast<TraylessNotice*>(self);
-        if (notice._isTrayMissing && !notice._isTold) {
-            notice.wait();
-        }
-    };
-    _lockSubscription = g_dbus_connection_signal_subscribe(sessionBus, lockScreen, lockScreenInterface,
-                                                           "ActiveChanged", lockScreenPath, nullptr,
-                                                           G_DBUS_SIGNAL_FLAGS_NONE, lockChanged, this, nullptr);
-}
+          activationToken} {}
 
-TraylessNotice::~TraylessNotice() { g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _lockSubscription); }
+TraylessNotice::~TraylessNotice() {
+    if (_lockSubscription != 0) {
+        g_dbus_connection_signal_unsubscribe(_sessionBus.get(), _lockSubscription);
+    }
+}
 
 void TraylessNotice::trayChanged(bool isPresent) {
     _isTrayMissing = !isPresent;
@@ -55,7 +48,24 @@ void TraylessNotice::wait() {
     }
 }
 
+/// Not before a panel is missing, as few do.
+void TraylessNotice::listenToLock() {
+    const auto lockChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                                gpointer self) {
+        auto& notice = *static_cast<TraylessNotice*>(self);
+        if (notice._isTrayMissing && !notice._isTold) {
+            notice.wait();
+        }
+    };
+    _lockSubscription = g_dbus_connection_signal_subscribe(_sessionBus.get(), lockScreen, lockScreenInterface,
+                                                           "ActiveChanged", lockScreenPath, nullptr,
+                                                           G_DBUS_SIGNAL_FLAGS_NONE, lockChanged, this, nullptr);
+}
+
 void TraylessNotice::tellUnlessLocked() {
+    if (_lockSubscription == 0) {
+        listenToLock();
+    }
     const BusMethod question{lockScreen, lockScreenPath, lockScreenInterface, "GetActive"};
     _lockQuestion.start(_sessionBus.get(), question, nullptr, "(b)",
                         [this](const VariantHandle& answer, const ErrorSlot&) {

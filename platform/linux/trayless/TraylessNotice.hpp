@@ -36,6 +36,7 @@ public:
 
 private:
     void wait();
+    void listenToLock();
     void tellUnlessLocked();
     void tell();
 
@@ -44,7 +45,7 @@ private:
     Notification _notification;
     BusCall _lockQuestion;
     DelayedCall _patience;
-    unsigned _lockSubscription;
+    unsigned _lockSubscription = 0;
     std::vector<std::string> _entries;
     bool _isTrayMissing = false;
     bool _isTold = false;
