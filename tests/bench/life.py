@@ -18,6 +18,7 @@ def memories(desktop):
     show_popups(timer)
     show_settings(timer)
     show_small_window(timer)
+    timer.command("Restart")  # what holds nothing goes back at the beginning of a turn
     idle.await_quiet(timer.program.pid)
     after = costs.memory(timer.program.pid)
     timer.command("Quit")

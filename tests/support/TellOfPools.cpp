@@ -17,7 +17,7 @@ bool comesBack() {
         piece = g_slice_alloc(size);
     }
     const std::size_t before = mallinfo2().uordblks;
-    for (const gpointer piece : pieces) {
+    for (void* const piece : pieces) {
         g_slice_free1(size, piece);
     }
     return before - mallinfo2().uordblks > pieces.size() * size / 2;
