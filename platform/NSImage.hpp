@@ -3,9 +3,11 @@
 // Pictures, fonts, colours and styled text: plain values that say what is to be drawn. Desktops draw them.
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace platform {
 
@@ -17,15 +19,33 @@ struct NSSize {
 };
 
 /// A picture from the program's resources, with the size at which it is to be drawn.
-struct NSImage {
-    std::string name;          ///< The resource's file name with its extension.
-    std::filesystem::path url; ///< Where the resource lies.
-    NSSize size;               ///< In points; at first the picture's own size.
+class NSImage {
+public:
+    NSImage(std::string name, std::filesystem::path url, NSSize size)
+        : size{size}
+        , _file{std::make_shared<const File>(File{std::move(name), std::move(url)})} {}
 
     /// The picture of that file name among the resources; nothing if it is missing or no picture.
     static std::optional<NSImage> named(std::string_view name);
 
-    bool operator==(const NSImage&) const = default;
+    /// The resource's file name with its extension.
+    const std::string& name() const { return _file->name; }
+
+    /// Where the resource lies.
+    const std::filesystem::path& url() const { return _file->url; }
+
+    NSSize size; ///< In points; at first the picture's own size.
+
+    bool operator==(const NSImage& other) const { return size == other.size && *_file == *other._file; }
+
+private:
+    struct File {
+        std::string name;
+        std::filesystem::path url;
+        bool operator==(const File&) const = default;
+    };
+
+    std::shared_ptr<const File> _file; ///< Shared by all copies, of which one is made every second.
 };
 
 /// A font that every desktop has.

@@ -66,7 +66,7 @@ NSImageView* makePicture(const platform::NSImage& image) {
     NSImageView* const picture = [[[NSImageView alloc] initWithFrame:NSZeroRect] autorelease];
     [picture setImageFrameStyle:NSImageFrameNone];
     [picture setImageScaling:NSImageScaleProportionallyUpOrDown];
-    [picture setImage:[NSImage imageNamed:toCocoa(image.name)]];
+    [picture setImage:[NSImage imageNamed:toCocoa(image.name())]];
     return picture;
 }
 

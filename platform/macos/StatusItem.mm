@@ -89,9 +89,9 @@ void StatusItem::updateButton(NSStatusBarButton* button) {
 }
 
 void StatusItem::updateImage(NSStatusBarButton* button, const platform::NSImage& image) {
-    if (!_shown.image || _shown.image->name != image.name) {
+    if (!_shown.image || _shown.image->name() != image.name()) {
         // a copy, because its size is changed below and the named picture is shared by the whole program
-        const Retained<NSImage> copy{[[NSImage imageNamed:toCocoa(image.name)] copy]};
+        const Retained<NSImage> copy{[[NSImage imageNamed:toCocoa(image.name())] copy]};
         [button setImage:copy.get()];
     }
     if (image.size != sizeOf([button image])) {
@@ -102,8 +102,8 @@ void StatusItem::updateImage(NSStatusBarButton* button, const platform::NSImage&
 /// The program sets its picture every second and then the size of it; the picture on screen keeps its size
 /// meanwhile.
 bool StatusItem::isAboutToBeSized(const platform::NSImage& image) const {
-    return _shown.image && _shown.image->name == image.name &&
-           image.size == sizeOf([NSImage imageNamed:toCocoa(image.name)]);
+    return _shown.image && _shown.image->name() == image.name() &&
+           image.size == sizeOf([NSImage imageNamed:toCocoa(image.name())]);
 }
 
 } // namespace macos

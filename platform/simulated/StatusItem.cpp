@@ -19,7 +19,7 @@ std::optional<NSColor> SimulatedDesktop::titleColor() const {
 
 std::string SimulatedDesktop::icon() const {
     const auto& image = statusItem().button()->image();
-    return image ? image->name : "";
+    return image ? image->name() : "";
 }
 
 SimulatedDesktop::Lines SimulatedDesktop::menu() const {

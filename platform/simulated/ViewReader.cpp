@@ -81,7 +81,7 @@ Lines linesOf(const View& view, const std::optional<std::string>& typed) {
     Lines lines = std::visit(
         Overloaded{
             [](const node::Text& text) { return Lines{plain(text)}; },
-            [](const node::Image& picture) { return Lines{"picture " + picture.image.name}; },
+            [](const node::Image& picture) { return Lines{"picture " + picture.image.name()}; },
             [&](const node::TextField& field) { return Lines{shown(field, typed)}; },
             [](const node::Toggle& toggle) { return Lines{(toggle.isOn.get() ? "[x]" : "[ ]") + toggle.title}; },
             [](const node::Picker& picker) { return Lines{shown(picker)}; },

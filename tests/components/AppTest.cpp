@@ -163,7 +163,7 @@ TEST(TheApplicationObject, IsKeptWhenItsRunLoopHasEnded) {
 
 TEST(TheApplicationPicture, IsTheColouredOne) {
     StoryDesktop desktop;
-    EXPECT_EQ(App::Icon::image().name, "Marvelode.png");
+    EXPECT_EQ(App::Icon::image().name(), "Marvelode.png");
     EXPECT_EQ(&App::Icon::image(), &App::Icon::image());
 }
 

@@ -50,7 +50,7 @@ TEST_F(TheForm, HasAHeaderWithThePictureInItsProportions) {
     const auto& header = std::get<node::Stack>(std::get<node::Stack>(desktop.panelContent().node).children[0].node);
     ASSERT_EQ(header.children.size(), 2U);
     const View& picture = header.children[0];
-    EXPECT_EQ(std::get<node::Image>(picture.node).image.name, "Marvelode.png");
+    EXPECT_EQ(std::get<node::Image>(picture.node).image.name(), "Marvelode.png");
     EXPECT_EQ(picture.last<modifier::Frame>()->height, 50);
     EXPECT_DOUBLE_EQ(picture.last<modifier::Frame>()->width.value(), 50.0 / 832 * 512);
     EXPECT_EQ(picture.last<modifier::Padding>()->edges, Edges::Trailing);

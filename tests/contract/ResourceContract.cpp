@@ -46,7 +46,7 @@ TEST_F(ResourceFiles, ThatArePicturesHaveTheirNameAndASize) {
     runToEnd([] {
         const auto picture = NSImage::named("Marvelode.png");
         ASSERT_TRUE(picture);
-        EXPECT_EQ(picture->name, "Marvelode.png");
+        EXPECT_EQ(picture->name(), "Marvelode.png");
         EXPECT_GT(picture->size.width, 0);
         EXPECT_GT(picture->size.height, 0);
     });

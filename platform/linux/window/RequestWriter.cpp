@@ -79,7 +79,7 @@ GVariant* encodeNode(const Node& node) {
                 return named(text, g_variant_builder_end(&runs));
             },
             [](const node::Image& image) {
-                return named(image, g_variant_new("(^aydd)", image.image.url.c_str(), image.image.size.width,
+                return named(image, g_variant_new("(^aydd)", image.image.url().c_str(), image.image.size.width,
                                                   image.image.size.height));
             },
             [](const node::TextField& field) {

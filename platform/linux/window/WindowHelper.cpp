@@ -173,7 +173,7 @@ int WindowHelper::runAlert(NSAlert& alert) {
 std::optional<int> WindowHelper::show(NSAlert& alert) {
     const auto picture = NSImage::named(alert.icon.value_or("Marvelode.png"));
     Session session{*this, false};
-    session.send(AlertRequest{session.window, alert, picture ? picture->url : std::filesystem::path{}});
+    session.send(AlertRequest{session.window, alert, picture ? picture->url() : std::filesystem::path{}});
     while (const auto event = session.nextEvent()) {
         if (event->kind == Event::Kind::Pressed && event->control < alert.buttons().size()) {
             return NSAlert::FirstButtonReturn + static_cast<int>(event->control);

@@ -91,7 +91,8 @@ Content::Widgets Content::build(const View& view, Font font) {
 
 GtkWidget* Content::build(const node::Image& image, const View& view) {
     const auto* frame = view.last<modifier::Frame>();
-    return picture(image.image.url, frame ? frame->width.value_or(image.image.size.width) : image.image.size.width,
+    return picture(image.image.url(),
+                   frame ? frame->width.value_or(image.image.size.width) : image.image.size.width,
                    frame ? frame->height.value_or(image.image.size.height) : image.image.size.height);
 }
 
