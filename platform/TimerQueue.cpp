@@ -30,7 +30,7 @@ nanoseconds period(TimeInterval seconds) {
 
 void TimerQueue::add(std::shared_ptr<Timer> timer, Instant now) {
     const Instant due = now + period(timer->interval());
-    _entries.push_back({std::move(timer), due, _nextOrder++, false});
+    _entries.push_back({std::move(timer), due, _nextOrder++, 0, false});
 }
 
 void TimerQueue::remove(const Timer& timer) {
@@ -42,24 +42,35 @@ std::optional<TimerQueue::Instant> TimerQueue::nextDue(RunLoopMode mode) const {
     return entry ? std::optional{entry->due} : std::nullopt;
 }
 
+TimerQueue::Instant TimerQueue::tolerance(RunLoopMode mode) const {
+    const Entry* const first = next(mode);
+    Instant last = first ? latest(*first) : Instant{0};
+    for (const Entry& entry : _entries) {
+        last = mayFire(entry, mode) ? std::min(last, latest(entry)) : last;
+    }
+    return first ? last - first->due : Instant{0};
+}
+
 bool TimerQueue::fireDue(Instant now, RunLoopMode mode) {
     // Timers scheduled from here on wait for the next call, so that no chain of them can hold the loop.
     const std::uint64_t newcomers = _nextOrder;
-    std::vector<const Timer*> fired;
+    const std::uint64_t call = ++_calls; // a later number marks what a nested call has fired
+    bool hasFired = false;
     for (;;) {
         Entry* best = nullptr;
         for (Entry& entry : _entries) {
-            const bool isCandidate = entry.due <= now && entry.order < newcomers && mayFire(entry, mode) &&
-                                     std::find(fired.begin(), fired.end(), entry.timer.get()) == fired.end();
+            const bool isCandidate =
+                entry.due <= now && entry.order < newcomers && entry.lastCall < call && mayFire(entry, mode);
             if (isCandidate && (!best || std::tie(entry.due, entry.order) < std::tie(best->due, best->order))) {
                 best = &entry;
             }
         }
         if (!best) {
-            return !fired.empty();
+            return hasFired;
         }
         const std::shared_ptr<Timer> timer = best->timer;
-        fired.push_back(timer.get());
+        hasFired = true;
+        best->lastCall = call;
         best->isFiring = true;
         if (timer->repeats()) {
             const nanoseconds step = period(timer->interval());
@@ -76,6 +87,12 @@ bool TimerQueue::mayFire(const Entry& entry, RunLoopMode mode) const {
     const bool modeAllows =
         mode == RunLoopMode::Default || (entry.timer->repeats() && _policy == RepeatingTimersDuringModal::Fire);
     return modeAllows && !entry.isFiring;
+}
+
+/// When it is not late yet.
+TimerQueue::Instant TimerQueue::latest(const Entry& entry) {
+    constexpr int shareOfInterval = 20;
+    return entry.timer->repeats() ? entry.due + period(entry.timer->interval()) / shareOfInterval : entry.due;
 }
 
 const TimerQueue::Entry* TimerQueue::next(RunLoopMode mode) const {

@@ -40,6 +40,10 @@ public:
     /// When the next timer that may fire in `mode` falls due; nothing if none is pending.
     std::optional<Instant> nextDue(RunLoopMode mode) const;
 
+    /// How long after `nextDue` the owner may come back without making any timer later than it may be: a repeating
+    /// timer by a twentieth of its interval, the others not at all.
+    Instant tolerance(RunLoopMode mode) const;
+
     /// Fires every timer that is due at `now` and may fire in `mode`, each at most once. Actions may add and
     /// remove timers and may run a nested loop that calls this again; a timer never fires inside its own action.
     /// Returns whether any timer fired.
@@ -52,16 +56,19 @@ private:
         std::shared_ptr<Timer> timer;
         Instant due;
         std::uint64_t order;
+        std::uint64_t lastCall; // of `fireDue` in which it fired; 0 for none
         bool isFiring;
     };
 
     bool mayFire(const Entry& entry, RunLoopMode mode) const;
+    static Instant latest(const Entry& entry);
     const Entry* next(RunLoopMode mode) const;
     Entry* find(const Timer& timer);
 
     RepeatingTimersDuringModal _policy;
     std::vector<Entry> _entries; // two or three timers exist at any time: a linear search beats any tree
     std::uint64_t _nextOrder = 0;
+    std::uint64_t _calls = 0; // of `fireDue` so far
 };
 
 } // namespace platform

@@ -1,5 +1,7 @@
 #include "platform/linux/EventLoop.hpp"
 
+#include <sys/prctl.h>
+
 #include <algorithm>
 #include <chrono>
 #include <limits>
@@ -9,6 +11,26 @@ namespace platform::linux {
 namespace {
 
 TimerQueue::Instant monotonicNow() { return std::chrono::microseconds{g_get_monotonic_time()}; }
+
+/// The wait that the timers ask for, and how much longer it may take. GLib hands neither on to what waits.
+struct TimersWait {
+    int milliseconds;
+    TimerQueue::Instant tolerance;
+} timersWait{};
+
+/// Waits for what is due first. What the program does otherwise, and those that it starts, keep the system's usual
+/// tolerance.
+int waitTolerantly(GPollFD* descriptors, unsigned count, int milliseconds) {
+    constexpr unsigned long usual = 0;
+    const bool isForTimers = milliseconds > 0 && milliseconds == timersWait.milliseconds;
+    if (!isForTimers || timersWait.tolerance <= TimerQueue::Instant::zero()) {
+        return g_poll(descriptors, count, milliseconds);
+    }
+    prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(timersWait.tolerance.count()));
+    const int result = g_poll(descriptors, count, milliseconds);
+    prctl(PR_SET_TIMERSLACK, usual);
+    return result;
+}
 
 } // namespace
 
@@ -20,7 +42,9 @@ struct EventLoop::Source {
     static EventLoop& loopOf(GSource* source) { return *reinterpret_cast<Source*>(source)->loop; }
 
     static gboolean prepare(GSource* source, int* timeout) {
-        *timeout = loopOf(source).millisecondsToWait();
+        const EventLoop& loop = loopOf(source);
+        *timeout = loop.millisecondsToWait();
+        timersWait = {*timeout, loop._timers.tolerance(loop._mode())};
         return *timeout == 0;
     }
     static gboolean check(GSource* source) { return loopOf(source).isReady(); }
@@ -39,9 +63,11 @@ EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> se
     reinterpret_cast<Source*>(_source)->loop = this;
     g_source_set_can_recurse(_source, TRUE); // an alert runs inside the action of a timer
     g_source_attach(_source, nullptr);
+    g_main_context_set_poll_func(nullptr, waitTolerantly);
 }
 
 EventLoop::~EventLoop() {
+    g_main_context_set_poll_func(nullptr, nullptr);
     g_source_destroy(_source);
     g_source_unref(_source);
 }

@@ -1,7 +1,8 @@
 #pragma once
 
 // The program's run loop on GLib's main context: timers, work to be done later, and the settling of changes after
-// each event. It wakes only for what is due.
+// each event. It wakes only for what is due; for the refresh of the text alone it may wake a little late, together
+// with other programs.
 
 #include "platform/TimerQueue.hpp"
 

@@ -53,6 +53,17 @@ TEST_F(AQueue, KeepsTheOrderOfSchedulingAmongThoseDueAtOnce) {
     EXPECT_EQ(fired, (std::vector<std::string>{"a", "b"}));
 }
 
+TEST_F(AQueue, ToleratesThatARepeatingTimerIsLateAndNoOther) {
+    EXPECT_EQ(firing.tolerance(RunLoopMode::Default), 0ms);
+    firing.add(timer(1, "tick", true), 0s);
+    EXPECT_EQ(firing.tolerance(RunLoopMode::Default), 50ms);
+    firing.add(timer(1, "soon after"), 30ms);
+    EXPECT_EQ(firing.tolerance(RunLoopMode::Default), 30ms);
+    firing.add(timer(1, "at once"), 0s);
+    EXPECT_EQ(firing.tolerance(RunLoopMode::Default), 0ms);
+    EXPECT_EQ(firing.tolerance(RunLoopMode::Modal), 50ms) << "only the tick fires";
+}
+
 TEST_F(AQueue, FiresALateRepeatingTimerOnceAndKeepsItsPhase) {
     queue.add(timer(1, "tick", true), 500ms);
     EXPECT_EQ(queue.nextDue(RunLoopMode::Default), 1500ms);

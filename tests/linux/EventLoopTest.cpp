@@ -1,15 +1,42 @@
-// The run loop: when it settles what has changed, how often it wakes, and what becomes of work at its end.
+// The run loop: when it settles what has changed, how often and how punctually it wakes, and what becomes of work
+// at its end.
 
 #include "platform/linux/EventLoop.hpp"
 
 #include "tests/support/BareDesktop.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace platform::linux {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How late the kernel may end a wait of this thread.
+std::chrono::nanoseconds slack() { return std::chrono::nanoseconds{prctl(PR_GET_TIMERSLACK)}; }
+
+std::function<void()> insteadOfWaiting; // if that is set
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+extern "C" int __real_g_poll(GPollFD* descriptors, unsigned count, int milliseconds);
+extern "C" int __wrap_g_poll(GPollFD* descriptors, unsigned count, int milliseconds) {
+    if (!insteadOfWaiting) {
+        return __real_g_poll(descriptors, count, milliseconds);
+    }
+    insteadOfWaiting();
+    return 0;
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
 namespace {
 
 TEST(Loop, LetsGoOfWhatIsLeftUndoneAtItsEnd) {
@@ -52,6 +79,63 @@ TEST(Loop, WakesOnceForOneTimer) {
     loop.iterate();
     EXPECT_TRUE(hasFired) << "it woke too early";
     EXPECT_EQ(settlings, 1);
+}
+
+/// A loop with timers, and how punctual its next wait is meant to be.
+class PunctualLoop : public testing::Test {
+protected:
+    void schedule(double seconds, bool repeats) {
+        loop.schedule(Timer::scheduledTimer(
+            seconds, [](const std::shared_ptr<Timer>&) {}, {}, repeats));
+    }
+    void tickEverySecond() { schedule(1, true); }
+    void breakIn(double seconds) { schedule(seconds, false); }
+
+    std::chrono::nanoseconds slackOfNextWait() {
+        std::optional<std::chrono::nanoseconds> found;
+        insteadOfWaiting = [&] { found = slack(); };
+        loop.iterate();
+        insteadOfWaiting = nullptr;
+        EXPECT_EQ(slack(), usual) << "for what is done after the wait";
+        return found.value();
+    }
+
+    const BareDesktop desktop{"none"};
+    const std::chrono::nanoseconds usual = slack();
+    RunLoopMode mode = RunLoopMode::Default;
+    EventLoop loop{[this] { return mode; }, [] {}};
+};
+
+TEST_F(PunctualLoop, LetsTheTickWaitForAnotherWakeUpOfTheMachine) {
+    tickEverySecond();
+    EXPECT_EQ(slackOfNextWait(), 50ms);
+}
+
+TEST_F(PunctualLoop, IsExactForABreakAheadOfTheTick) {
+    tickEverySecond();
+    breakIn(0.5);
+    EXPECT_EQ(slackOfNextWait(), usual);
+}
+
+TEST_F(PunctualLoop, IsExactForABreakSoonAfterTheTick) {
+    breakIn(1.02);
+    tickEverySecond();
+    EXPECT_LE(slackOfNextWait(), 20ms);
+}
+
+TEST_F(PunctualLoop, LetsTheTickWaitWhileAWindowHoldsUpTheBreak) {
+    tickEverySecond();
+    breakIn(0.5);
+    mode = RunLoopMode::Modal;
+    EXPECT_EQ(slackOfNextWait(), 50ms);
+}
+
+TEST_F(PunctualLoop, IsExactForWhatIsNoTimerOfItsOwn) {
+    tickEverySecond();
+    const unsigned other = g_timeout_add(
+        500, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
+    EXPECT_EQ(slackOfNextWait(), usual);
+    g_source_remove(other);
 }
 
 TEST(Loop, BeginsAnEventAheadOfItsTimers) {
