@@ -34,6 +34,11 @@ bool NSMenu::validates(const NSMenuItem& item) const {
     return autoenablesItems ? item.action != nullptr : item.isEnabled.value_or(true);
 }
 
+const NSMenu::Items& itemsOf(const std::shared_ptr<NSMenu>& menu) {
+    static const NSMenu::Items none;
+    return menu ? menu->items() : none;
+}
+
 void NSMenu::performActionForItem(NSMenuItem& item) const {
     if (validates(item) && item.action) {
         item.action(item);

@@ -65,7 +65,8 @@ public:
     bool autoenablesItems = true;       ///< On: exactly the entries that have an action can be picked.
 
     void addItem(std::shared_ptr<NSMenuItem> item) { _items.push_back(std::move(item)); }
-    const std::vector<std::shared_ptr<NSMenuItem>>& items() const { return _items; }
+    using Items = std::vector<std::shared_ptr<NSMenuItem>>;
+    const Items& items() const { return _items; }
 
     /// The first entry of that title; null if there is none.
     std::shared_ptr<NSMenuItem> itemWithTitle(std::string_view title) const;
@@ -77,7 +78,10 @@ public:
     void performActionForItem(NSMenuItem& item) const;
 
 private:
-    std::vector<std::shared_ptr<NSMenuItem>> _items;
+    Items _items;
 };
+
+/// The entries of `menu`; none if that is null.
+const NSMenu::Items& itemsOf(const std::shared_ptr<NSMenu>& menu);
 
 } // namespace platform

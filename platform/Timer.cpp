@@ -10,7 +10,7 @@ Date Date::now() { return desktop().now(); }
 
 Timer::Timer(TimeInterval interval, Action action, std::any userInfo, bool repeats)
     : _interval{interval}
-    , _action{std::move(action)}
+    , _action{std::make_shared<const Action>(std::move(action))}
     , _userInfo{std::move(userInfo)}
     , _repeats{repeats} {}
 
@@ -31,14 +31,14 @@ void Timer::invalidate() {
         return;
     }
     _isValid = false;
-    const Action released = std::exchange(_action, nullptr); // may own the owners of this timer
+    const auto released = std::exchange(_action, nullptr); // may own the owners of this timer
     desktop().cancel(*this);
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): keeps the timer, whatever its action lets go of
 void Timer::fire(std::shared_ptr<Timer> timer) {
-    const Action action = timer->_action; // stays, also if the action invalidates the timer
-    action(timer);
+    const auto action = timer->_action; // stays, also if the action invalidates the timer
+    (*action)(timer);
     if (!timer->_repeats) {
         timer->invalidate();
     }

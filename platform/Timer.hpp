@@ -47,7 +47,7 @@ private:
     Timer(TimeInterval interval, Action action, std::any userInfo, bool repeats);
 
     TimeInterval _interval;
-    Action _action;
+    std::shared_ptr<const Action> _action; ///< Shared by each firing, which it must outlast.
     std::any _userInfo;
     bool _repeats;
     bool _isValid = true;

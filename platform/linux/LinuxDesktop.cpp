@@ -227,13 +227,14 @@ void LinuxDesktop::settle() {
         _menu.emplace(_sessionBus.get(), StatusNotifierItem::menuPath,
                       [this](std::function<void()> pick) { _loop.post(std::move(pick)); });
     }
+    const StatusContent& content = statusContent();
     _menu->show(_statusItem->menu());
-    _statusWindow.show(statusContent(), _statusItem->menu());
+    _statusWindow.show(content, _statusItem->menu());
     if (_statusNotifierItem) {
-        _statusNotifierItem->show(statusContent());
+        _statusNotifierItem->show(content);
     } else {
         _statusNotifierItem.emplace(
-            _sessionBus.get(), _resources, statusContent(),
+            _sessionBus.get(), _resources, content,
             [this](bool isPresent) { _traylessNotice.trayChanged(isPresent); }, [this] { _statusWindow.open(); },
             _activationToken, _errorLog);
     }
@@ -248,18 +249,28 @@ std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() {
     return _breakSinceBoot ? std::optional{*_breakSinceBoot - now} : std::nullopt;
 }
 
-StatusContent LinuxDesktop::statusContent() {
+const StatusContent& LinuxDesktop::statusContent() {
     const NSStatusBarButton& button = *_statusItem->button();
     const NSAttributedString& title = button.attributedTitle();
     const std::optional<TimeInterval> secondsLeft = secondsUntilBreak();
-    return {title.string, title.foregroundColor, button.image() ? button.image()->name : std::string{},
-            shareLeft(secondsLeft), words(secondsLeft)};
+    _statusContent.text = title.string;
+    _statusContent.colour = title.foregroundColor;
+    _statusContent.image = button.image() ? std::string_view{button.image()->name()} : std::string_view{};
+    _statusContent.shareLeft = shareLeft(secondsLeft);
+    putWords(secondsLeft);
+    return _statusContent;
 }
 
-std::string LinuxDesktop::words(const std::optional<TimeInterval>& secondsLeft) {
-    const std::string time = secondsLeft ? inWords(*secondsLeft) : "Marvelode Timer";
-    const std::string reason = holdReason();
-    return reason.empty() ? time : time + " (held: " + reason + ")";
+void LinuxDesktop::putWords(const std::optional<TimeInterval>& secondsLeft) {
+    std::string& words = _statusContent.words;
+    if (secondsLeft) {
+        putInWords(words, *secondsLeft);
+    } else {
+        words = "Marvelode Timer";
+    }
+    if (const std::string& reason = holdReason(); !reason.empty()) {
+        words.append(" (held: ").append(reason).append(")");
+    }
 }
 
 /// The bar is full again once the break is due.

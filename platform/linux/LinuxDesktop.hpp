@@ -119,7 +119,7 @@ public:
     void release();
 
     /// Why reminders are held back; empty if they are not.
-    std::string holdReason() { return _holding.reason(); }
+    const std::string& holdReason() { return _holding.reason(); }
 
     /// The text beside the icon.
     std::string statusText() const;
@@ -133,8 +133,8 @@ private:
     bool admitsReminder();
     bool makeSound(std::function<bool()> play);
     void settle();
-    StatusContent statusContent();
-    std::string words(const std::optional<TimeInterval>& secondsLeft);
+    const StatusContent& statusContent();
+    void putWords(const std::optional<TimeInterval>& secondsLeft);
     std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft) const;
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
 
@@ -160,6 +160,7 @@ private:
     std::function<void()> _look = [] {};
     std::optional<TimeInterval> _breakSinceBoot; ///< When the break comes or came due.
     std::shared_ptr<NSStatusItem> _statusItem;
+    StatusContent _statusContent; ///< Filled anew after each event, in place: most change nothing in it.
     std::optional<MenuExport> _menu;
     StatusWindow _statusWindow;
     TraylessNotice _traylessNotice;

@@ -88,14 +88,17 @@ void WholeProgram::install(const char* helper, const std::string& commands) cons
     fs::permissions(_folder.write(place, "#!/bin/sh\n" + commands), fs::perms::owner_all);
 }
 
-void WholeProgram::start() {
+void WholeProgram::start(std::vector<std::string> arguments) {
     for (auto& count : _plan->calls) {
         count = 0;
     }
     _plan->secondsPassed = 0;
-    std::string program = _folder.path / "bin/marvelode-timer";
-    std::string option = "-test";
-    std::vector<char*> arguments{program.data(), option.data(), nullptr};
+    arguments.insert(arguments.begin(), _folder.path / "bin/marvelode-timer");
+    std::vector<char*> words;
+    for (std::string& argument : arguments) {
+        words.push_back(argument.data());
+    }
+    words.push_back(nullptr);
     gchar** environment = g_get_environ();
     for (const auto& [variable, value] : {std::pair{"XDG_CONFIG_HOME", (_folder.path / "config").string()},
                                           {"HOME", _folder.path.string()},
@@ -116,8 +119,8 @@ void WholeProgram::start() {
     const auto endWithTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGKILL); };
     const int output = open((_folder.path / "output").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     ErrorSlot error;
-    ASSERT_TRUE(g_spawn_async_with_fds(nullptr, arguments.data(), environment, G_SPAWN_DO_NOT_REAP_CHILD,
-                                       endWithTest, nullptr, &_process, -1, output, output, error.out()))
+    ASSERT_TRUE(g_spawn_async_with_fds(nullptr, words.data(), environment, G_SPAWN_DO_NOT_REAP_CHILD, endWithTest,
+                                       nullptr, &_process, -1, output, output, error.out()))
         << error.message();
     g_strfreev(environment);
     close(output);

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace faults {
 
@@ -40,8 +41,9 @@ public:
     /// Puts a shell script in the place of one of its helper programs.
     void install(const char* helper, const std::string& commands) const;
 
-    /// Starts it in test mode, with intervals of 30 seconds and snoozes of 5. What `plan` counts begins anew.
-    void start();
+    /// Starts it with that command line, or else in test mode, with intervals of 30 seconds and snoozes of 5. What
+    /// `plan` counts begins anew.
+    void start(std::vector<std::string> arguments = {"-test"});
     /// Ends it without ado if it runs.
     void kill();
 

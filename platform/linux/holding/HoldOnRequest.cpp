@@ -27,11 +27,16 @@ void HoldOnRequest::begin(std::chrono::seconds span) {
     _reason = "on request until " + timeOfDayAfter(span);
 }
 
-std::string HoldOnRequest::reason() {
+void HoldOnRequest::end() {
+    _end.reset();
+    _reason.clear();
+}
+
+const std::string& HoldOnRequest::reason() {
     if (_end && _secondsSinceBoot() >= *_end) {
-        _end.reset();
+        end();
     }
-    return _end ? _reason : "";
+    return _reason;
 }
 
 } // namespace platform::linux

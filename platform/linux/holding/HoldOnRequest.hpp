@@ -18,10 +18,10 @@ public:
 
     /// Holds for `span` from now, whatever was asked for before.
     void begin(std::chrono::seconds span);
-    void end() { _end.reset(); }
+    void end();
 
     /// "on request until 15:04", or an empty text when there is no hold.
-    std::string reason();
+    const std::string& reason();
 
 private:
     std::function<TimeInterval()> _secondsSinceBoot;

@@ -12,8 +12,8 @@ Holding::Holding(DesktopSettings& settings, HoldQuestion& question, std::functio
     , _settings{settings}
     , _question{question} {}
 
-std::string Holding::reason() {
-    const std::string requested = request.reason();
+const std::string& Holding::reason() {
+    const std::string& requested = request.reason();
     return requested.empty() && !_wasRequested ? gate.reason() : requested;
 }
 

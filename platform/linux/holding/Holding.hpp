@@ -26,7 +26,7 @@ public:
     HoldOnRequest request;
 
     /// Why reminders are held back at present, or the last reminder was; empty otherwise.
-    std::string reason();
+    const std::string& reason();
 
 private:
     void ask(ReminderGate::Answered answered);

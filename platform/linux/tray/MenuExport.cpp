@@ -96,15 +96,17 @@ MenuExport::MenuExport(GDBusConnection* bus, std::string path, std::function<voi
                  [this](std::string_view method, GVariant* arguments) { return answer(method, arguments); },
                  property} {}
 
-void MenuExport::show(std::shared_ptr<NSMenu> menu) {
-    _menu = std::move(menu);
-    std::vector<Entry> entries = _menu ? entriesOf(*_menu) : std::vector<Entry>{};
-    const std::vector<Entry> before = std::exchange(_entries, std::move(entries));
-    if (_entries.size() != before.size()) {
-        _interface.emit("LayoutUpdated", g_variant_new("(ui)", ++_revision, root));
+void MenuExport::show(const std::shared_ptr<NSMenu>& menu) {
+    _menu = menu;
+    if (isShown()) {
         return;
     }
-    if (_entries == before) {
+    const std::vector<Entry> before = std::exchange(_entries, {});
+    for (const auto& item : itemsOf(_menu)) {
+        _entries.push_back(entryOf(*item));
+    }
+    if (_entries.size() != before.size()) {
+        _interface.emit("LayoutUpdated", g_variant_new("(ui)", ++_revision, root));
         return;
     }
     GVariantBuilder updated;
@@ -118,13 +120,13 @@ void MenuExport::show(std::shared_ptr<NSMenu> menu) {
     _interface.emit("ItemsPropertiesUpdated", g_variant_new("(a(ia{sv})a(ias))", &updated, nullptr));
 }
 
-std::vector<MenuExport::Entry> MenuExport::entriesOf(const NSMenu& menu) {
-    std::vector<Entry> entries;
-    for (const std::shared_ptr<NSMenuItem>& item : menu.items()) {
-        entries.push_back({item->isSeparatorItem(), menu.validates(*item), item->hasState(),
-                           item->state() == NSMenuItem::StateValue::On, item->title, item->keyEquivalent});
-    }
-    return entries;
+MenuExport::Entry MenuExport::entryOf(const NSMenuItem& item) const {
+    return {&item, _menu->validates(item), item.hasState(), item.state() == NSMenuItem::StateValue::On};
+}
+
+/// Whether the panel was told everything already, which is so nearly every second.
+bool MenuExport::isShown() const {
+    return std::ranges::equal(itemsOf(_menu), _entries, {}, [this](const auto& item) { return entryOf(*item); });
 }
 
 /// The properties named in `wanted`, or all of them if that is empty.
@@ -137,18 +139,18 @@ GVariant* MenuExport::properties(const Entry& entry, const std::vector<std::stri
             g_variant_builder_add(&builder, "{sv}", name, kept.get());
         }
     };
-    if (entry.isSeparator) {
+    if (entry.item->isSeparatorItem()) {
         add("type", g_variant_new_string("separator"));
         return g_variant_builder_end(&builder);
     }
-    add("label", g_variant_new_string(label(entry.title).c_str()));
+    add("label", g_variant_new_string(label(entry.item->title).c_str()));
     add("enabled", g_variant_new_boolean(entry.isEnabled));
     if (entry.isToggle) {
         add("toggle-type", g_variant_new_string("checkmark"));
         add("toggle-state", g_variant_new_int32(entry.isOn));
     }
-    if (!entry.key.empty()) {
-        const char* const combination[] = {"Control", entry.key.c_str()};
+    if (const std::string& key = entry.item->keyEquivalent; !key.empty()) {
+        const char* const combination[] = {"Control", key.c_str()};
         GVariant* const keys = g_variant_new_strv(combination, 2);
         add("shortcut", g_variant_new_array(G_VARIANT_TYPE_STRING_ARRAY, &keys, 1));
     }

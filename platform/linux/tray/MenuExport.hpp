@@ -22,21 +22,20 @@ public:
     MenuExport(GDBusConnection* bus, std::string path, std::function<void(std::function<void()>)> post);
 
     /// Shows `menu` as it is now, and announces what has changed since the last time.
-    void show(std::shared_ptr<NSMenu> menu);
+    void show(const std::shared_ptr<NSMenu>& menu);
 
 private:
     /// What a panel is told of one entry.
     struct Entry {
-        bool isSeparator;
+        const NSMenuItem* item; ///< One of the menu, of which its titles are for good.
         bool isEnabled;
         bool isToggle;
         bool isOn;
-        std::string title;
-        std::string key;
         bool operator==(const Entry&) const = default;
     };
 
-    static std::vector<Entry> entriesOf(const NSMenu& menu);
+    Entry entryOf(const NSMenuItem& item) const;
+    bool isShown() const;
     static GVariant* properties(const Entry& entry, const std::vector<std::string>& wanted);
 
     VariantHandle answer(std::string_view method, GVariant* arguments);

@@ -6,30 +6,34 @@
 namespace platform::linux {
 namespace {
 
-std::string counted(double number, const char* unit) {
+void appendCount(std::string& text, double number, const char* unit) {
     const auto whole = static_cast<std::int64_t>(number);
-    return std::to_string(whole) + " " + unit + (whole == 1 ? "" : "s");
+    text += std::to_string(whole);
+    text += unit;
+    text += whole == 1 ? "" : "s";
 }
 
 } // namespace
 
-std::string inWords(TimeInterval secondsLeft) {
+void putInWords(std::string& text, TimeInterval secondsLeft) {
     constexpr TimeInterval minute = 60;
     constexpr TimeInterval hour = 3600;
     constexpr TimeInterval lastSeconds = 10;
     const bool isDue = secondsLeft < 0;
     const TimeInterval span = std::abs(secondsLeft);
     if (span < 1) {
-        return "Break now";
+        text = "Break now";
+        return;
     }
-    const std::string beginning = isDue ? "Break due for " : "Break in ";
+    text = isDue ? "Break due for " : "Break in ";
     if (span > hour) {
-        return beginning + "more than " + counted(span / hour, "hour");
+        text += "more than ";
+        appendCount(text, span / hour, " hour");
+    } else if (span < minute && (isDue || span <= lastSeconds)) {
+        appendCount(text, span, " second");
+    } else {
+        appendCount(text, span / minute + (isDue ? 0 : 1), " minute"); // the minute that has begun is counted
     }
-    if (span < minute && (isDue || span <= lastSeconds)) {
-        return beginning + counted(span, "second");
-    }
-    return beginning + counted(span / minute + (isDue ? 0 : 1), "minute"); // the minute that has begun is counted
 }
 
 } // namespace platform::linux

@@ -20,8 +20,8 @@ struct StatusContent {
     bool operator==(const StatusContent&) const = default;
 };
 
-/// The time until the break in words, as exact as the text beside the picture is: "Break in 9 minutes". Once the
-/// break is due, `secondsLeft` is negative: "Break due for 2 minutes".
-std::string inWords(TimeInterval secondsLeft);
+/// Puts the time until the break in words in place of `text`, as exact as the text beside the picture is: "Break in
+/// 9 minutes". Once the break is due, `secondsLeft` is negative: "Break due for 2 minutes".
+void putInWords(std::string& text, TimeInterval secondsLeft);
 
 } // namespace platform::linux

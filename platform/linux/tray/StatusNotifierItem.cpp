@@ -68,14 +68,13 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* bus, const Resources& re
     , _tray{bus, [this](std::string_view processName) { drawFor(processName); }, std::move(trayChanged), errorLog} {
 }
 
-void StatusNotifierItem::show(StatusContent content) {
+void StatusNotifierItem::show(const StatusContent& content) {
     const bool isPictureOld = _host->needsNewPicture(_content, content);
     const bool isTextOld = _content.text != content.text;
     const bool areWordsOld = _content.words != content.words;
-    if (!isPictureOld) {
-        content.shareLeft = _content.shareLeft; // what the panel shows, and is compared with next time
-    }
-    _content = std::move(content);
+    const std::optional<double> shareLeft = isPictureOld ? content.shareLeft : _content.shareLeft;
+    _content = content;
+    _content.shareLeft = shareLeft; // what the panel shows, and is compared with next time
     if (isPictureOld) {
         _interface.emit("NewIcon");
     }

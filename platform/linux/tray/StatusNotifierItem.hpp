@@ -31,7 +31,7 @@ public:
                        ActivationToken& activationToken, ErrorLog& errorLog);
 
     /// Shows `content` from now on.
-    void show(StatusContent content);
+    void show(const StatusContent& content);
 
     /// Which panel shows the item, and what it is given, for people.
     std::string panelInWords() const;

@@ -100,25 +100,28 @@ void StatusWindow::comeBack() {
     }
 }
 
-void StatusWindow::show(const StatusContent& content, std::shared_ptr<NSMenu> menu) {
-    _menu = std::move(menu);
-    const bool isOutdated = _process && (content.words != _words || entries() != _shown);
+void StatusWindow::show(const StatusContent& content, const std::shared_ptr<NSMenu>& menu) {
+    _menu = menu;
+    const bool isOutdated = _process && (content.words != _words || !isMenuShown());
     _words = content.words;
     if (isOutdated) {
         send(true);
     }
 }
 
-std::vector<StatusWindow::Entry> StatusWindow::entries() const {
-    std::vector<Entry> entries;
-    for (const auto& item : _menu ? _menu->items() : std::vector<std::shared_ptr<NSMenuItem>>{}) {
-        entries.push_back({_menu->validates(*item), item->state() == NSMenuItem::StateValue::On});
-    }
-    return entries;
+StatusWindow::Entry StatusWindow::entryOf(const NSMenuItem& item) const {
+    return {_menu->validates(item), item.state() == NSMenuItem::StateValue::On};
+}
+
+bool StatusWindow::isMenuShown() const {
+    return std::ranges::equal(itemsOf(_menu), _shown, {}, [this](const auto& item) { return entryOf(*item); });
 }
 
 void StatusWindow::send(bool isUnasked) {
-    _shown = entries();
+    _shown.clear();
+    for (const auto& item : itemsOf(_menu)) {
+        _shown.push_back(entryOf(*item));
+    }
     _process->send(PanelRequest{theWindow, title, true, false, isUnasked, view(), nullptr});
     if (!isAlive()) {
         handleSoon();
@@ -142,7 +145,7 @@ View StatusWindow::view() {
     rows.push_back(HStack(std::move(header)).padding(Edges::Bottom, gap));
 
     _controls.clear();
-    for (const auto& item : _menu ? _menu->items() : std::vector<std::shared_ptr<NSMenuItem>>{}) {
+    for (const auto& item : itemsOf(_menu)) {
         if (item->isSeparatorItem()) {
             continue;
         }

@@ -42,7 +42,7 @@ public:
     void close() override;
 
     /// What the window shows from now on, whether it is open or not.
-    void show(const StatusContent& content, std::shared_ptr<NSMenu> menu);
+    void show(const StatusContent& content, const std::shared_ptr<NSMenu>& menu);
 
 private:
     struct Entry {
@@ -51,7 +51,8 @@ private:
         bool operator==(const Entry&) const = default;
     };
 
-    std::vector<Entry> entries() const;
+    Entry entryOf(const NSMenuItem& item) const;
+    bool isMenuShown() const;
     View view();
     void start(bool isUnasked);
     void stop();

@@ -33,8 +33,10 @@ TEST(Words, SayWhatTheTextMeans) {
         {-3601, "Break due for more than 1 hour"},
         {-86400, "Break due for more than 24 hours"},
     };
+    std::string text = "what was there before";
     for (const auto& [secondsLeft, words] : table) {
-        EXPECT_EQ(inWords(secondsLeft), words) << secondsLeft;
+        putInWords(text, secondsLeft);
+        EXPECT_EQ(text, words) << secondsLeft;
     }
 }
 
