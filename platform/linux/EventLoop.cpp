@@ -3,6 +3,7 @@
 #include <sys/prctl.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <limits>
 #include <utility>
@@ -12,7 +13,8 @@ namespace {
 
 TimerQueue::Instant monotonicNow() { return std::chrono::microseconds{g_get_monotonic_time()}; }
 
-/// The wait that the timers ask for, and how much longer it may take. GLib hands neither on to what waits.
+/// The wait that the timers ask for, and how much longer it may take. GLib tells what waits how long, but not for
+/// whom.
 struct TimersWait {
     int milliseconds;
     TimerQueue::Instant tolerance;
@@ -28,7 +30,9 @@ int waitTolerantly(GPollFD* descriptors, unsigned count, int milliseconds) {
     }
     prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(timersWait.tolerance.count()));
     const int result = g_poll(descriptors, count, milliseconds);
+    const int reason = errno; // GLib's next question, whatever becomes of the call in between
     prctl(PR_SET_TIMERSLACK, usual);
+    errno = reason;
     return result;
 }
 

@@ -9,10 +9,11 @@
 
 extern "C" char* getenv(const char* name) noexcept {
     const std::string_view wanted = name;
-    for (char** each = environ; each && *each; ++each) {
-        const std::string_view variable = *each;
-        if (variable.starts_with(wanted) && variable.substr(wanted.size()).starts_with('=')) {
-            return *each + wanted.size() + 1;
+    for (char** each = environ; *each; ++each) {
+        char* const variable = *each;
+        const std::string_view text = variable;
+        if (text.starts_with(wanted) && text.substr(wanted.size()).starts_with('=')) {
+            return variable + wanted.size() + 1;
         }
     }
     static char withoutPools[] = "always-malloc";

@@ -10,6 +10,14 @@ namespace platform::linux {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Whether the dynamic loader was started, with this program as its argument. Then the loader is what the kernel
+/// knows as the running executable.
+bool isLoadersArgument() { return getauxval(AT_BASE) == 0; }
+
+} // namespace
+
 Places Places::ofThisProcess() { return ofProgram(executable()); }
 
 Places Places::ofProgram(const fs::path& program) {
@@ -18,8 +26,6 @@ Places Places::ofProgram(const fs::path& program) {
             (folder / MARVELODE_HELPERS_FROM_PROGRAM).lexically_normal(),
             fs::path{g_get_user_config_dir()} / "marvelode-timer" / "settings"};
 }
-
-bool isLoadersArgument() { return getauxval(AT_BASE) == 0; }
 
 fs::path executable(const char* link) {
     std::error_code error;

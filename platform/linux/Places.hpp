@@ -19,10 +19,6 @@ struct Places {
     static Places ofThisProcess();
 };
 
-/// Whether the dynamic loader was started, with this program as its argument. Then the loader is what the kernel
-/// knows as the running executable.
-bool isLoadersArgument();
-
 /// The running executable; where it would be installed if `link`, by which the kernel tells, cannot be read.
 std::filesystem::path executable(const char* link = "/proc/self/exe");
 

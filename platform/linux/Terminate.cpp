@@ -1,22 +1,34 @@
-// The end of the resident program by a mistake of its own, without the C++ library's words for it: those are 70 KB
-// that would stay in memory as long as the program. A core dump tells more.
+// The end of the resident program, as it is shipped, by a mistake of its own. The C++ library's words for it are 70
+// KB that would stay in memory as long as the program. A core dump tells more.
+
+#include <unistd.h>
 
 #include <cstdlib>
 #include <exception>
+#include <string_view>
+
+namespace {
+
+[[noreturn]] void endByMistake(std::string_view mistake) {
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, mistake.data(), mistake.size());
+    std::abort();
+}
+
+} // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier,*-std-namespace-modification,misc-use-internal-linkage)
 
 namespace __gnu_cxx {
 
-/// For an exception that nobody catches: memory has run out.
-void __verbose_terminate_handler() { std::abort(); }
+void __verbose_terminate_handler() { endByMistake("marvelode-timer: an exception that nobody catches\n"); }
 
 } // namespace __gnu_cxx
 
 namespace std {
 
-/// For a check of the library's that fails.
-void __glibcxx_assert_fail(const char*, int, const char*, const char*) noexcept { abort(); }
+void __glibcxx_assert_fail(const char*, int, const char*, const char*) noexcept {
+    endByMistake("marvelode-timer: a check of the C++ library has failed\n");
+}
 
 } // namespace std
 

@@ -33,6 +33,11 @@ std::optional<std::uint64_t> begunCall(pid_t process) {
     return isKnown && call.op == PTRACE_SYSCALL_INFO_ENTRY ? std::optional{call.entry.nr} : std::nullopt;
 }
 
+/// Leaves out what the preloaded library asks, and clocks, which are calls only on few machines.
+bool isOfThePrograms(std::optional<std::uint64_t> call) {
+    return call && call != SYS_getpid && call != SYS_clock_gettime;
+}
+
 } // namespace
 
 std::vector<std::uint64_t> nextSystemCalls(pid_t process, std::size_t count) {
@@ -46,7 +51,7 @@ std::vector<std::uint64_t> nextSystemCalls(pid_t process, std::size_t count) {
     while (calls.size() < count && WIFSTOPPED(status)) {
         const bool isSignal = WSTOPSIG(status) != stopOfCall && !isEventStop(status);
         status = stopAfter(process, isSignal ? WSTOPSIG(status) : 0);
-        if (const auto call = WIFSTOPPED(status) ? begunCall(process) : std::nullopt; call && call != SYS_getpid) {
+        if (const auto call = WIFSTOPPED(status) ? begunCall(process) : std::nullopt; isOfThePrograms(call)) {
             calls.push_back(*call);
         }
     }

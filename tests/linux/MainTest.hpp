@@ -68,6 +68,7 @@ protected:
         }
         arguments.push_back(nullptr);
         g_setenv("XDG_CONFIG_HOME", folder.path.c_str(), TRUE);
+        g_unsetenv("G_SLICE");
         const pid_t child = fork();
         if (child == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);

@@ -10,7 +10,6 @@ namespace {
 
 TEST(Places, AreThoseOfTheRunningExecutable) {
     EXPECT_EQ(executable(), std::filesystem::canonical(program_invocation_name));
-    EXPECT_FALSE(isLoadersArgument());
 }
 
 TEST(Places, AreThoseOfAnInstallationWhereTheKernelTellsNothing) {

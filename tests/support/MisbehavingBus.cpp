@@ -137,6 +137,8 @@ void MisbehavingBus::answer(Client& client, GDBusMessage* message) {
         if (!misbehaves(Step::Hello, client, welcome)) {
             send(client, welcome);
         }
+    } else if (method == "RequestName") {
+        misbehaves(Step::Name, client, ""); // or says nothing: nobody gets a name here
     } else if (method == "AddMatch") {
         const std::string done = bytesOf(answerTo(message, nullptr).get());
         const std::string signal = bytesOf(wakeSignal().get());

@@ -14,7 +14,7 @@
 class MisbehavingBus {
 public:
     /// What the bus is asked for, in the order in which a client asks.
-    enum class Step { Greeting, Hello, Subscription, Signal };
+    enum class Step { Greeting, Hello, Name, Subscription, Signal };
     /// What it does then, and from then on.
     enum class Trouble { Silence, Lateness, Nonsense, Death };
 

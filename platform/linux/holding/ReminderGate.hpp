@@ -30,8 +30,8 @@ public:
     /// Lets nothing through any more, and ends every wait.
     void close();
 
-    /// Looks whether the break is due, after each event. Nothing is held back once it is not; and if that was a
-    /// restart during a break, its sound waits no longer.
+    /// Looks whether the break is due, after each event and ahead of each window. Nothing is held back once it is
+    /// not; and if that was a restart during a break, its sound waits no longer.
     void look();
 
     /// Why the last reminder was held back; empty if it was not, or its break is over.

@@ -27,7 +27,7 @@ public:
 private:
     /// What a panel is told of one entry.
     struct Entry {
-        const NSMenuItem* item; ///< One of the menu, of which its titles are for good.
+        const NSMenuItem* item; ///< Of the menu; its title and key never change.
         bool isEnabled;
         bool isToggle;
         bool isOn;

@@ -48,7 +48,7 @@ void TraylessNotice::wait() {
     }
 }
 
-/// Not before a panel is missing, as few do.
+/// Only once a panel is missing, as it rarely is.
 void TraylessNotice::listenToLock() {
     const auto lockChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                                 gpointer self) {
