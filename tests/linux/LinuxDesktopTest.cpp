@@ -63,20 +63,23 @@ TEST_F(LinuxDesktopTest, AnnouncesTheMenuAsEnabledAgainWhenAnAlertHasClosed) {
     menu->addItem(std::make_shared<NSMenuItem>(
         "Ask", [](NSMenuItem&) { NSAlert{}.runModal(); }, ""));
     const auto item = NSStatusBar::system().statusItemWithLength(50);
-    item->setMenu(menu);
     const auto panel = connectToSession();
     BusSignals signals{panel.get(), bus.get(), "com.canonical.dbusmenu"};
+    item->setMenu(menu);
+    std::vector<std::string> seen;
+    const auto hasSeen = [&](std::size_t count) {
+        for (std::string& each : signals.take()) {
+            seen.push_back(std::move(each));
+        }
+        return seen.size() >= count;
+    };
+    EXPECT_TRUE(runLoopUntil([&] { return hasSeen(1); })) << "the menu is not shown";
+    seen.clear();
     desktop.pick("Ask");
     const auto entry = [](const char* isEnabled) {
         return std::string{"ItemsPropertiesUpdated([(1, {'label': <'Ask'>, 'enabled': <"} + isEnabled + ">})], [])";
     };
-    std::vector<std::string> seen;
-    EXPECT_TRUE(runLoopUntil([&] {
-        for (std::string& each : signals.take()) {
-            seen.push_back(std::move(each));
-        }
-        return seen.size() >= 2;
-    }));
+    EXPECT_TRUE(runLoopUntil([&] { return hasSeen(2); }));
     EXPECT_EQ(seen, (std::vector<std::string>{entry("false"), entry("true")}));
 }
 
