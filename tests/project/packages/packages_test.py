@@ -25,7 +25,8 @@ PRIVATELY = ("sh", "-c", 'umask 077; exec "$0" "$@"')
 LIFE = """
 "$0" &
 gdbus wait --session --timeout 10 org.marvelode.Timer || exit
-gdbus call --session --dest org.marvelode.Timer --object-path /org/marvelode/Timer --method org.marvelode.Timer.Quit
+gdbus call --session --dest org.marvelode.Timer --object-path /org/marvelode/Timer \\
+    --method org.marvelode.Timer.Quit || exit
 wait $!
 """
 A_YEAR_LATER = ("faketime", "-f", "+400d")
