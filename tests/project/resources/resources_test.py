@@ -5,6 +5,7 @@ Needs ffmpeg and rsvg-convert. Usage: resources_test.py, with the options of Pyt
 """
 
 import array
+import functools
 import json
 import math
 import pathlib
@@ -56,6 +57,7 @@ def size_of(picture):
     return struct.unpack(">II", picture.read_bytes()[16:24])
 
 
+@functools.cache
 def pixels(picture):
     """The picture's pixels, row by row, as (red, green, blue, opacity)."""
     data = ffmpeg(picture, "-f", "rawvideo", "-pix_fmt", "rgba")
@@ -66,6 +68,7 @@ def opaque(picture):
     return [pixel[:3] for pixel in pixels(picture) if pixel[3] == 255]
 
 
+@functools.cache
 def luminance(colour):
     linear = [value / 3294.6 if value <= 10 else ((value / 255 + 0.055) / 1.055) ** 2.4 for value in colour]
     return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
@@ -148,6 +151,8 @@ class Pictures(unittest.TestCase):
             for name in rendered:
                 self.assertEqual(size_of(RESOURCES / name), size_of(fresh / name), name)
                 # Another release of the renderer may round an edge differently; it may not draw another picture.
+                if (RESOURCES / name).read_bytes() == (fresh / name).read_bytes():
+                    continue
                 bytes_of = lambda file: ffmpeg(file, "-f", "rawvideo", "-pix_fmt", "rgba")
                 differences = [abs(one - other) for one, other in zip(bytes_of(RESOURCES / name), bytes_of(fresh / name))]
                 self.assertLess(mean(differences), 0.5, name)
