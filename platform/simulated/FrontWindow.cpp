@@ -12,7 +12,7 @@ namespace {
 
 /// The kind of view that `control` is; throws if it is another or takes no input.
 template <typename Kind>
-const Kind& usable(const std::optional<Control>& control, std::string_view kind, std::string_view label) {
+const Kind& usable(std::optional<Control> control, std::string_view kind, std::string_view label) {
     const Kind* found = control ? std::get_if<Kind>(&control->view->node) : nullptr;
     if (!found) {
         missing(kind, label);
