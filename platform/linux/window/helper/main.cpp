@@ -118,6 +118,7 @@ int main(int argc, char** argv) {
     for (const char* token : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
         g_unsetenv(token); // GTK has read it, and a browser that is started from here has no right to it
     }
+    pango_cairo_font_map_get_default(); // looks for fonts in a thread of its own, while the theme is read
     setUpAppearance();
     Windows windows{tell};
     g_unix_fd_add(residentProgram, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), serve, &windows);
