@@ -1,7 +1,6 @@
 #include "platform/linux/window/helper/Appearance.hpp"
 
 #include "platform/linux/window/helper/Gtk.hpp"
-#include "platform/linux/window/helper/Pictures.hpp"
 
 #ifdef GDK_WINDOWING_X11
 #include <gdk/gdkx.h>
@@ -63,7 +62,6 @@ void setUpAppearance() {
     gtk_css_provider_load_from_data(provider.get(), appearance, -1, nullptr);
     gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider.get()),
                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    gtk_window_set_default_icon_name(applicationId);
 }
 
 } // namespace platform::linux

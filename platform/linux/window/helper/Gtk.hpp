@@ -31,6 +31,16 @@ void connect(gpointer object, const char* signal, Callable handler) {
     connect(object, signal, std::function{std::move(handler)});
 }
 
+/// Calls `action` in each frame after the first one that `widget` is drawn in, until it asks for no more.
+inline void afterFirstFrame(GtkWidget* widget, GtkTickCallback action) {
+    connect(widget, "draw", [widget, action, wasDrawn = false](cairo_t*) mutable -> gboolean {
+        if (!std::exchange(wasDrawn, true)) {
+            gtk_widget_add_tick_callback(widget, action, nullptr, nullptr);
+        }
+        return GDK_EVENT_PROPAGATE;
+    });
+}
+
 /// Calls `name` what assistive technology presents `widget` as.
 inline void setAccessibleName(GtkWidget* widget, const char* name) {
     atk_object_set_name(gtk_widget_get_accessible(widget), name);

@@ -1,7 +1,11 @@
 #include "platform/linux/window/helper/Pictures.hpp"
 
+#include <bit>
 #include <cmath>
 #include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
 
 namespace platform::linux {
 namespace {
@@ -24,6 +28,23 @@ GtkWidget* loaded(const std::filesystem::path& path, double width, double height
     return image;
 }
 
+/// The file of the application's icon of that many pixels, or a few more, that is installed for all icon themes;
+/// empty if there is none.
+std::filesystem::path installedIcon(int pixels) {
+    const std::string size = std::to_string(std::bit_ceil(static_cast<unsigned>(pixels)));
+    const std::string file = "icons/hicolor/" + size + "x" + size + "/apps/" + applicationId + ".png";
+    std::vector<std::filesystem::path> folders{g_get_user_data_dir()};
+    for (const gchar* const* folder = g_get_system_data_dirs(); *folder; ++folder) {
+        folders.emplace_back(*folder);
+    }
+    for (const std::filesystem::path& folder : folders) {
+        if (std::error_code unreadable; exists(folder / file, unreadable)) {
+            return folder / file;
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 GtkWidget* picture(const std::filesystem::path& path, double width, double height) {
@@ -35,11 +56,19 @@ GtkWidget* picture(const std::filesystem::path& path, double height) {
 }
 
 GtkWidget* applicationIcon(int size) {
-    if (!gtk_icon_theme_has_icon(gtk_icon_theme_get_default(), applicationId)) {
+    GdkMonitor* any = gdk_display_get_monitor(gdk_display_get_default(), 0); // as GTK does
+    const std::filesystem::path file = installedIcon(size * gdk_monitor_get_scale_factor(any));
+    if (file.empty()) {
         return nullptr;
     }
-    GtkWidget* image = gtk_image_new_from_icon_name(applicationId, GTK_ICON_SIZE_DIALOG);
+    GtkWidget* image = picture(file, size);
     gtk_image_set_pixel_size(GTK_IMAGE(image), size);
+    // The user's icon theme may have another one, but all of a theme takes longer to read than a window to be
+    // shown.
+    afterFirstFrame(image, [](GtkWidget* shown, GdkFrameClock*, gpointer) -> gboolean {
+        gtk_image_set_from_icon_name(GTK_IMAGE(shown), applicationId, GTK_ICON_SIZE_DIALOG);
+        return G_SOURCE_REMOVE;
+    });
     return image;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/window/helper/TopLevel.hpp"
 
 #include "platform/linux/window/helper/Layers.hpp"
+#include "platform/linux/window/helper/Pictures.hpp"
 
 #ifdef GDK_WINDOWING_X11
 #include <gdk/gdkx.h>
@@ -86,6 +87,11 @@ TopLevel::TopLevel(const std::string& title, GtkWindow* below, std::function<voi
             shown();
         }
         return GDK_EVENT_PROPAGATE;
+    });
+    // for lists of windows, in all sizes that are installed: to read them takes as long as to show the window
+    afterFirstFrame(GTK_WIDGET(_window), [](GtkWidget* window, GdkFrameClock*, gpointer) -> gboolean {
+        gtk_window_set_icon_name(GTK_WINDOW(window), applicationId);
+        return G_SOURCE_REMOVE;
     });
     connect(_window, "key-press-event", [this](GdkEventKey* event) { return keyPressed(*event); });
 }
