@@ -19,6 +19,9 @@ from .program import Program
 from .statusitem import WATCHER, StatusItem
 from .waiting import wait_until
 
+# Where programs find icons and launchers: of an installation elsewhere too, if MARVELODE_DATA says where.
+DATA_FOLDERS = ":".join([*filter(None, [os.environ.get("MARVELODE_DATA")]), "/usr/local/share", "/usr/share"])
+
 PANEL_HEIGHT = 28
 TRAY_PICTURE = 22
 TRAY_WIDTH = 4 * TRAY_PICTURE  # at the right end of the panel, as wide as no test fills it
@@ -109,7 +112,7 @@ class Desktop:
             **{name: str(path) for name, path in folders.items()},
             "PATH": "/usr/local/bin:/usr/bin:/bin", "HOME": str(self.home), "LANG": "C.UTF-8",
             "XDG_CURRENT_DESKTOP": "XFCE", "XDG_SESSION_TYPE": "x11", "GDK_BACKEND": "x11",
-            "XDG_CONFIG_DIRS": "/etc/xdg", "XDG_DATA_DIRS": "/usr/local/share:/usr/share",
+            "XDG_CONFIG_DIRS": "/etc/xdg", "XDG_DATA_DIRS": DATA_FOLDERS,
             "GSETTINGS_BACKEND": "memory"}
         self.environment |= {name: os.environ[name] for name in ("ASAN_OPTIONS", "TSAN_OPTIONS") if name in os.environ}
         self._write_settings()
