@@ -29,8 +29,8 @@ nanoseconds period(TimeInterval seconds) {
 } // namespace
 
 void TimerQueue::add(std::shared_ptr<Timer> timer, Instant now) {
-    const Instant due = now + period(timer->interval());
-    _entries.push_back({std::move(timer), due, _nextOrder++, 0, false});
+    const nanoseconds interval = period(timer->interval());
+    _entries.push_back({std::move(timer), now + interval, interval, _nextOrder++, 0, false});
 }
 
 void TimerQueue::remove(const Timer& timer) {
@@ -49,6 +49,12 @@ TimerQueue::Instant TimerQueue::tolerance(RunLoopMode mode) const {
         last = mayFire(entry, mode) ? std::min(last, latest(entry)) : last;
     }
     return first ? last - first->due : Instant{0};
+}
+
+bool TimerQueue::isOneShotDue(Instant now, RunLoopMode mode) const {
+    return std::any_of(_entries.begin(), _entries.end(), [&](const Entry& entry) {
+        return entry.due <= now && !entry.timer->repeats() && mayFire(entry, mode);
+    });
 }
 
 bool TimerQueue::fireDue(Instant now, RunLoopMode mode) {
@@ -73,8 +79,7 @@ bool TimerQueue::fireDue(Instant now, RunLoopMode mode) {
         best->lastCall = call;
         best->isFiring = true;
         if (timer->repeats()) {
-            const nanoseconds step = period(timer->interval());
-            best->due += step * ((now - best->due) / step + 1);
+            best->due += best->interval * ((now - best->due) / best->interval + 1);
         }
         Timer::fire(timer); // may change the queue: look the entry up again
         if (Entry* entry = find(*timer)) {
@@ -92,7 +97,7 @@ bool TimerQueue::mayFire(const Entry& entry, RunLoopMode mode) const {
 /// When it is not late yet.
 TimerQueue::Instant TimerQueue::latest(const Entry& entry) {
     constexpr int shareOfInterval = 20;
-    return entry.timer->repeats() ? entry.due + period(entry.timer->interval()) / shareOfInterval : entry.due;
+    return entry.timer->repeats() ? entry.due + entry.interval / shareOfInterval : entry.due;
 }
 
 const TimerQueue::Entry* TimerQueue::next(RunLoopMode mode) const {

@@ -44,6 +44,9 @@ public:
     /// timer by a twentieth of its interval, the others not at all.
     Instant tolerance(RunLoopMode mode) const;
 
+    /// Whether anything but a repeating timer is due.
+    bool isOneShotDue(Instant now, RunLoopMode mode) const;
+
     /// Fires every timer that is due at `now` and may fire in `mode`, each at most once. Actions may add and
     /// remove timers and may run a nested loop that calls this again; a timer never fires inside its own action.
     /// Returns whether any timer fired.
@@ -55,6 +58,7 @@ private:
     struct Entry {
         std::shared_ptr<Timer> timer;
         Instant due;
+        Instant interval; // at least the shortest that a timer can have
         std::uint64_t order;
         std::uint64_t lastCall; // of `fireDue` in which it fired; 0 for none
         bool isFiring;

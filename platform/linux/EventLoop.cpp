@@ -13,6 +13,8 @@ namespace {
 
 TimerQueue::Instant monotonicNow() { return std::chrono::microseconds{g_get_monotonic_time()}; }
 
+constexpr TimerQueue::Instant usual{0}; // as the kernel has it: its own tolerance
+
 /// The wait that the timers ask for, and how much longer it may take. GLib tells what waits how long, but not for
 /// whom.
 struct TimersWait {
@@ -20,19 +22,26 @@ struct TimersWait {
     TimerQueue::Instant tolerance;
 } timersWait{};
 
-/// Waits for what is due first. What the program does otherwise, and those that it starts, keep the system's usual
-/// tolerance.
-int waitTolerantly(GPollFD* descriptors, unsigned count, int milliseconds) {
-    constexpr unsigned long usual = 0;
-    const bool isForTimers = milliseconds > 0 && milliseconds == timersWait.milliseconds;
-    if (!isForTimers || timersWait.tolerance <= TimerQueue::Instant::zero()) {
-        return g_poll(descriptors, count, milliseconds);
+/// Lets the kernel end the waits of this thread so much later. It is told of changes alone: from one tick to the
+/// next there is none.
+void tolerate(TimerQueue::Instant tolerance) {
+    static TimerQueue::Instant inForce = usual;
+    if (tolerance != std::exchange(inForce, tolerance)) {
+        const int reason = errno; // for a wait that has failed, GLib's next question
+        prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(tolerance.count()));
+        errno = reason;
     }
-    prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(timersWait.tolerance.count()));
+}
+
+/// Waits for what is due first: only what the timers allow may be late. A wait that ended with anything but their
+/// time ends the tolerance as well.
+int waitTolerantly(GPollFD* descriptors, unsigned count, int milliseconds) {
+    const bool isForTimers = milliseconds > 0 && milliseconds == timersWait.milliseconds;
+    tolerate(isForTimers ? timersWait.tolerance : usual);
     const int result = g_poll(descriptors, count, milliseconds);
-    const int reason = errno; // GLib's next question, whatever becomes of the call in between
-    prctl(PR_SET_TIMERSLACK, usual);
-    errno = reason;
+    if (result != 0) {
+        tolerate(usual);
+    }
     return result;
 }
 
@@ -51,7 +60,13 @@ struct EventLoop::Source {
         timersWait = {*timeout, loop._timers.tolerance(loop._mode())};
         return *timeout == 0;
     }
-    static gboolean check(GSource* source) { return loopOf(source).isReady(); }
+    static gboolean check(GSource* source) {
+        const bool isReady = loopOf(source).isReady();
+        if (!isReady) {
+            tolerate(usual); // what the wait has ended for is nothing of this loop's own
+        }
+        return isReady;
+    }
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
         loopOf(source).handle();
         return G_SOURCE_CONTINUE;
@@ -66,11 +81,14 @@ EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> se
     _source = g_source_new(&functions, sizeof(Source));
     reinterpret_cast<Source*>(_source)->loop = this;
     g_source_set_can_recurse(_source, TRUE); // an alert runs inside the action of a timer
+    g_source_set_priority(_source,
+                          G_PRIORITY_HIGH); // dispatched alone, so that nothing else inherits a tick's tolerance
     g_source_attach(_source, nullptr);
     g_main_context_set_poll_func(nullptr, waitTolerantly);
 }
 
 EventLoop::~EventLoop() {
+    tolerate(usual);
     g_main_context_set_poll_func(nullptr, nullptr);
     g_source_destroy(_source);
     g_source_unref(_source);
@@ -80,6 +98,7 @@ void EventLoop::run() {
     while (!_isOver) {
         iterate();
     }
+    tolerate(usual);
     _posted.clear(); // whoever waits for it is told at once that it will not be done
 }
 
@@ -120,11 +139,16 @@ int EventLoop::millisecondsToWait() const {
 }
 
 void EventLoop::handle() {
+    const TimerQueue::Instant now = monotonicNow();
+    if (_timers.isOneShotDue(now, _mode())) {
+        tolerate(usual);
+    }
     _begin();
-    _timers.fireDue(monotonicNow(), _mode());
+    _timers.fireDue(now, _mode());
     _isUnsettled = false;
     _settle(); // in any case: something may have changed with the time alone
     if (!_posted.empty()) {
+        tolerate(usual);
         const std::function<void()> work = std::move(_posted.front());
         _posted.pop_front(); // first: the work may run an alert, and with it this loop
         work();

@@ -53,6 +53,14 @@ TEST_F(AQueue, KeepsTheOrderOfSchedulingAmongThoseDueAtOnce) {
     EXPECT_EQ(fired, (std::vector<std::string>{"a", "b"}));
 }
 
+TEST_F(AQueue, TellsOfADueTimerThatFiresOnlyOnce) {
+    firing.add(timer(1, "tick", true), 0s);
+    firing.add(timer(2, "break"), 0s);
+    EXPECT_FALSE(firing.isOneShotDue(1999ms, RunLoopMode::Default));
+    EXPECT_TRUE(firing.isOneShotDue(2s, RunLoopMode::Default));
+    EXPECT_FALSE(firing.isOneShotDue(2s, RunLoopMode::Modal)) << "it may not fire";
+}
+
 TEST_F(AQueue, ToleratesThatARepeatingTimerIsLateAndNoOther) {
     EXPECT_EQ(firing.tolerance(RunLoopMode::Default), 0ms);
     firing.add(timer(1, "tick", true), 0s);

@@ -1,11 +1,10 @@
-// What a second costs in which nothing changes, since there are millions of them: no memory, and four short calls
+// What a second costs in which nothing changes, since there are millions of them: no memory, and two short calls
 // to the system.
 
 #include "tests/faults/SystemCalls.hpp"
 #include "tests/faults/WholeProgram.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <array>
@@ -67,7 +66,7 @@ TEST_F(IdleTick, AllocatesNothingAndLooksOnceAtTheSettings) {
 }
 
 TEST_F(IdleTick, WaitsAndLooksAndAsksTheSystemNothingElse) {
-    constexpr std::size_t perTick = 4; // more tolerance, the wait, usual tolerance, a look at the settings
+    constexpr std::size_t perTick = 2; // the wait, a look at the settings
     constexpr std::size_t ticks = 3;
     std::vector<std::uint64_t> calls = nextSystemCalls(program.process(), (ticks + 1) * perTick);
     ASSERT_EQ(calls.size(), (ticks + 1) * perTick);
@@ -78,7 +77,6 @@ TEST_F(IdleTick, WaitsAndLooksAndAsksTheSystemNothingElse) {
         EXPECT_TRUE(std::equal(tick.begin(), tick.end(), calls.data() + number * perTick))
             << testing::PrintToString(calls);
     }
-    EXPECT_EQ(std::count(tick.begin(), tick.end(), SYS_prctl), 2) << testing::PrintToString(calls);
 }
 
 } // namespace

@@ -5,13 +5,17 @@
 
 #include "tests/support/BareDesktop.hpp"
 
+#include <glib-unix.h>
 #include <gtest/gtest.h>
+#include <sys/eventfd.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <utility>
 
 namespace platform::linux {
@@ -84,9 +88,10 @@ TEST(Loop, WakesOnceForOneTimer) {
 /// A loop with timers, and how punctual its next wait is meant to be.
 class PunctualLoop : public testing::Test {
 protected:
-    void schedule(double seconds, bool repeats) {
+    void schedule(
+        double seconds, bool repeats, const std::function<void()>& action = [] {}) {
         loop.schedule(Timer::scheduledTimer(
-            seconds, [](const std::shared_ptr<Timer>&) {}, {}, repeats));
+            seconds, [action](const std::shared_ptr<Timer>&) { action(); }, {}, repeats));
     }
     void tickEverySecond() { schedule(1, true); }
     void breakIn(double seconds) { schedule(seconds, false); }
@@ -96,8 +101,22 @@ protected:
         insteadOfWaiting = [&] { found = slack(); };
         loop.iterate();
         insteadOfWaiting = nullptr;
-        EXPECT_EQ(slack(), usual) << "for what is done after the wait";
+        EXPECT_EQ(slack(), usual) << "for what is done after a wait that no tick has ended";
         return found.value();
+    }
+
+    std::function<void()> noteSlack = [this] { noted = slack(); };
+    std::optional<std::chrono::nanoseconds> noted;
+
+    /// Goes on until something has noted the slack. The first wait lasts until all that there is has fallen due.
+    std::optional<std::chrono::nanoseconds> slackNotedAfterALongWait() {
+        insteadOfWaiting = [] { std::this_thread::sleep_for(30ms); };
+        loop.iterate();
+        insteadOfWaiting = nullptr;
+        for (int turn = 0; turn < 3 && !noted; ++turn) {
+            loop.iterate();
+        }
+        return noted;
     }
 
     const BareDesktop desktop{"none"};
@@ -136,6 +155,52 @@ TEST_F(PunctualLoop, IsExactForWhatIsNoTimerOfItsOwn) {
         500, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
     EXPECT_EQ(slackOfNextWait(), usual);
     g_source_remove(other);
+}
+
+TEST_F(PunctualLoop, LeavesTheToleranceInForceFromOneTickToTheNext) {
+    schedule(0.01, true, noteSlack);
+    EXPECT_EQ(slackNotedAfterALongWait(), 500us);
+    EXPECT_EQ(slack(), 500us);
+}
+
+TEST_F(PunctualLoop, HasTheUsualToleranceForABreakThatIsDueTogetherWithATick) {
+    schedule(0.01, true);
+    schedule(0.02, false, noteSlack);
+    EXPECT_EQ(slackNotedAfterALongWait(), usual);
+}
+
+TEST_F(PunctualLoop, HasTheUsualToleranceForWorkThatATickHasPosted) {
+    schedule(0.01, true, [this] { loop.post(noteSlack); });
+    EXPECT_EQ(slackNotedAfterALongWait(), usual);
+}
+
+TEST_F(PunctualLoop, HasTheUsualToleranceForWhatIsDueTogetherWithATickAndIsNoneOfItsOwn) {
+    schedule(0.01, true);
+    const auto note = [](gpointer self) -> gboolean {
+        (*static_cast<std::function<void()>*>(self))();
+        return G_SOURCE_REMOVE;
+    };
+    g_timeout_add(20, note, &noteSlack);
+    EXPECT_EQ(slackNotedAfterALongWait(), usual);
+}
+
+TEST_F(PunctualLoop, HasTheUsualToleranceForWhatComesFromOutside) {
+    tickEverySecond();
+    const int readable = eventfd(1, EFD_CLOEXEC);
+    const auto note = [](int, GIOCondition, gpointer self) -> gboolean {
+        (*static_cast<std::function<void()>*>(self))();
+        return G_SOURCE_REMOVE;
+    };
+    g_unix_fd_add(readable, G_IO_IN, note, &noteSlack);
+    loop.iterate();
+    EXPECT_EQ(noted, usual);
+    close(readable);
+}
+
+TEST_F(PunctualLoop, HasTheUsualToleranceOnceItIsOver) {
+    schedule(0.01, true, [this] { loop.quit(); });
+    loop.run();
+    EXPECT_EQ(slack(), usual);
 }
 
 TEST(Loop, BeginsAnEventAheadOfItsTimers) {
