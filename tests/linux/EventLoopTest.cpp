@@ -74,6 +74,7 @@ TEST(Loop, SettlesOnceMoreIfThatIsAskedForWhileItSettles) {
 
 TEST(Loop, WakesOnceForOneTimer) {
     const BareDesktop desktop{"none"};
+    g_main_context_iteration(nullptr, FALSE); // a thread of another test may have asked for a turn
     int settlings = 0;
     EventLoop loop{[] { return RunLoopMode::Default; }, [&] { ++settlings; }};
     bool hasFired = false;
