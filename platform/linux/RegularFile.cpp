@@ -1,5 +1,7 @@
 #include "platform/linux/RegularFile.hpp"
 
+#include "platform/linux/glib/Handles.hpp"
+
 #include <fcntl.h>
 #include <glib.h>
 #include <glib/gstdio.h>
@@ -8,12 +10,15 @@
 
 #include <array>
 #include <cerrno>
+#include <memory>
 #include <system_error>
 
 namespace platform::linux {
 namespace {
 
 namespace fs = std::filesystem;
+
+using FolderHandle = std::unique_ptr<GDir, Release<g_dir_close>>;
 
 constexpr std::size_t randomLetters = 6; // or digits
 constexpr mode_t ownerOnlyFile = 0600;
@@ -136,13 +141,13 @@ std::string replaceRegularFile(const fs::path& path, std::string_view bytes) {
 void removeLeftovers(const fs::path& path) {
     const fs::path target = linkTarget(path);
     const std::string start = unfinished(target);
-    std::error_code error;
-    for (fs::directory_iterator each{target.parent_path(), error}, end; !error && each != end;
-         each.increment(error)) {
-        const std::string name = each->path().filename().string();
-        if (name.starts_with(start) && name.size() == start.size() + randomLetters &&
-            each->is_regular_file(error)) {
-            g_unlink(each->path().c_str());
+    const FolderHandle folder{g_dir_open(target.parent_path().c_str(), 0, nullptr)};
+    while (const char* name = folder ? g_dir_read_name(folder.get()) : nullptr) {
+        const fs::path file = target.parent_path() / name;
+        const std::string_view text{name};
+        if (text.starts_with(start) && text.size() == start.size() + randomLetters &&
+            g_file_test(file.c_str(), G_FILE_TEST_IS_REGULAR)) {
+            g_unlink(file.c_str());
         }
     }
 }
@@ -150,12 +155,11 @@ void removeLeftovers(const fs::path& path) {
 fs::path linkTarget(fs::path path) {
     constexpr int mostLinks = 40;
     for (int links = 0; links < mostLinks; ++links) {
-        std::error_code error;
-        const fs::path target = fs::read_symlink(path, error);
-        if (error) {
+        const TextHandle target{g_file_read_link(path.c_str(), nullptr)};
+        if (!target) {
             return path;
         }
-        path = path.parent_path() / target;
+        path = path.parent_path() / target.get();
     }
     return path;
 }

@@ -2,13 +2,19 @@
 
 #include "platform/linux/RegularFile.hpp"
 #include "platform/linux/drawing/Png.hpp"
+#include "platform/linux/glib/Handles.hpp"
 
 #include <glib.h>
 
-#include <system_error>
+#include <memory>
 #include <utility>
 
 namespace platform::linux {
+namespace {
+
+using FolderHandle = std::unique_ptr<GDir, Release<g_dir_close>>;
+
+} // namespace
 
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
     FileContent content = readRegularFile(path);
@@ -18,11 +24,10 @@ std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
 
 Resources::Resources(std::filesystem::path folder)
     : _folder{std::move(folder)} {
-    std::error_code error;
-    for (std::filesystem::directory_iterator each{_folder, error}, end; !error && each != end;
-         each.increment(error)) {
-        if (each->path().extension() == ".png") {
-            imageNamed(each->path().filename().string());
+    const FolderHandle files{g_dir_open(_folder.c_str(), 0, nullptr)};
+    while (const char* name = files ? g_dir_read_name(files.get()) : nullptr) {
+        if (std::string_view{name}.ends_with(".png")) {
+            imageNamed(name);
         }
     }
 }
