@@ -241,9 +241,11 @@ void LinuxDesktop::settle() {
     _look();
 }
 
-std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() {
+std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() { return secondsUntilBreak(_loop.latestOneShot()); }
+
+std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak(const std::optional<EventLoop::OneShot>& timer) {
     const TimeInterval now = secondsSinceBoot();
-    if (const auto timer = _loop.latestOneShot(); timer && !_isBreakDue()) {
+    if (timer && !_isBreakDue()) {
         _breakSinceBoot = now + timer->secondsLeft;
     }
     return _breakSinceBoot ? std::optional{*_breakSinceBoot - now} : std::nullopt;
@@ -252,11 +254,12 @@ std::optional<TimeInterval> LinuxDesktop::secondsUntilBreak() {
 const StatusContent& LinuxDesktop::statusContent() {
     const NSStatusBarButton& button = *_statusItem->button();
     const NSAttributedString& title = button.attributedTitle();
-    const std::optional<TimeInterval> secondsLeft = secondsUntilBreak();
+    const auto timer = _loop.latestOneShot();
+    const std::optional<TimeInterval> secondsLeft = secondsUntilBreak(timer);
     _statusContent.text = title.string;
     _statusContent.colour = title.foregroundColor;
     _statusContent.image = button.image() ? std::string_view{button.image()->name()} : std::string_view{};
-    _statusContent.shareLeft = shareLeft(secondsLeft);
+    _statusContent.shareLeft = shareLeft(secondsLeft, timer);
     putWords(secondsLeft);
     return _statusContent;
 }
@@ -274,8 +277,8 @@ void LinuxDesktop::putWords(const std::optional<TimeInterval>& secondsLeft) {
 }
 
 /// The bar is full again once the break is due.
-std::optional<double> LinuxDesktop::shareLeft(const std::optional<TimeInterval>& secondsLeft) const {
-    const auto timer = _loop.latestOneShot();
+std::optional<double> LinuxDesktop::shareLeft(const std::optional<TimeInterval>& secondsLeft,
+                                              const std::optional<EventLoop::OneShot>& timer) {
     if (secondsLeft && *secondsLeft <= 0) {
         return 1.0;
     }

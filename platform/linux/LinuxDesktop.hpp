@@ -135,7 +135,9 @@ private:
     void settle();
     const StatusContent& statusContent();
     void putWords(const std::optional<TimeInterval>& secondsLeft);
-    std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft) const;
+    static std::optional<double> shareLeft(const std::optional<TimeInterval>& secondsLeft,
+                                           const std::optional<EventLoop::OneShot>& timer);
+    std::optional<TimeInterval> secondsUntilBreak(const std::optional<EventLoop::OneShot>& timer);
     std::optional<DefaultsValue> defaultsValue(std::string_view key);
 
     ObjectHandle<GDBusConnection> _sessionBus;
