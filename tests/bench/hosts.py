@@ -7,6 +7,7 @@ from start import spawn
 
 from driving.desktop import Desktop
 from driving.hosts import HOSTS
+from driving.timer import QUIET, Timer
 
 OTHERS = [host for host in HOSTS if host.name != "xfce"]
 
@@ -19,12 +20,20 @@ def settled(desktop, *command):
     return pid
 
 
-def minutes(timer, floor):
+def idle_timer(desktop):
+    """A timer in the tray that has run before: in a first run it looks at its settings twice as often."""
+    timer = Timer(desktop, settings=QUIET)
+    timer.item()
+    idle.await_quiet(timer.program.pid)
+    return timer.program.pid
+
+
+def minutes(floor):
     """The median minutes of bare tick, bare item and timer in Xfce's panel, and of the timer in each other one."""
     with contextlib.ExitStack() as stack:
         desktop = stack.enter_context(Desktop())
-        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")), settled(desktop, timer)]
-        pids += [settled(shown_by(host, stack), timer) for host in OTHERS]
+        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")), idle_timer(desktop)]
+        pids += [idle_timer(shown_by(host, stack)) for host in OTHERS]
         tick, item, *timers = idle.medians(pids)
         return tick, item, dict(zip(["xfce", *(host.name for host in OTHERS)], timers))
 

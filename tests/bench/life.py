@@ -9,12 +9,13 @@ import idle
 POPUPS = 10
 
 
-def memories(desktop):
-    """Its memory before and after ten popups, the settings window and the small window."""
+def memories(desktop, floor):
+    """Its memory before and after ten popups, the settings window and the small window; and at first that of `floor`, a
+    program that runs beside it, so that both share libraries with the same others."""
     timer = Timer(desktop, settings=QUIET)
     timer.await_in_panel()
     idle.await_quiet(timer.program.pid)
-    before = costs.memory(timer.program.pid)
+    before, bare = costs.memory(timer.program.pid), costs.memory(floor)
     show_popups(timer)
     show_settings(timer)
     show_small_window(timer)
@@ -23,7 +24,7 @@ def memories(desktop):
     after = costs.memory(timer.program.pid)
     timer.command("Quit")
     timer.program.status()
-    return before, after
+    return before, after, bare
 
 
 def show_popups(timer):

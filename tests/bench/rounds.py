@@ -4,9 +4,9 @@ import statistics
 from typing import NamedTuple
 
 import costs
-import idle
+import hosts
 import life
-from start import end, registered, spawn
+from start import end, registered
 from windows import bare_window, popup
 
 from driving.desktop import Desktop
@@ -33,19 +33,12 @@ def quickest(times, *measures):
 
 def one_round(timer, floor):
     with Desktop() as desktop:
-        memories = *life.memories(desktop), bare_memory(desktop, floor("item"))
+        item = hosts.settled(desktop, floor("item"))
+        memories = life.memories(desktop, item)
+        end(item)
         starts = quickest(STARTS, lambda: registered(desktop, timer), lambda: registered(desktop, floor("item")))
         windows = quickest(WINDOWS, lambda: popup(desktop, timer), lambda: bare_window(desktop, floor("window")))
         return Round(*memories, *starts, *windows)
-
-
-def bare_memory(desktop, item):
-    pid = spawn(desktop, item)
-    desktop.status_item(pid)
-    idle.await_quiet(pid)
-    result = costs.memory(pid)
-    end(pid)
-    return result
 
 
 def medians(timer, floor):
