@@ -6,6 +6,8 @@ import importlib.machinery
 import importlib.util
 import io
 import os
+import subprocess
+import sys
 import time
 import unittest
 from pathlib import Path
@@ -19,6 +21,7 @@ import windows
 from start import end, registered, spawn
 
 from driving.desktop import Desktop
+from driving.waiting import wait_until
 
 
 def script(name):
@@ -38,6 +41,18 @@ def run(module):
 SMALL = costs.Memory(6, 1.2, 0.8)
 GOOD = {"memory": SMALL, "memory_later": SMALL, "bare_memory": SMALL, "start": 16, "bare_start": 10, "window": 13,
         "bare_window": 10}
+SHORT_THREAD = """
+import sys, threading, time
+def work():
+    for _ in range(50):
+        time.sleep(0.001)
+    while time.thread_time() < 0.1:
+        pass
+    print(flush=True)
+    sys.stdin.readline()
+threading.Thread(target=work).start()
+time.sleep(60)
+"""
 TICK, ITEM = idle.Minute(60, 3), idle.Minute(61, 4)
 
 
@@ -103,6 +118,20 @@ class Measuring(unittest.TestCase):
             time.sleep(0.5)
             self.assertEqual(len(costs.family(both)), 2)
             self.assertGreater(costs.memory(both).resident, costs.memory(alone).resident)
+
+    def test_a_thread_that_has_ended_still_counts(self):
+        with subprocess.Popen([sys.executable, "-c", SHORT_THREAD], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              text=True) as program:
+            program.stdout.readline()
+            seen = costs.wakeups(program.pid), costs.milliseconds(program.pid)
+            program.stdin.write("end the thread\n")
+            program.stdin.flush()
+            wait_until(lambda: len(costs.threads(program.pid)) == 1, "the thread to end")
+            wakeups, milliseconds = costs.wakeups(program.pid), costs.milliseconds(program.pid)
+            program.kill()
+        self.assertGreaterEqual(seen[0], 50)
+        self.assertGreaterEqual(wakeups, seen[0])
+        self.assertGreaterEqual(milliseconds, max(seen[1], 100))
 
     def test_a_popup_comes_to_the_screen(self):
         with Desktop() as desktop:

@@ -1,7 +1,9 @@
 """What the kernel knows of the costs of a program: of its process and of those that it has started."""
 
+import contextlib
 import os
 import re
+import time
 from pathlib import Path
 from typing import NamedTuple
 
@@ -16,6 +18,9 @@ class Memory(NamedTuple):
     unshared: float
 
 
+_seen = {}  # by process and thread
+
+
 def family(pid):
     return [pid, *processes.descendants(pid)]
 
@@ -26,14 +31,23 @@ def memory(pid):
 
 
 def wakeups(pid):
-    """How often its threads have gone to sleep so far, and so woken up."""
-    return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", (thread / "status").read_text(), re.MULTILINE)[1])
-               for thread in threads(pid))
+    """How often its threads have gone to sleep so far, and so woken up; those that have ended, as far as it was seen."""
+    seen = _seen.setdefault(pid, {})
+    for thread in threads(pid):
+        with contextlib.suppress(OSError):  # it has just ended
+            status = (thread / "status").read_text()
+            seen[thread] = int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", status, re.MULTILINE)[1])
+    return sum(seen.values())
 
 
 def milliseconds(pid):
     """The time that it has spent on a processor so far, with what it has started and what of that has ended."""
-    return sum(int((thread / "schedstat").read_text().split()[0]) for thread in threads(pid)) / 1e6 + of_the_ended(pid)
+    return sum(time.clock_gettime(clock(member)) for member in family(pid)) * 1000 + of_the_ended(pid)
+
+
+def clock(pid):
+    """The kernel's number for the clock of all threads of a process, with those that have ended."""
+    return ~pid << 3 | 2
 
 
 def threads(pid):
