@@ -60,6 +60,26 @@ void ExportedInterface::emit(const char* signal, GVariant* arguments) const {
                                   arguments, nullptr); // fails only on a closed bus, which ends the program
 }
 
+void ExportedInterface::delegate(const std::vector<Signal>& signals) {
+    const GDBusInterfaceInfo& interface = *_description->interfaces[0];
+    GVariantBuilder properties;
+    g_variant_builder_init(&properties, G_VARIANT_TYPE_VARDICT);
+    for (GDBusPropertyInfo** each = interface.properties; *each; ++each) {
+        if (const VariantHandle value = _property((*each)->name)) {
+            g_variant_builder_add(&properties, "{sv}", (*each)->name, value.get());
+        }
+    }
+    BusDeputy::Messages messages;
+    for (const auto& [name, arguments] : signals) {
+        messages.emplace_back(g_dbus_message_new_signal(_path.c_str(), interface.name, name));
+        g_dbus_message_set_body(messages.back().get(), arguments.get());
+    }
+    if (!_deputy) {
+        _deputy.emplace(_bus.get(), _path, interface.name);
+    }
+    _deputy->tell(owned(g_variant_builder_end(&properties)), std::move(messages));
+}
+
 void ExportedInterface::announce(GVariant* changed) const {
     g_dbus_connection_emit_signal(
         _bus.get(), nullptr, _path.c_str(), "org.freedesktop.DBus.Properties", "PropertiesChanged",

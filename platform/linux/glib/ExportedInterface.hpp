@@ -3,11 +3,14 @@
 // One D-Bus interface at one object path, answered by two functions. It is on the bus as long as this object
 // exists.
 
+#include "platform/linux/glib/BusDeputy.hpp"
 #include "platform/linux/glib/Handles.hpp"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform::linux {
 
@@ -19,6 +22,11 @@ public:
     using Call = std::function<void(std::string_view name, GVariant* arguments, GDBusMethodInvocation* call)>;
     /// Returns the property's value, or null if the object does not have it at present.
     using Property = std::function<VariantHandle(std::string_view name)>;
+
+    struct Signal {
+        const char* name = nullptr;
+        VariantHandle arguments; ///< A tuple, or null for none.
+    };
 
     /// `description` is a D-Bus introspection document with exactly one interface, well-formed.
     ExportedInterface(GDBusConnection* bus, std::string path, const char* description, Call call,
@@ -32,6 +40,14 @@ public:
     /// Sends a signal of the interface to all that listen; `arguments` is a tuple, or null for none.
     void emit(const char* signal, GVariant* arguments = nullptr) const;
 
+    /// Asks for all properties now, and has GLib's own thread answer with these values from now on, so that the
+    /// main loop is not woken; to be called whenever any of them has changed. Then sends the signals that tell of
+    /// that.
+    void delegate(const std::vector<Signal>& signals);
+
+    /// Asks for each property when it is asked for, as at first.
+    void answerInPerson() { _deputy.reset(); }
+
     /// Tells all that listen the new values of properties, a dictionary of names and values.
     void announce(GVariant* changed) const;
 
@@ -44,6 +60,7 @@ private:
     Call _call;
     Property _property;
     unsigned _registration;
+    std::optional<BusDeputy> _deputy;
 };
 
 } // namespace platform::linux
