@@ -75,14 +75,33 @@ void StatusNotifierItem::show(const StatusContent& content) {
     const std::optional<double> shareLeft = isPictureOld ? content.shareLeft : _content.shareLeft;
     _content = content;
     _content.shareLeft = shareLeft; // what the panel shows, and is compared with next time
+    std::vector<ExportedInterface::Signal> changes;
     if (isPictureOld) {
-        _interface.emit("NewIcon");
+        _pictures.reset();
+        changes.push_back({"NewIcon", nullptr});
     }
     if (areWordsOld && !(isPictureOld && _host->readsAllAtOnce)) {
-        _interface.emit("NewToolTip");
+        changes.push_back({"NewToolTip", nullptr});
     }
     if (isTextOld && _host->hasLabel()) {
-        announceLabel();
+        changes.push_back(newLabel());
+    }
+    if (!changes.empty()) {
+        announce(changes);
+    }
+}
+
+/// A panel asks several questions after each change, mostly one after the other.
+void StatusNotifierItem::announce(const std::vector<ExportedInterface::Signal>& changes) {
+    if (_tray.isPresent()) {
+        _pictures = _pictures ? std::move(_pictures) : drawPictures();
+        _interface.delegate(changes);
+        return;
+    }
+    _pictures.reset();
+    _interface.answerInPerson();
+    for (const auto& [name, arguments] : changes) {
+        _interface.emit(name, arguments.get());
     }
 }
 
@@ -98,15 +117,18 @@ void StatusNotifierItem::drawFor(std::string_view processName) {
     const TrayHost& host = TrayHost::ofProcess(processName);
     if (_host != &host) {
         _host = &host;
+        _pictures.reset();
+        _interface.answerInPerson();
         _interface.emit("NewIcon");
-        announceLabel();
+        const ExportedInterface::Signal label = newLabel();
+        _interface.emit(label.name, label.arguments.get());
     }
 }
 
-void StatusNotifierItem::announceLabel() const {
+ExportedInterface::Signal StatusNotifierItem::newLabel() const {
     const bool isOffered = _host->hasLabel();
-    _interface.emit("XAyatanaNewLabel",
-                    g_variant_new("(ss)", isOffered ? _content.text.c_str() : "", isOffered ? widestLabel : ""));
+    return {"XAyatanaNewLabel",
+            owned(g_variant_new("(ss)", isOffered ? _content.text.c_str() : "", isOffered ? widestLabel : ""))};
 }
 
 VariantHandle StatusNotifierItem::property(std::string_view name) const {
@@ -130,7 +152,7 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
         return text(_host->pictureFile(_content, _resources).c_str()); // never looked up in a theme
     }
     if (name == "IconPixmap") {
-        return pictures();
+        return _pictures ? owned(_pictures.get()) : drawPictures();
     }
     if (name == "IconAccessibleDesc") {
         return text(_content.words.c_str());
@@ -151,7 +173,7 @@ VariantHandle StatusNotifierItem::property(std::string_view name) const {
     return text(name == "XAyatanaLabel" ? _content.text.c_str() : widestLabel);
 }
 
-VariantHandle StatusNotifierItem::pictures() const {
+VariantHandle StatusNotifierItem::drawPictures() const {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a(iiay)"));
     _host->draw(_content, _resources, [&](const Picture& picture) {

@@ -14,6 +14,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform::linux {
 
@@ -38,13 +39,15 @@ public:
 
 private:
     VariantHandle property(std::string_view name) const;
-    VariantHandle pictures() const;
+    VariantHandle drawPictures() const;
     void drawFor(std::string_view processName);
-    void announceLabel() const;
+    void announce(const std::vector<ExportedInterface::Signal>& changes);
+    ExportedInterface::Signal newLabel() const;
 
     const Resources& _resources;
     StatusContent _content;
     const TrayHost* _host = &TrayHost::ofProcess({}); // one of a fixed table
+    VariantHandle _pictures;                          ///< Of `_content`, as far as they are kept.
     std::string _process;                             ///< Of the panel that appeared last.
     ExportedInterface _interface;
     Tray _tray;

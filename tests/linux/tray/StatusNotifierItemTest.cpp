@@ -5,9 +5,13 @@
 #include "tests/support/BusSignals.hpp"
 #include "tests/support/CollectedErrors.hpp"
 #include "tests/support/PrivateBuses.hpp"
+#include "tests/support/TrayWatcher.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
+#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +24,11 @@ protected:
         const VariantHandle answer =
             call(panel.get(), g_dbus_connection_get_unique_name(program.get()), "/StatusNotifierItem",
                  "org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", interface, name));
-        const VariantHandle box{g_variant_get_child_value(answer.get(), 0)};
+        return valueIn(answer.get());
+    }
+
+    static VariantHandle valueIn(GVariant* answer) {
+        const VariantHandle box{g_variant_get_child_value(answer, 0)};
         return VariantHandle{g_variant_get_variant(box.get())};
     }
 
@@ -70,6 +78,83 @@ TEST_F(Item, RefusesAnActivationTokenThatIsTooLong) {
     EXPECT_EQ(refusal("of-the-click"), "");
     EXPECT_NE(refusal(std::string(ActivationToken::longest + 1, 'x')), "");
     EXPECT_EQ(token.take(), "of-the-click");
+}
+
+/// An item in a panel, for which its program has no time while it is asked.
+class ItemOfABusyProgram : public Item {
+protected:
+    void SetUp() override { awaitIn(watcher); }
+
+    void awaitIn(const std::optional<TrayWatcher>& panelsWatcher) {
+        EXPECT_TRUE(runLoopUntil([&] { return panelsWatcher->questions > 0 && item.panelInWords()[0] != 'n'; }));
+    }
+
+    VariantHandle propertyAtOnce(const char* name) {
+        constexpr int milliseconds = 5000;
+        const VariantHandle answer{g_dbus_connection_call_sync(
+            panel.get(), g_dbus_connection_get_unique_name(program.get()), "/StatusNotifierItem",
+            "org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", interface, name), nullptr,
+            G_DBUS_CALL_FLAGS_NONE, milliseconds, nullptr, nullptr)};
+        return answer ? valueIn(answer.get()) : nullptr;
+    }
+
+    bool hasPictures(const VariantHandle& pictures) {
+        const VariantHandle now = propertyAtOnce("IconPixmap");
+        return now && g_variant_equal(now.get(), pictures.get());
+    }
+
+    std::optional<TrayWatcher> watcher{std::in_place};
+};
+
+TEST_F(ItemOfABusyProgram, TellsWhatHasChanged) {
+    content.text = "8m";
+    content.words = "Break in 8 minutes";
+    item.show(content);
+    EXPECT_EQ(printed(propertyAtOnce("ToolTip")), "('', [], 'Break in 8 minutes', 'Marvelode Timer')");
+    const VariantHandle pictures = propertyAtOnce("IconPixmap");
+    content.text = "7m";
+    content.words = "Break in 7 minutes";
+    item.show(content);
+    EXPECT_EQ(signals.take(), (std::vector<std::string>{"NewIcon()", "NewToolTip()", "NewIcon()", "NewToolTip()"}));
+    EXPECT_EQ(printed(propertyAtOnce("IconAccessibleDesc")), "'Break in 7 minutes'");
+    EXPECT_FALSE(hasPictures(pictures));
+}
+
+TEST_F(ItemOfABusyProgram, KeepsItsPictureWhereTheWordsAloneChange) {
+    content.words = "Break in 8 minutes";
+    item.show(content);
+    const VariantHandle pictures = propertyAtOnce("IconPixmap");
+    content.words = "Break in 7 minutes";
+    item.show(content);
+    EXPECT_EQ(printed(propertyAtOnce("IconAccessibleDesc")), "'Break in 7 minutes'");
+    EXPECT_TRUE(hasPictures(pictures));
+}
+
+TEST_F(ItemOfABusyProgram, GivesAnotherPanelNothingThatWasMeantForTheOneBefore) {
+    content.text = "8m";
+    item.show(content);
+    const VariantHandle pictures = propertyAtOnce("IconPixmap");
+    std::array<char, 16> name{}; // what the kernel keeps
+    prctl(PR_GET_NAME, name.data());
+    watcher.reset();
+    prctl(PR_SET_NAME, "gnome-shell");
+    watcher.emplace();
+    awaitIn(watcher);
+    prctl(PR_SET_NAME, name.data());
+    EXPECT_EQ(printed(property("XAyatanaLabel")), "'8m'");
+    EXPECT_FALSE(g_variant_equal(property("IconPixmap").get(), pictures.get()));
+}
+
+TEST_F(ItemOfABusyProgram, AnswersByItselfOnceThereIsNoPanel) {
+    content.text = "8m";
+    item.show(content);
+    EXPECT_TRUE(propertyAtOnce("IconPixmap"));
+    watcher.reset();
+    EXPECT_TRUE(runLoopUntil([&] { return item.panelInWords()[0] == 'n'; }));
+    content.text = "7m";
+    content.words = "Break in 7 minutes";
+    item.show(content);
+    EXPECT_EQ(printed(property("IconAccessibleDesc")), "'Break in 7 minutes'");
 }
 
 } // namespace
