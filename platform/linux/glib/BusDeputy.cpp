@@ -34,6 +34,7 @@ struct BusDeputy::State {
     Messages signals;         ///< To be sent by GLib's thread.
     ContextHandle context;    ///< That thread's, once it is known.
     Source* source = nullptr; ///< In that context.
+    bool isOver = false;
 
     VariantHandle answerTo(GDBusMessage* question) const;
     void send(GDBusMessage* message) const;
@@ -129,6 +130,7 @@ BusDeputy::~BusDeputy() {
         const std::lock_guard lock{mutex};
         _state->properties.reset();
         _state->signals.clear();
+        _state->isOver = true;
         if (Source* const source = std::exchange(_state->source, nullptr)) {
             source->state = nullptr;
             g_source_destroy(&source->base);
@@ -160,10 +162,7 @@ GDBusMessage* BusDeputy::filter(GDBusConnection*, GDBusMessage* message, gboolea
     }
     const std::lock_guard lock{mutex};
     State& state = *static_cast<State*>(self);
-    if (!state.properties) {
-        return message;
-    }
-    if (!state.source) {
+    if (!state.source && !state.isOver) {
         state.context.reset(g_main_context_ref_thread_default());
         state.source = Source::attached(&state);
     }

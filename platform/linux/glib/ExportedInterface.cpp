@@ -75,10 +75,12 @@ void ExportedInterface::delegate(const std::vector<Signal>& signals) {
         g_dbus_message_set_body(messages.back().get(), arguments.get());
     }
     if (!_deputy) {
-        _deputy.emplace(_bus.get(), _path, interface.name);
+        answerInPerson();
     }
     _deputy->tell(owned(g_variant_builder_end(&properties)), std::move(messages));
 }
+
+void ExportedInterface::answerInPerson() { _deputy.emplace(_bus.get(), _path, _description->interfaces[0]->name); }
 
 void ExportedInterface::announce(GVariant* changed) const {
     g_dbus_connection_emit_signal(

@@ -45,8 +45,9 @@ public:
     /// that.
     void delegate(const std::vector<Signal>& signals);
 
-    /// Asks for each property when it is asked for, as at first.
-    void answerInPerson() { _deputy.reset(); }
+    /// Asks for each property when it is asked for, as at first, and drops what was not sent yet. To be called some
+    /// time before `delegate` as well: what GLib's thread receives in between makes it known.
+    void answerInPerson();
 
     /// Tells all that listen the new values of properties, a dictionary of names and values.
     void announce(GVariant* changed) const;

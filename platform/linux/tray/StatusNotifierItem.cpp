@@ -114,11 +114,11 @@ std::string StatusNotifierItem::panelInWords() const {
 
 void StatusNotifierItem::drawFor(std::string_view processName) {
     _process = processName;
+    _pictures.reset();
+    _interface.answerInPerson();
     const TrayHost& host = TrayHost::ofProcess(processName);
     if (_host != &host) {
         _host = &host;
-        _pictures.reset();
-        _interface.answerInPerson();
         _interface.emit("NewIcon");
         const ExportedInterface::Signal label = newLabel();
         _interface.emit(label.name, label.arguments.get());
