@@ -1,7 +1,7 @@
 #pragma once
 
-// What the fuzz targets share. A target states what must hold for every input; libFuzzer looks for an input for
-// which it does not, and outside the preset `fuzz` the inputs that are kept in `seeds` are tried.
+// What the fuzz targets share. A target states what must hold for every input; those that are kept in `seeds` are
+// tried, and in the preset `asan` libFuzzer looks for one for which it does not hold.
 
 #include <string_view>
 
