@@ -17,6 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using Cause = DesktopValues::Cause;
 
 class DesktopGroup : public testing::Test {
@@ -107,7 +108,9 @@ TEST_F(DesktopGroup, StaysAsItIsWhenOtherSettingsAreWritten) {
         g_file_get_contents((folder.path / "settings").c_str(), &bytes, nullptr, nullptr);
         return TextHandle{bytes};
     }();
-    EXPECT_STREQ(text.get(), "[Settings]\nMute=false\n\n[Desktop]\n# in calls\nHoldWhile=locked\nFuture=1\n");
+    // newer releases of GLib leave out the empty line
+    EXPECT_THAT(text.get(), MatchesRegex("\\[Settings\\]\nMute=false\n\n?"
+                                         "\\[Desktop\\]\n# in calls\nHoldWhile=locked\nFuture=1\n"));
     EXPECT_THAT(settings.current().holdWhile, ElementsAre(Cause::Locked));
 }
 

@@ -17,6 +17,7 @@ import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[3]
 CMAKE, CPACK = os.environ["CMAKE"], os.environ["CPACK"]
+IN_HASTE = pathlib.Path(os.environ["IN_HASTE"])
 VERSION = os.environ["VERSION"]
 NAME = f"marvelode-timer-{VERSION}"
 
@@ -85,10 +86,10 @@ class Packages(unittest.TestCase):
 
     @classmethod
     def build_for_arch(cls):
-        """By an ordinary user, since makepkg serves no other."""
+        """By an ordinary user, since makepkg serves no other; that one may have no way into the checkout."""
         place = cls.folder / "arch"
         place.mkdir()
-        for file in (cls.archive, PROJECT / "packaging/arch/PKGBUILD"):
+        for file in (cls.archive, PROJECT / "packaging/arch/PKGBUILD", IN_HASTE):
             shutil.copy(file, place)
         as_user = []
         if os.getuid() == 0:
@@ -96,7 +97,7 @@ class Packages(unittest.TestCase):
             for path in (place, *place.iterdir()):
                 os.chown(path, NOBODY, NOBODY)
         output(*as_user, "makepkg", "--nodeps", folder=place, HOME=str(place), CXXFLAGS=FLAGS,
-               CMAKE_TOOLCHAIN_FILE=os.environ["IN_HASTE"])
+               CMAKE_TOOLCHAIN_FILE=str(place / IN_HASTE.name))
         cls.arch = next(place.glob("*.pkg.tar*"))
 
     @staticmethod
