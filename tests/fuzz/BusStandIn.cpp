@@ -4,12 +4,14 @@
 #include "platform/linux/glib/Handles.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
+#include <array>
 #include <list>
 #include <map>
 #include <string>
 #include <string_view>
 #include <utility>
 
+using platform::linux::ObjectHandle;
 using platform::linux::VariantHandle;
 
 /// A call on its way: what GLib knows of it is none of the exporters' business.
@@ -39,10 +41,17 @@ struct Watch {
     gpointer self;
 };
 
+/// Who sees each message before all others do.
+struct Filter {
+    GDBusMessageFilterFunction function;
+    gpointer self;
+    GDestroyNotify release;
+};
+
 /// A call by the program that waits for its answer.
 struct OwnCall {
     platform::linux::TextHandle answerType; ///< Null for any.
-    platform::linux::ObjectHandle<GCancellable> cancellable;
+    ObjectHandle<GCancellable> cancellable;
     GAsyncReadyCallback answered;
     gpointer self;
 };
@@ -50,9 +59,12 @@ struct OwnCall {
 std::map<guint, Exported> exported;
 std::map<guint, Subscription> subscriptions;
 std::map<guint, Watch> watches;
+std::map<guint, Filter> filters;
 std::list<_GDBusMethodInvocation> calls;
 std::list<OwnCall> ownCalls;
 guint lastNumber = 0;
+constexpr guint asked = 7; // the number of each question
+int repliesSent = 0;       // to the one at hand
 
 /// The tuple that `text` stands for, of that type unless it is null; null if there is none.
 VariantHandle tupleIn(std::string_view text, const char* type = nullptr) {
@@ -111,6 +123,54 @@ fuzz::Answer call(const std::string& name, std::string_view text) {
     return fuzz::Answer::None;
 }
 
+/// A question with arguments; null if the words are none.
+ObjectHandle<GDBusMessage> question(std::string_view words) {
+    std::array<std::string, 3> names; // of object, interface and method
+    for (std::string& name : names) {
+        const auto [first, rest] = fuzz::cut(words, " ");
+        name = first;
+        words = rest;
+    }
+    const auto& [object, interface, method] = names;
+    if (!g_variant_is_object_path(object.c_str()) || !g_dbus_is_interface_name(interface.c_str()) ||
+        !g_dbus_is_member_name(method.c_str())) {
+        return nullptr;
+    }
+    ObjectHandle<GDBusMessage> message{
+        g_dbus_message_new_method_call(":1.2", object.c_str(), interface.c_str(), method.c_str())};
+    g_dbus_message_set_serial(message.get(), asked);
+    if (const VariantHandle arguments = tupleIn(words)) {
+        g_dbus_message_set_body(message.get(), arguments.get());
+    }
+    return message;
+}
+
+/// Shows a question to the filters; what they let through is not answered here.
+fuzz::Answer ask(std::string_view words) {
+    ObjectHandle<GDBusMessage> message = question(words);
+    if (!message) {
+        return fuzz::Answer::None;
+    }
+    repliesSent = 0;
+    forEach(filters, [&](const Filter& each) {
+        if (message) {
+            message.reset(each.function(fuzz::bus(), message.release(), TRUE, each.self));
+        }
+    });
+    fuzz::require(repliesSent == (message ? 0 : 1), "a question is answered once, by whom it is not let through");
+    return message ? fuzz::Answer::None : fuzz::Answer::Value;
+}
+
+void requireDeclared(const char* interface, const char* signal, GVariant* arguments) {
+    for (const auto& [number, object] : exported) {
+        if (std::string_view{object.interface->name} == interface) {
+            const GDBusSignalInfo* const declared =
+                g_dbus_interface_info_lookup_signal(const_cast<GDBusInterfaceInfo*>(object.interface), signal);
+            fuzz::require(declared && isOf(arguments, typeOf(declared->args)), "a signal is as declared");
+        }
+    }
+}
+
 void hear(std::string_view signal, std::string_view text) {
     if (const VariantHandle arguments = tupleIn(text)) {
         forEach(subscriptions, [&](const Subscription& each) {
@@ -152,6 +212,8 @@ fuzz::Answer fuzz::happen(std::string_view line) {
         hear(signal, arguments);
     } else if (name == "answer") {
         answerOwnCall(text);
+    } else if (name == "ask") {
+        return ask(text);
     } else if (name == "appears") {
         forEach(watches, [](const Watch& watch) { watch.appeared(bus(), "name", ":1.1", watch.self); });
     } else if (name == "vanishes") {
@@ -198,12 +260,35 @@ gboolean g_dbus_connection_unregister_object(GDBusConnection*, guint number) { r
 gboolean g_dbus_connection_emit_signal(GDBusConnection*, const char*, const char*, const char* interface,
                                        const char* signal, GVariant* arguments, GError**) {
     const VariantHandle kept = platform::linux::owned(arguments);
-    for (const auto& [number, object] : exported) {
-        if (std::string_view{object.interface->name} == interface) {
-            const GDBusSignalInfo* const declared =
-                g_dbus_interface_info_lookup_signal(const_cast<GDBusInterfaceInfo*>(object.interface), signal);
-            fuzz::require(declared && isOf(arguments, typeOf(declared->args)), "a signal is as declared");
-        }
+    requireDeclared(interface, signal, kept.get());
+    return TRUE;
+}
+
+guint g_dbus_connection_add_filter(GDBusConnection*, GDBusMessageFilterFunction filter, gpointer self,
+                                   GDestroyNotify release) {
+    filters[++lastNumber] = {filter, self, release};
+    return lastNumber;
+}
+
+void g_dbus_connection_remove_filter(GDBusConnection*, guint number) {
+    const Filter filter = filters.at(number);
+    filters.erase(number);
+    filter.release(filter.self);
+}
+
+/// Under a name of its own here, since releases of GLib declare it differently.
+gboolean sendMessage(GDBusConnection*, GDBusMessage* message, GDBusSendMessageFlags, guint32*,
+                     GError**) __asm__("g_dbus_connection_send_message");
+
+gboolean sendMessage(GDBusConnection*, GDBusMessage* message, GDBusSendMessageFlags, guint32*, GError**) {
+    GVariant* const body = g_dbus_message_get_body(message);
+    if (g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_SIGNAL) {
+        requireDeclared(g_dbus_message_get_interface(message), g_dbus_message_get_member(message), body);
+    } else {
+        fuzz::require(g_dbus_message_get_reply_serial(message) == asked &&
+                          (isOf(body, "(v)") || isOf(body, "(a{sv})")),
+                      "an answer is to the question");
+        ++repliesSent;
     }
     return TRUE;
 }

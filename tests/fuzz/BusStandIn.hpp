@@ -20,10 +20,13 @@ enum class Answer { None, Value, Error };
 /// Lets happen what a line of the input says; a line that makes no sense is passed over.
 ///
 ///     Event (1, 'clicked', <0>, uint32 7)    a method that is exported is called; its answer is returned
+///     ask /Path org.some.Interface Get ('x',)  a question comes to who looks at messages first
 ///     signal ActionInvoked (uint32 1, 'x')   the subscribers to the signal hear it
-///     answer (uint32 1,)                     the oldest call by the program is answered, by an error if the type
-///     is wrong appears                                the watchers of names learn that these have an owner
+///     answer (uint32 1,)                     the oldest call by the program is answered
+///     appears                                the watchers of names learn that these have an owner
 ///     vanishes                               and that they have none
+///
+/// An answer of another type than the call expects is an error.
 Answer happen(std::string_view line);
 
 /// Reads every property of every interface that is exported.

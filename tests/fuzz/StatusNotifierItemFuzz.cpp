@@ -1,5 +1,5 @@
 // What panels, and the watcher that collects items for them, may do to the status item: one thing in each line of
-// the input.
+// the input, or `show`, for its words to change.
 
 #include "platform/linux/tray/StatusNotifierItem.hpp"
 #include "tests/fuzz/BusStandIn.hpp"
@@ -26,6 +26,10 @@ void fuzz::check(std::string_view input) {
         while (!input.empty()) {
             const auto [line, rest] = cut(input, "\n");
             clicks = 0;
+            if (line == "show") {
+                content.words += '.';
+                item.show(content);
+            }
             const Answer answer = happen(line);
             require(clicks <= (answer == Answer::Value ? 1 : 0), "one call is one click");
             require(token.take().size() <= ActivationToken::longest, "a token fits into a window's environment");
