@@ -47,51 +47,69 @@ int waitTolerantly(GPollFD* descriptors, unsigned count, int milliseconds) {
 
 } // namespace
 
-/// GLib's view of the loop: asked before and after each wait, run when something is due.
+/// GLib's view of the loop, asked before and after each wait: one source for the timers, run alone so that nothing
+/// else inherits a tick's tolerance, and one for what is posted, which takes turns with all others.
 struct EventLoop::Source {
     GSource base;
     EventLoop* loop;
 
     static EventLoop& loopOf(GSource* source) { return *reinterpret_cast<Source*>(source)->loop; }
 
-    static gboolean prepare(GSource* source, int* timeout) {
+    static gboolean prepareTimers(GSource* source, int* timeout) {
         const EventLoop& loop = loopOf(source);
         *timeout = loop.millisecondsToWait();
         timersWait = {*timeout, loop._timers.tolerance(loop._mode())};
         return *timeout == 0;
     }
-    static gboolean check(GSource* source) {
-        const bool isReady = loopOf(source).isReady();
-        if (!isReady) {
-            tolerate(usual); // what the wait has ended for is nothing of this loop's own
+    static gboolean checkTimers(GSource* source) {
+        const bool isDue = loopOf(source).millisecondsToWait() == 0;
+        if (!isDue) {
+            tolerate(usual); // what the wait has ended for is no timer
         }
-        return isReady;
+        return isDue;
     }
+    static gboolean prepareWork(GSource* source, int* timeout) {
+        *timeout = -1;
+        return loopOf(source).hasWork();
+    }
+    static gboolean checkWork(GSource* source) { return loopOf(source).hasWork(); }
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
         loopOf(source).handle();
         return G_SOURCE_CONTINUE;
+    }
+
+    static SourceHandle attached(GSourceFuncs& functions, EventLoop* loop, int priority) {
+        SourceHandle source{g_source_new(&functions, sizeof(Source))};
+        reinterpret_cast<Source*>(source.get())->loop = loop;
+        g_source_set_can_recurse(source.get(), TRUE); // an alert runs inside the action of a timer
+        g_source_set_priority(source.get(), priority);
+        g_source_attach(source.get(), nullptr);
+        return source;
+    }
+    static SourceHandle forTimers(EventLoop* loop) {
+        static GSourceFuncs functions{prepareTimers, checkTimers, dispatch, nullptr, nullptr, nullptr};
+        return attached(functions, loop, G_PRIORITY_HIGH);
+    }
+    static SourceHandle forWork(EventLoop* loop) {
+        static GSourceFuncs functions{prepareWork, checkWork, dispatch, nullptr, nullptr, nullptr};
+        return attached(functions, loop, G_PRIORITY_DEFAULT);
     }
 };
 
 EventLoop::EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle, std::function<void()> begin)
     : _mode{std::move(mode)}
     , _settle{std::move(settle)}
-    , _begin{std::move(begin)} {
-    static GSourceFuncs functions{Source::prepare, Source::check, Source::dispatch, nullptr, nullptr, nullptr};
-    _source = g_source_new(&functions, sizeof(Source));
-    reinterpret_cast<Source*>(_source)->loop = this;
-    g_source_set_can_recurse(_source, TRUE); // an alert runs inside the action of a timer
-    g_source_set_priority(_source,
-                          G_PRIORITY_HIGH); // dispatched alone, so that nothing else inherits a tick's tolerance
-    g_source_attach(_source, nullptr);
+    , _begin{std::move(begin)}
+    , _timersSource{Source::forTimers(this)}
+    , _workSource{Source::forWork(this)} {
     g_main_context_set_poll_func(nullptr, waitTolerantly);
 }
 
 EventLoop::~EventLoop() {
     tolerate(usual);
     g_main_context_set_poll_func(nullptr, nullptr);
-    g_source_destroy(_source);
-    g_source_unref(_source);
+    g_source_destroy(_timersSource.get());
+    g_source_destroy(_workSource.get());
 }
 
 void EventLoop::run() {
@@ -123,13 +141,8 @@ std::optional<EventLoop::OneShot> EventLoop::latestOneShot() const {
     return OneShot{left.count(), timer->interval()};
 }
 
-bool EventLoop::isReady() const { return millisecondsToWait() == 0; }
-
-/// Milliseconds until something is due, rounded up so that one wait is enough; -1 if nothing is.
+/// Milliseconds until a timer is due, rounded up so that one wait is enough; -1 if none is.
 int EventLoop::millisecondsToWait() const {
-    if (_isUnsettled || !_posted.empty()) {
-        return 0;
-    }
     const std::optional<TimerQueue::Instant> due = _timers.nextDue(_mode());
     if (!due) {
         return -1;

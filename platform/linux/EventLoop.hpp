@@ -5,8 +5,7 @@
 // with other programs.
 
 #include "platform/TimerQueue.hpp"
-
-#include <glib.h>
+#include "platform/linux/glib/Handles.hpp"
 
 #include <deque>
 #include <functional>
@@ -53,8 +52,9 @@ public:
 
 private:
     struct Source;
+    using SourceHandle = std::unique_ptr<GSource, Release<g_source_unref>>;
 
-    bool isReady() const;
+    bool hasWork() const { return _isUnsettled || !_posted.empty(); }
     int millisecondsToWait() const;
     void handle();
 
@@ -67,7 +67,8 @@ private:
     std::deque<std::function<void()>> _posted;
     bool _isUnsettled = false;
     bool _isOver = false;
-    GSource* _source;
+    SourceHandle _timersSource;
+    SourceHandle _workSource;
 };
 
 } // namespace platform::linux

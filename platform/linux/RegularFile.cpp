@@ -18,8 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using FolderHandle = std::unique_ptr<GDir, Release<g_dir_close>>;
-
 constexpr std::size_t randomLetters = 6; // or digits
 constexpr mode_t ownerOnlyFile = 0600;
 constexpr mode_t ownerOnlyFolder = 0700;
@@ -143,10 +141,11 @@ void removeLeftovers(const fs::path& path) {
     const std::string start = unfinished(target);
     const FolderHandle folder{g_dir_open(target.parent_path().c_str(), 0, nullptr)};
     while (const char* name = folder ? g_dir_read_name(folder.get()) : nullptr) {
-        const fs::path file = target.parent_path() / name;
         const std::string_view text{name};
-        if (text.starts_with(start) && text.size() == start.size() + randomLetters &&
-            g_file_test(file.c_str(), G_FILE_TEST_IS_REGULAR)) {
+        if (!text.starts_with(start) || text.size() != start.size() + randomLetters) {
+            continue;
+        }
+        if (const fs::path file = target.parent_path() / name; g_file_test(file.c_str(), G_FILE_TEST_IS_REGULAR)) {
             g_unlink(file.c_str());
         }
     }

@@ -10,12 +10,6 @@
 #include <utility>
 
 namespace platform::linux {
-namespace {
-
-using FolderHandle = std::unique_ptr<GDir, Release<g_dir_close>>;
-
-} // namespace
-
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
     FileContent content = readRegularFile(path);
     const bool isRead = !content.isMissing && content.problem.empty();

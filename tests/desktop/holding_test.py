@@ -127,7 +127,8 @@ class Held(unittest.TestCase):
             self.start("full-screen", **sway.environment)
             self.clocks.pass_time(INTERVAL)
             wait_until(lambda: self.timer.program.helpers(), "the reminder")
-            self.assertIn("this session cannot tell of \"full-screen\"", self.timer.program.output())
+            wait_until(lambda: "this session cannot tell of \"full-screen\"" in self.timer.program.output(),
+                       "the reason")
             self.timer.program.send(signal.SIGTERM)
             self.timer.expect_end(self)
 

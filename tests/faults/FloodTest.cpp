@@ -44,6 +44,10 @@ protected:
         g_dbus_connection_call(program.panel().bus(), service.c_str(), object, interface, method, arguments,
                                nullptr, G_DBUS_CALL_FLAGS_NONE, noTimeout, nullptr, answered, &unanswered);
     }
+    void askForTheItemsToolTip() {
+        ask(item(), "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+            g_variant_new("(ss)", "org.kde.StatusNotifierItem", "ToolTip"));
+    }
     void askItem(const char* method, GVariant* arguments) {
         ask(item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", method, arguments);
     }
@@ -81,10 +85,12 @@ TEST_F(Flood, OfSignalsIsSurvived) {
 }
 
 TEST_F(Flood, OfQuestionsToTheItemIsSurvived) {
-    survives(aFlood, [this](int) {
-        ask(item(), "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
-            g_variant_new("(ss)", "org.kde.StatusNotifierItem", "ToolTip"));
-    });
+    survives(aFlood, [this](int) { askForTheItemsToolTip(); });
+}
+
+TEST_F(Flood, OfQuestionsToTheItemIsSurvivedAfterItHasChanged) {
+    program.awaitReminder(); // after which GLib's thread answers
+    survives(aFlood, [this](int) { askForTheItemsToolTip(); });
 }
 
 TEST_F(Flood, OfClicksOnTheItemIsSurvived) {

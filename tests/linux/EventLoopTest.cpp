@@ -55,6 +55,21 @@ TEST(Loop, LetsGoOfWhatIsLeftUndoneAtItsEnd) {
     EXPECT_FALSE(isDone);
 }
 
+TEST(Loop, TakesTurnsWithOthersHoweverMuchIsPosted) {
+    EventLoop loop{[] { return RunLoopMode::Default; }, [] {}};
+    const std::function<void()> goOn = [&] { loop.post(goOn); };
+    loop.post(goOn);
+    bool hadItsTurn = false;
+    const auto takeTurn = [](gpointer turn) -> gboolean {
+        *static_cast<bool*>(turn) = true;
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_DEFAULT, takeTurn, &hadItsTurn, nullptr);
+    loop.iterate();
+    loop.iterate();
+    EXPECT_TRUE(hadItsTurn);
+}
+
 TEST(Loop, SettlesOnceMoreIfThatIsAskedForWhileItSettles) {
     int settlings = 0;
     EventLoop* running = nullptr;

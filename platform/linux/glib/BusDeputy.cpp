@@ -155,6 +155,12 @@ void BusDeputy::tell(VariantHandle properties, Messages signals) {
     g_main_context_wakeup(context.get()); // with no lock held
 }
 
+void BusDeputy::rest() {
+    const std::lock_guard lock{mutex};
+    _state->sendSignals();
+    _state->properties.reset();
+}
+
 /// Runs in GLib's thread. Returns the message if it is not dealt with here.
 GDBusMessage* BusDeputy::filter(GDBusConnection*, GDBusMessage* message, gboolean isIncoming, gpointer self) {
     if (!isIncoming) {

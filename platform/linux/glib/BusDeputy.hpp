@@ -25,6 +25,9 @@ public:
     /// answer of before comes after them.
     void tell(VariantHandle properties, Messages signals);
 
+    /// Sends what it has not sent yet, and leaves all questions to the main loop as at first.
+    void rest();
+
 private:
     struct State;
     struct Source;

@@ -80,7 +80,13 @@ void ExportedInterface::delegate(const std::vector<Signal>& signals) {
     _deputy->tell(owned(g_variant_builder_end(&properties)), std::move(messages));
 }
 
-void ExportedInterface::answerInPerson() { _deputy.emplace(_bus.get(), _path, _description->interfaces[0]->name); }
+void ExportedInterface::answerInPerson() {
+    if (_deputy) {
+        _deputy->rest();
+    } else {
+        _deputy.emplace(_bus.get(), _path, _description->interfaces[0]->name);
+    }
+}
 
 void ExportedInterface::announce(GVariant* changed) const {
     g_dbus_connection_emit_signal(

@@ -20,6 +20,7 @@ template <typename Object>
 using ObjectHandle = std::unique_ptr<Object, Release<g_object_unref>>;
 using TextHandle = std::unique_ptr<char, Release<g_free>>;
 using TextsHandle = std::unique_ptr<char*, Release<g_strfreev>>;
+using FolderHandle = std::unique_ptr<GDir, Release<g_dir_close>>;
 using VariantHandle = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 
 /// Shares an object that has an owner already.

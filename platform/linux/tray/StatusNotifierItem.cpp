@@ -94,7 +94,9 @@ void StatusNotifierItem::show(const StatusContent& content) {
 /// A panel asks several questions after each change, mostly one after the other.
 void StatusNotifierItem::announce(const std::vector<ExportedInterface::Signal>& changes) {
     if (_tray.isPresent()) {
-        _pictures = _pictures ? std::move(_pictures) : drawPictures();
+        if (!_pictures) {
+            _pictures = drawPictures();
+        }
         _interface.delegate(changes);
         return;
     }

@@ -21,19 +21,17 @@ def is_there(path):
 
 class Documents(unittest.TestCase):
     def assert_there(self, document, expression, folder):
-        for name in expression.findall(document.read_text()):
-            if PLACEHOLDER.search(name):
-                continue
+        names = [name for name in expression.findall(document.read_text()) if not PLACEHOLDER.search(name)]
+        for name in names:
             with self.subTest(document.relative_to(PROJECT), name=name):
                 self.assertTrue(is_there(folder / name))
+        return len(names)
 
     def test_link_to_what_is_there(self):
-        for document in DOCUMENTS:
-            self.assert_there(document, LINK, document.parent)
+        self.assertGreater(sum(self.assert_there(each, LINK, each.parent) for each in DOCUMENTS), 0)
 
     def test_name_files_that_are_there(self):
-        for document in DOCUMENTS:
-            self.assert_there(document, PATH, PROJECT)
+        self.assertGreater(sum(self.assert_there(each, PATH, PROJECT) for each in DOCUMENTS), 0)
 
 
 if __name__ == "__main__":
