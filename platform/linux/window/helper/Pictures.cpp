@@ -11,10 +11,17 @@ namespace platform::linux {
 namespace {
 
 constexpr double asWideAsNeeded = -1;
+constexpr unsigned largestInstalledIcon = 512;
+
+/// The density of what is not on a screen yet: of any screen that is on.
+int scaleOfScreens() {
+    GdkMonitor* any = gdk_display_get_monitor(gdk_display_get_default(), 0);
+    return any ? gdk_monitor_get_scale_factor(any) : 1;
+}
 
 GtkWidget* loaded(const std::filesystem::path& path, double width, double height) {
     GtkWidget* image = gtk_image_new();
-    const int scale = gtk_widget_get_scale_factor(image);
+    const int scale = scaleOfScreens();
     const int pixelWidth = width == asWideAsNeeded ? -1 : static_cast<int>(std::lround(width * scale));
     const int pixelHeight = static_cast<int>(std::lround(height * scale));
     const std::unique_ptr<GdkPixbuf, decltype(&g_object_unref)> pixels{
@@ -28,18 +35,20 @@ GtkWidget* loaded(const std::filesystem::path& path, double width, double height
     return image;
 }
 
-/// The file of the application's icon of that many pixels, or a few more, that is installed for all icon themes;
+/// The application's icon of that many pixels, or the next larger one, that is installed for all icon themes;
 /// empty if there is none.
 std::filesystem::path installedIcon(int pixels) {
-    const std::string size = std::to_string(std::bit_ceil(static_cast<unsigned>(pixels)));
-    const std::string file = "icons/hicolor/" + size + "x" + size + "/apps/" + applicationId + ".png";
     std::vector<std::filesystem::path> folders{g_get_user_data_dir()};
     for (const gchar* const* folder = g_get_system_data_dirs(); *folder; ++folder) {
         folders.emplace_back(*folder);
     }
-    for (const std::filesystem::path& folder : folders) {
-        if (std::error_code unreadable; exists(folder / file, unreadable)) {
-            return folder / file;
+    for (unsigned size = std::bit_ceil(static_cast<unsigned>(pixels)); size <= largestInstalledIcon; size *= 2) {
+        const std::string square = std::to_string(size) + "x" + std::to_string(size);
+        const std::string file = "icons/hicolor/" + square + "/apps/" + applicationId + ".png";
+        for (const std::filesystem::path& folder : folders) {
+            if (std::error_code unreadable; exists(folder / file, unreadable)) {
+                return folder / file;
+            }
         }
     }
     return {};
@@ -56,8 +65,7 @@ GtkWidget* picture(const std::filesystem::path& path, double height) {
 }
 
 GtkWidget* applicationIcon(int size) {
-    GdkMonitor* any = gdk_display_get_monitor(gdk_display_get_default(), 0); // as GTK does
-    const std::filesystem::path file = installedIcon(size * gdk_monitor_get_scale_factor(any));
+    const std::filesystem::path file = installedIcon(size * scaleOfScreens());
     if (file.empty()) {
         return nullptr;
     }
@@ -66,7 +74,9 @@ GtkWidget* applicationIcon(int size) {
     // The user's icon theme may have another one, but all of a theme takes longer to read than a window to be
     // shown.
     afterFirstFrame(image, [](GtkWidget* shown, GdkFrameClock*, gpointer) -> gboolean {
-        gtk_image_set_from_icon_name(GTK_IMAGE(shown), applicationId, GTK_ICON_SIZE_DIALOG);
+        if (gtk_icon_theme_has_icon(gtk_icon_theme_get_default(), applicationId)) { // not if its cache is stale
+            gtk_image_set_from_icon_name(GTK_IMAGE(shown), applicationId, GTK_ICON_SIZE_DIALOG);
+        }
         return G_SOURCE_REMOVE;
     });
     return image;

@@ -14,7 +14,8 @@ GtkWidget* picture(const std::filesystem::path& path, double width, double heigh
 /// The picture at `path`, that high and as wide as it needs. The reference is floating.
 GtkWidget* picture(const std::filesystem::path& path, double height);
 
-/// The application's icon at that size; null if none is installed. The reference is floating.
+/// The application's icon at that size, in the end that of the user's icon theme; null if the program is not
+/// installed with its icons, or only with smaller ones. The reference is floating.
 GtkWidget* applicationIcon(int size);
 
 /// The name of the application's icon and desktop file.
