@@ -324,6 +324,14 @@ class Desktop:
         process = self._xdotool("getwindowpid", number, check=False).stdout.strip() if number else ""
         return (number, int(process)) if process else None
 
+    def window_icon(self, number):
+        """The first icon of the window with that number: the window manager's if it came with none."""
+        answer = subprocess.run(["xprop", "-id", number, "-f", "_NET_WM_ICON", "32x", "_NET_WM_ICON"],
+                                env=self.environment, check=True, text=True, stdout=subprocess.PIPE).stdout
+        width, height, *pixels = (int(each, 16) for each in answer.partition(" = ")[2].split(","))
+        argb = b"".join(pixel.to_bytes(4, "big") for pixel in pixels[:width * height])
+        return Picture.of_status_item(width, height, argb)
+
     # What happens to the machine
 
     def start_logind(self):

@@ -4,12 +4,15 @@ the keyboard and as assistive software uses it."""
 
 from shown import KEYLESS_SECONDS, OnEveryDesktop, SHOW, ShownWindows, main
 from driving.desktop import Desktop
+from driving.picture import Picture
 from driving.waiting import wait_until
 
 import os
 import signal
+import tempfile
 import time
 import unittest
+from pathlib import Path
 
 BROWSER = """[Desktop Entry]
 Type=Application
@@ -18,6 +21,15 @@ Exec=sh -c 'echo "$0" "${{XDG_ACTIVATION_TOKEN-no token}}" "${{DESKTOP_STARTUP_I
     "${{GIO_USE_VFS-no files}}" >{visited}' %u
 MimeType=x-scheme-handler/https;
 """
+
+ICON_THEME = """[Icon Theme]
+Name=Icons
+Directories=64x64/apps
+
+[64x64/apps]
+Size=64
+"""
+RED, BLUE = (255, 0, 0, 255), (0, 0, 255, 255)
 
 
 class RealWindows(OnEveryDesktop, ShownWindows):
@@ -111,6 +123,46 @@ class RealWindows(OnEveryDesktop, ShownWindows):
         self.shower.send(signal.SIGKILL)
         self.shower.status()
         wait_until(lambda: not self.shower.left_behind(), "the program to end with the resident program")
+
+    # The application's icon
+
+    def data_folder(self):
+        """A folder for all data of programs, of which it only has the kinds of files."""
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        (folder / "mime").symlink_to("/usr/share/mime")
+        return folder
+
+    def install_icon(self, data, theme, size, colour):
+        icons = data / f"icons/{theme}/{size}x{size}/apps"
+        icons.mkdir(parents=True)
+        Picture(size, size, bytes(colour * size ** 2)).save(icons / "org.marvelode.Timer.png")
+
+    def shows_icon(self, colour):
+        popup = self.desktop.screenshot().crop(*self.window.extents)
+        return popup.count(lambda *pixel: pixel == colour) > 64 ** 2 * 3 // 4  # a sign covers the rest
+
+    def show_popup_with_installed_icon(self, size):
+        data = self.data_folder()
+        self.install_icon(data, "hicolor", size, RED)
+        self.show("popup", XDG_DATA_DIRS=str(data))
+
+    def test_popup_goes_on_showing_an_installed_icon_that_the_icon_theme_lacks(self):
+        self.show_popup_with_installed_icon(64)
+        self.assertTrue(self.shows_icon(RED))
+
+    def test_popup_shows_a_larger_installed_icon_if_its_own_size_is_missing(self):
+        self.show_popup_with_installed_icon(256)
+        self.assertTrue(self.shows_icon(RED))
+
+    def test_popup_ends_up_with_the_icon_of_the_user_s_theme_as_its_window_does(self):
+        data = self.data_folder()
+        for theme, colour in ("hicolor", RED), ("Adwaita", BLUE):
+            self.install_icon(data, theme, 64, colour)
+            (data / f"icons/{theme}/index.theme").write_text(ICON_THEME)
+        self.show("popup", XDG_DATA_DIRS=str(data))
+        wait_until(lambda: self.shows_icon(BLUE), "the theme's icon in the popup")
+        number, _ = self.desktop.active_window()
+        wait_until(lambda: self.desktop.window_icon(number).pixel(0, 0) == BLUE, "the theme's icon of the window")
 
     # The About box
 
