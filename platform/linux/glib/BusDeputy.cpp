@@ -27,7 +27,7 @@ GVariant* argumentsOf(GDBusMessage* message, const char* type) {
 } // namespace
 
 struct BusDeputy::State {
-    GDBusConnection* bus;
+    GDBusConnection* bus = nullptr;
     std::string path;
     std::string interface;
     VariantHandle properties;
@@ -48,7 +48,7 @@ struct BusDeputy::Source {
     State* state; ///< Null at the end.
 
     static bool isDue(GSource* source) {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         const State* const state = reinterpret_cast<Source*>(source)->state;
         return state && !state->signals.empty();
     }
@@ -58,7 +58,7 @@ struct BusDeputy::Source {
     }
     static gboolean check(GSource* source) { return isDue(source); }
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         if (State* const state = reinterpret_cast<Source*>(source)->state) {
             state->sendSignals();
         }
@@ -115,19 +115,22 @@ BusDeputy::BusDeputy(GDBusConnection* bus, std::string path, std::string interfa
     : _bus{shared(bus)} {
     std::unique_ptr<State> state;
     {
-        const std::lock_guard lock{mutex};
-        state.reset(new State{bus, std::move(path), std::move(interface), {}, {}, {}});
+        const std::scoped_lock lock{mutex};
+        state = std::make_unique<State>();
+        state->bus = bus;
+        state->path = std::move(path);
+        state->interface = std::move(interface);
     }
     _state = state.get();
     _filter = g_dbus_connection_add_filter(bus, filter, state.release(), [](gpointer released) {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         const std::unique_ptr<State> owner{static_cast<State*>(released)};
     });
 }
 
 BusDeputy::~BusDeputy() {
     {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         _state->properties.reset();
         _state->signals.clear();
         _state->isOver = true;
@@ -143,7 +146,7 @@ BusDeputy::~BusDeputy() {
 void BusDeputy::tell(VariantHandle properties, Messages signals) {
     ContextHandle context;
     {
-        const std::lock_guard lock{mutex};
+        const std::scoped_lock lock{mutex};
         _state->properties.swap(properties);
         std::move(signals.begin(), signals.end(), std::back_inserter(_state->signals));
         if (!_state->source) {
@@ -156,7 +159,7 @@ void BusDeputy::tell(VariantHandle properties, Messages signals) {
 }
 
 void BusDeputy::rest() {
-    const std::lock_guard lock{mutex};
+    const std::scoped_lock lock{mutex};
     _state->sendSignals();
     _state->properties.reset();
 }
@@ -166,7 +169,7 @@ GDBusMessage* BusDeputy::filter(GDBusConnection*, GDBusMessage* message, gboolea
     if (!isIncoming) {
         return message;
     }
-    const std::lock_guard lock{mutex};
+    const std::scoped_lock lock{mutex};
     State& state = *static_cast<State*>(self);
     if (!state.source && !state.isOver) {
         state.context.reset(g_main_context_ref_thread_default());
