@@ -10,7 +10,6 @@
 
 #include <array>
 #include <cerrno>
-#include <memory>
 #include <system_error>
 
 namespace platform::linux {

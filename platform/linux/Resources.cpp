@@ -6,10 +6,10 @@
 
 #include <glib.h>
 
-#include <memory>
 #include <utility>
 
 namespace platform::linux {
+
 std::optional<std::string> contentsOfFile(const std::filesystem::path& path) {
     FileContent content = readRegularFile(path);
     const bool isRead = !content.isMissing && content.problem.empty();

@@ -45,7 +45,7 @@ public:
     /// that.
     void delegate(const std::vector<Signal>& signals);
 
-    /// Asks for each property when it is asked for, as at first, and drops what was not sent yet. To be called some
+    /// Asks for each property when it is asked for, as at first, and sends what was not sent yet. To be called some
     /// time before `delegate` as well: what GLib's thread receives in between makes it known.
     void answerInPerson();
 

@@ -85,6 +85,12 @@ class ItemOfABusyProgram : public Item {
 protected:
     void SetUp() override { awaitIn(watcher); }
 
+    void show(const char* text, const char* words) {
+        content.text = text;
+        content.words = words;
+        item.show(content);
+    }
+
     void awaitIn(const std::optional<TrayWatcher>& panelsWatcher) {
         EXPECT_TRUE(runLoopUntil([&] { return panelsWatcher->questions > 0 && item.panelInWords()[0] != 'n'; }));
     }
@@ -107,14 +113,10 @@ protected:
 };
 
 TEST_F(ItemOfABusyProgram, TellsWhatHasChanged) {
-    content.text = "8m";
-    content.words = "Break in 8 minutes";
-    item.show(content);
+    show("8m", "Break in 8 minutes");
     EXPECT_EQ(printed(propertyAtOnce("ToolTip")), "('', [], 'Break in 8 minutes', 'Marvelode Timer')");
     const VariantHandle pictures = propertyAtOnce("IconPixmap");
-    content.text = "7m";
-    content.words = "Break in 7 minutes";
-    item.show(content);
+    show("7m", "Break in 7 minutes");
     EXPECT_EQ(signals.take(), (std::vector<std::string>{"NewIcon()", "NewToolTip()", "NewIcon()", "NewToolTip()"}));
     EXPECT_EQ(printed(propertyAtOnce("IconAccessibleDesc")), "'Break in 7 minutes'");
     EXPECT_FALSE(hasPictures(pictures));
@@ -151,9 +153,7 @@ TEST_F(ItemOfABusyProgram, AnswersByItselfOnceThereIsNoPanel) {
     EXPECT_TRUE(propertyAtOnce("IconPixmap"));
     watcher.reset();
     EXPECT_TRUE(runLoopUntil([&] { return item.panelInWords()[0] == 'n'; }));
-    content.text = "7m";
-    content.words = "Break in 7 minutes";
-    item.show(content);
+    show("7m", "Break in 7 minutes");
     EXPECT_EQ(printed(property("IconAccessibleDesc")), "'Break in 7 minutes'");
 }
 
