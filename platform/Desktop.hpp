@@ -66,8 +66,11 @@ public:
     /// Puts the program's one status item on screen.
     virtual void showStatusItem(const std::shared_ptr<NSStatusItem>& item) = 0;
 
-    /// Called after each possible change of the status item, its menu or what can be picked in it.
+    /// Called after each possible change of the status item.
     virtual void statusItemChanged() = 0;
+
+    /// Called after each possible change of the status item's menu or of what can be picked in it.
+    virtual void menuChanged() { statusItemChanged(); }
 
     // Windows
 

@@ -12,12 +12,12 @@ public:
         , _preventsTermination{preventsTermination} {
         ++_application._modalSessions;
         _application._panelsThatPreventTermination += _preventsTermination;
-        desktop().statusItemChanged(); // the menu's entries are disabled from here on
+        desktop().menuChanged(); // the menu's entries are disabled from here on
     }
     ~ModalSession() {
         --_application._modalSessions;
         _application._panelsThatPreventTermination -= _preventsTermination;
-        desktop().statusItemChanged();
+        desktop().menuChanged();
     }
     ModalSession(const ModalSession&) = delete;
     ModalSession& operator=(const ModalSession&) = delete;

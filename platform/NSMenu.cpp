@@ -18,7 +18,7 @@ void NSMenuItem::setState(StateValue state) {
     }
     _state = state;
     _hasState = true;
-    desktop().statusItemChanged();
+    desktop().menuChanged();
 }
 
 std::shared_ptr<NSMenuItem> NSMenu::itemWithTitle(std::string_view title) const {

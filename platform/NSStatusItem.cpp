@@ -27,7 +27,7 @@ void NSStatusBarButton::setAttributedTitle(NSAttributedString title) {
 
 void NSStatusItem::setMenu(std::shared_ptr<NSMenu> menu) {
     _menu = std::move(menu);
-    desktop().statusItemChanged();
+    desktop().menuChanged();
 }
 
 NSStatusBar& NSStatusBar::system() {

@@ -91,6 +91,11 @@ void LinuxDesktop::showStatusItem(const std::shared_ptr<NSStatusItem>& item) {
 
 void LinuxDesktop::statusItemChanged() { _loop.settleSoon(); }
 
+void LinuxDesktop::menuChanged() {
+    _isMenuOld = true;
+    _loop.settleSoon();
+}
+
 /// An alert above no other window is a reminder: all others come from a panel.
 int LinuxDesktop::runAlert(NSAlert& alert) {
     const bool isReminder = !_windows.isShowing();
@@ -228,7 +233,9 @@ void LinuxDesktop::settle() {
                       [this](std::function<void()> pick) { _loop.post(std::move(pick)); });
     }
     const StatusContent& content = statusContent();
-    _menu->show(_statusItem->menu());
+    if (std::exchange(_isMenuOld, false)) {
+        _menu->show(_statusItem->menu());
+    }
     _statusWindow.show(content, _statusItem->menu());
     if (_statusNotifierItem) {
         _statusNotifierItem->show(content);

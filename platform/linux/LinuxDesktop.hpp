@@ -58,6 +58,7 @@ public:
 
     void showStatusItem(const std::shared_ptr<NSStatusItem>& item) override;
     void statusItemChanged() override;
+    void menuChanged() override;
 
     int runAlert(NSAlert& alert) override;
     void runModal(NSPanel& panel, const View& content) override;
@@ -164,6 +165,7 @@ private:
     std::shared_ptr<NSStatusItem> _statusItem;
     StatusContent _statusContent; ///< Filled anew after each event, in place: most change nothing in it.
     std::optional<MenuExport> _menu;
+    bool _isMenuOld = false; ///< Whether the panel is to be told of a change in it.
     StatusWindow _statusWindow;
     TraylessNotice _traylessNotice;
     std::optional<StatusNotifierItem> _statusNotifierItem;

@@ -86,6 +86,7 @@ void openMissingDescriptors() {
 void keepMemorySmall() {
     constexpr int large = 8 * 1024;
     mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MXFAST, 0);
     mallopt(M_MMAP_THRESHOLD, large);
     mallopt(M_TRIM_THRESHOLD, large);
     mallopt(M_TOP_PAD, large);

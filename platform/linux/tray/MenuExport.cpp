@@ -124,7 +124,7 @@ MenuExport::Entry MenuExport::entryOf(const NSMenuItem& item) const {
     return {&item, _menu->validates(item), item.hasState(), item.state() == NSMenuItem::StateValue::On};
 }
 
-/// Whether the panel was told everything already, which is so nearly every second.
+/// Whether the panel was told everything already.
 bool MenuExport::isShown() const {
     return std::ranges::equal(itemsOf(_menu), _entries, {}, [this](const auto& item) { return entryOf(*item); });
 }
