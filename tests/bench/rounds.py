@@ -32,10 +32,9 @@ def quickest(times, *measures):
 
 
 def one_round(timer, floor):
-    with Desktop() as desktop:
+    with Desktop(), Desktop() as desktop:  # the first shares libraries with the timer, as all of a desktop in use do
         item = hosts.settled(desktop, floor("item"))
-        with Desktop():  # whose programs share libraries with the timer, as those of a desktop in use do
-            memories = life.memories(desktop, item)
+        memories = life.memories(desktop, item)
         end(item)
         starts = quickest(STARTS, lambda: registered(desktop, timer), lambda: registered(desktop, floor("item")))
         windows = quickest(WINDOWS, lambda: popup(desktop, timer), lambda: bare_window(desktop, floor("window")))

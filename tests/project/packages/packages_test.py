@@ -9,6 +9,7 @@ the files' names are compared.
 
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -135,6 +136,12 @@ class Packages(unittest.TestCase):
             commands = (build / "compile_commands.json").read_text()
             self.assertIn(FLAGS, commands)
             self.assertNotIn("_FORTIFY_SOURCE=2", commands)
+
+    def test_the_functions_of_a_tick_stand_together_and_the_rare_ones_apart(self):
+        sections = output("readelf", "--sections", "--wide", self.build / "bin/marvelode-timer")
+        size = {name: int(size, 16) for name, size in re.findall(r"(\.text\S*) +PROGBITS +\S+ \S+ (\S+)", sections)}
+        self.assertIn(size[".text.tick"], range(4096, 40960), size)
+        self.assertGreater(size[".text.rare"], 20480, size)
 
     def test_fedoras_holds_the_same_files(self):
         files = set(output("rpm", "--query", "--list", "--noartifact", self.fedora, HOME=str(self.folder)).splitlines())
