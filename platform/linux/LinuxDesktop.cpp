@@ -86,7 +86,7 @@ void LinuxDesktop::cancel(const Timer& timer) { _loop.cancel(timer); }
 
 void LinuxDesktop::showStatusItem(const std::shared_ptr<NSStatusItem>& item) {
     _statusItem = item;
-    _loop.settleSoon();
+    menuChanged();
 }
 
 void LinuxDesktop::statusItemChanged() { _loop.settleSoon(); }

@@ -1,5 +1,5 @@
 // The end of the resident program, as it is shipped, by a mistake of its own. The C++ library's words for it are 70
-// KB that would stay in memory as long as the program. A core dump tells more.
+// KB that would stay in memory as long as the program. With debug symbols, a core dump tells more.
 
 #include <unistd.h>
 

@@ -131,6 +131,14 @@ class Packages(unittest.TestCase):
         output("dpkg-deb", "--extract", self.debian, tree)
         output("dbus-run-session", "--", "sh", "-c", LIFE, tree / "usr/bin/marvelode-timer", HOME=str(self.folder))
 
+    def test_the_program_does_without_a_sound_and_without_sense_in_its_build_information(self):
+        tree = self.folder / "damaged"
+        output("dpkg-deb", "--extract", self.debian, tree)
+        resources = tree / "usr/share/marvelode-timer"
+        next(resources.glob("*.m4a")).unlink()
+        (resources / "BuildInfo.txt").write_text("Nonsense=1\n")
+        output("dbus-run-session", "--", "sh", "-c", LIFE, tree / "usr/bin/marvelode-timer", HOME=str(self.folder))
+
     def test_the_flags_of_the_distribution_win(self):
         for build in (self.build, self.build_elsewhere):
             commands = (build / "compile_commands.json").read_text()

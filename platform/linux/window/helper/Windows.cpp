@@ -15,12 +15,12 @@ namespace {
 
 constexpr const char* alertTitle = "Marvelode Timer";
 constexpr int widestLineInCharacters = 50;
-constexpr std::size_t longestSurelyOneLine = 40; ///< In bytes, which are no fewer than the characters.
+constexpr std::size_t longestWithoutBreaks = 40; ///< In bytes, which are no fewer than the characters.
 
 GtkWidget* textLabel(const std::string& text) {
     GtkWidget* label = gtk_label_new(text.c_str());
     gtk_label_set_xalign(GTK_LABEL(label), 0);
-    if (text.size() > longestSurelyOneLine) { // to find where a line may break delays the window
+    if (text.size() > longestWithoutBreaks) { // to find where a line may break delays the window
         gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
         gtk_label_set_max_width_chars(GTK_LABEL(label), widestLineInCharacters);
     }
