@@ -58,8 +58,8 @@ private:
     bool _hasState = false;
 };
 
-/// A list of entries, from top to bottom. Complete when a status item is given it: of what changes later, check marks
-/// alone are shown.
+/// A list of entries, from top to bottom. Complete when a status item is given it: of what changes later, check
+/// marks alone are shown.
 class NSMenu {
 public:
     NSMenuDelegate* delegate = nullptr; ///< Not owned.

@@ -81,8 +81,8 @@ void openMissingDescriptors() {
     close(opened);
 }
 
-/// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once, small
-/// pieces join what is free beside them, and the bus's thread gets no pool of memory of its own.
+/// What is needed only for a moment, such as a picture on its way to the panel, goes back to the system at once,
+/// small pieces join what is free beside them, and the bus's thread gets no pool of memory of its own.
 void keepMemorySmall() {
     constexpr int large = 8 * 1024;
     mallopt(M_ARENA_MAX, 1);
