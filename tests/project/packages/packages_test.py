@@ -126,18 +126,25 @@ class Packages(unittest.TestCase):
         dated = self.packed(self.build, self.folder / "dated", SOURCE_DATE_EPOCH="1000000000")
         self.assertEqual(set(contents(dated).values()), {"2001-09-09"})
 
-    def test_the_program_in_the_debian_package_starts_and_ends(self):
-        tree = self.folder / "installed"
+    def installed(self, place):
+        """The folder in which the Debian package lies as it does in a system's."""
+        tree = self.folder / place
         output("dpkg-deb", "--extract", self.debian, tree)
-        output("dbus-run-session", "--", "sh", "-c", LIFE, tree / "usr/bin/marvelode-timer", HOME=str(self.folder))
+        return tree / "usr"
 
-    def test_the_program_does_without_a_sound_and_without_sense_in_its_build_information(self):
-        tree = self.folder / "damaged"
-        output("dpkg-deb", "--extract", self.debian, tree)
-        resources = tree / "usr/share/marvelode-timer"
-        next(resources.glob("*.m4a")).unlink()
-        (resources / "BuildInfo.txt").write_text("Nonsense=1\n")
-        output("dbus-run-session", "--", "sh", "-c", LIFE, tree / "usr/bin/marvelode-timer", HOME=str(self.folder))
+    def said_in_a_life(self, tree):
+        """What the program prints from its start to its end, which both have to come."""
+        return output("dbus-run-session", "--", "sh", "-c", LIFE, tree / "bin/marvelode-timer", HOME=str(self.folder))
+
+    def test_the_program_in_the_debian_package_starts_and_ends(self):
+        self.said_in_a_life(self.installed("whole"))
+
+    def test_the_program_does_without_sounds_and_without_sense_in_its_build_information(self):
+        tree = self.installed("damaged")
+        for sound in (tree / "share/marvelode-timer").glob("*.m4a"):
+            sound.unlink()
+        (tree / "share/marvelode-timer/BuildInfo.txt").write_text("Nonsense=1\n")
+        self.assertIn("Failed to initialize custom audio", self.said_in_a_life(tree))
 
     def test_the_flags_of_the_distribution_win(self):
         for build in (self.build, self.build_elsewhere):
