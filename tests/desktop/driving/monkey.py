@@ -133,7 +133,7 @@ class Monkey:
                            int(self.desktop.height * (0.3 + 0.4 * (chance * 1000 % 1))))
 
     def start_it_once_more(self, _):
-        assert self.timer.start_again().status() == 0
+        assert self.timer.start_again().status(40) == 0  # it waits for a window program that was stopped while it began
 
     def pick_an_entry(self, chance):
         item = self.timer.item_without_panel()

@@ -110,6 +110,8 @@ TEST_F(Lock, IsAskedOfTheLoginManagerWhenASessionChanges) {
     watcher.listenTo(nullptr);
     watcher.listenTo(systemBus.get());
     watcher.listenTo(systemBus.get());
+    // once the bus has answered this, it has also read who listens
+    ASSERT_TRUE(call(systemBus.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr));
     const auto change = [&](const char* hint) {
         manager.say(hint);
         const int calls = manager.calls();
