@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace models {
+namespace models::bus {
 namespace {
 
 using namespace marvelode;
@@ -160,4 +160,4 @@ TEST(TheBus, DeliversAsTheModelPredicts) {
 }
 
 } // namespace
-} // namespace models
+} // namespace models::bus

@@ -8,7 +8,7 @@
 
 #include <array>
 
-namespace models {
+namespace models::cycle {
 namespace {
 
 using namespace std::chrono_literals;
@@ -299,4 +299,4 @@ TEST(TheProgram, BehavesAsTheModelPredicts) {
 }
 
 } // namespace
-} // namespace models
+} // namespace models::cycle

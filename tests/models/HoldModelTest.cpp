@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace models {
+namespace models::holding {
 namespace {
 
 using namespace std::chrono_literals;
@@ -218,4 +218,4 @@ TEST(HeldReminders, AreUpWhenTheModelSaysSo) {
 }
 
 } // namespace
-} // namespace models
+} // namespace models::holding

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace models {
+namespace models::settings {
 namespace {
 
 using namespace marvelode;
@@ -174,4 +174,4 @@ TEST(TheSettings, BehaveAsTheModelPredicts) {
 }
 
 } // namespace
-} // namespace models
+} // namespace models::settings
