@@ -14,22 +14,22 @@ constexpr int overhang = 6; ///< How far the sign stands out of the picture.
 /// What a kind of alert is called and drawn as.
 struct Sign {
     const char* name;
-    const char* letter;
     const char* colour;
     const char* letterColour;
     bool isTriangle;
+    bool isUpsideDown; ///< Whether the “i” in it stands on its head, as a “!”.
 };
 
 Sign signOf(NSAlert::Style style) {
     switch (style) {
     case NSAlert::Style::Warning:
-        return {"Warning", "!", "#f5c211", "#241f31", true};
+        return {"Warning", "#f5c211", "#241f31", true, true};
     case NSAlert::Style::Critical:
-        return {"Error", "!", "#e01b24", "#ffffff", false};
+        return {"Error", "#e01b24", "#ffffff", false, true};
     case NSAlert::Style::Informational:
         break;
     }
-    return {"Information", "i", "#1c71d8", "#ffffff", false};
+    return {"Information", "#1c71d8", "#ffffff", false, false};
 }
 
 void setColour(cairo_t* drawing, const char* colour) {
@@ -51,6 +51,22 @@ void trace(cairo_t* drawing, bool isTriangle) {
     }
 }
 
+/// A dot and a stem, drawn: to look for a letter in a font delays the window.
+void drawLetter(cairo_t* drawing, const Sign& sign) {
+    constexpr double thickness = 3;
+    constexpr double middle = signSize / 2.0;
+    const double centre = sign.isTriangle ? middle + 2.5 : middle; // the triangle's own lies lower
+    const double downwards = sign.isUpsideDown ? -1 : 1;
+    const auto at = [&](double y) { return centre + downwards * y; };
+    cairo_set_line_cap(drawing, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_width(drawing, thickness);
+    cairo_move_to(drawing, middle, at(-4.5));
+    cairo_close_path(drawing);
+    cairo_move_to(drawing, middle, at(0));
+    cairo_line_to(drawing, middle, at(4.5));
+    cairo_stroke(drawing);
+}
+
 void draw(cairo_t* drawing, const Sign& sign) {
     constexpr double outline = 3;
     trace(drawing, sign.isTriangle);
@@ -60,16 +76,8 @@ void draw(cairo_t* drawing, const Sign& sign) {
     cairo_stroke_preserve(drawing);
     cairo_fill(drawing);
 
-    constexpr double letterHeight = 16;
-    constexpr double baseline = 19;
-    cairo_text_extents_t extents{};
-    cairo_select_font_face(drawing, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
-    cairo_set_font_size(drawing, letterHeight);
-    cairo_text_extents(drawing, sign.letter, &extents);
-    cairo_move_to(drawing, (signSize - extents.width) / 2 - extents.x_bearing,
-                  baseline + (sign.isTriangle ? 1 : 0));
     setColour(drawing, sign.letterColour);
-    cairo_show_text(drawing, sign.letter);
+    drawLetter(drawing, sign);
 }
 
 GtkWidget* signFor(NSAlert::Style style) {
