@@ -28,14 +28,24 @@ def idle_timer(desktop):
     return timer.program.pid
 
 
+def lonely_timer(desktop):
+    """A timer that no panel asks anything; its user has closed the small window that stands in for the item."""
+    timer = Timer(desktop, settings=QUIET)
+    timer.window().find("push button", "Hide this window").press()
+    timer.await_no_window()
+    idle.await_quiet(timer.program.pid)
+    return timer.program.pid
+
+
 def minutes(floor):
-    """The median minutes of bare tick, bare item and timer in Xfce's panel, and of the timer in each other one."""
+    """The median minutes of bare tick, bare item and a timer without a panel, and of one in each panel by its name."""
     with contextlib.ExitStack() as stack:
         desktop = stack.enter_context(Desktop())
-        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")), idle_timer(desktop)]
+        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")),
+                lonely_timer(stack.enter_context(Desktop(panel=False))), idle_timer(desktop)]
         pids += [idle_timer(shown_by(host, stack)) for host in OTHERS]
-        tick, item, *timers = idle.medians(pids)
-        return tick, item, dict(zip(["xfce", *(host.name for host in OTHERS)], timers))
+        tick, item, lonely, *timers = idle.medians(pids)
+        return tick, item, lonely, dict(zip(["xfce", *(host.name for host in OTHERS)], timers))
 
 
 def shown_by(host, stack):
