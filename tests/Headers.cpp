@@ -1,1 +1,1 @@
-// Nothing by itself: with it are compiled the headers that the tests share.
+// Empty: the headers that the tests share are compiled with it.
