@@ -8,6 +8,7 @@ from start import spawn
 from driving.desktop import Desktop
 from driving.hosts import HOSTS
 from driving.timer import QUIET, Timer
+from driving.waiting import wait_until
 
 OTHERS = [host for host in HOSTS if host.name != "xfce"]
 
@@ -33,6 +34,7 @@ def lonely_timer(desktop):
     timer = Timer(desktop, settings=QUIET)
     timer.window().find("push button", "Hide this window").press()
     timer.await_no_window()
+    wait_until(lambda: not timer.program.helpers(), "the program that showed it to end")
     idle.await_quiet(timer.program.pid)
     return timer.program.pid
 
