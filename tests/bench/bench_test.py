@@ -61,7 +61,8 @@ class Goals(unittest.TestCase):
         """The exit status of the benchmark, and which figures are said to miss their goals."""
         measure = script("measure")
         with mock.patch.object(rounds, "medians", lambda *_: rounds.Round(**GOOD | changes)), \
-                mock.patch.object(measure.hosts, "minutes", lambda *_: (TICK, ITEM, lonely, {"xfce": xfce, "other": other})):
+                mock.patch.object(measure.hosts, "minutes",
+                                  lambda *_: (TICK, ITEM, lonely, {"xfce": xfce, "other": other})):
             status, output = run(measure)
         return status, [line.split("  ")[0] for line in output.splitlines() if line.endswith("missed")]
 

@@ -33,14 +33,13 @@ def lonely_timer(desktop):
     """A timer that no panel asks anything; its user has closed the small window that stands in for the item."""
     timer = Timer(desktop, settings=QUIET)
     timer.window().find("push button", "Hide this window").press()
-    timer.await_no_window()
     wait_until(lambda: not timer.program.helpers(), "the program that showed it to end")
     idle.await_quiet(timer.program.pid)
     return timer.program.pid
 
 
 def minutes(floor):
-    """The median minutes of bare tick, bare item and a timer without a panel, and of one in each panel by its name."""
+    """The median minutes of bare tick, bare item and lonely timer, and of a timer in each panel by its name."""
     with contextlib.ExitStack() as stack:
         desktop = stack.enter_context(Desktop())
         pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")),

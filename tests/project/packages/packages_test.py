@@ -3,8 +3,8 @@
 
 They are compared with one another, and the Debian package with itself, made again elsewhere. CTest gives in the
 environment: CMAKE, CPACK, VERSION, ALL_AT_ONCE, with which CMake compiles many sources together, and is done sooner, and
-IN_HASTE, with which each source is compiled by itself, as it is elsewhere, but not optimised, and by clang if there is one: for a package of which only
-the files' names are compared.
+IN_HASTE, with which each source is compiled by itself, as it is elsewhere, but not optimised, and by clang if there is
+one: for a package of which only the files' names are compared.
 """
 
 import os
