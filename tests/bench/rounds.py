@@ -11,7 +11,7 @@ from windows import bare_window, popup
 
 from driving.desktop import Desktop
 
-ROUNDS, STARTS, WINDOWS = 5, 10, 3
+ROUNDS, STARTS, WINDOWS = 5, 30, 8
 
 
 class Round(NamedTuple):

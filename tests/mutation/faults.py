@@ -47,6 +47,12 @@ def _replaced(line, match, text):
     return line[:match.start()] + text + line[match.end():]
 
 
+def _one_more(number):
+    if re.match("0[0-7]", number):
+        return f"0{int(number, 8) + 1:o}"
+    return str(int(number, 0) + 1)
+
+
 def _in_line(line):
     code = _code(line)
     for match in OPERATOR.finditer(code):
@@ -55,7 +61,7 @@ def _in_line(line):
     for match in STEP.finditer(code):
         yield "step", _replaced(line, match, "--" if match[0] == "++" else "++")
     for match in NUMBER.finditer(code):
-        yield "number", _replaced(line, match, str(int(match[1].replace("'", ""), 0) + 1))
+        yield "number", _replaced(line, match, _one_more(match[1].replace("'", "")))
     for match in TRUTH.finditer(code):
         yield "truth", _replaced(line, match, OPPOSITE[match[0]])
     for match in NEGATION.finditer(code):

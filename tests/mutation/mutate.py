@@ -10,6 +10,7 @@ makes them fail, crash or take far longer than usual is caught; one that does no
 """
 
 import argparse
+import contextlib
 import os
 import random
 import shutil
@@ -28,37 +29,57 @@ CHECKOUT = Path(__file__).resolve().parents[2]
 FOLDERS = ["components", "stories", "linux", "contract", "fuzz", "models"]
 LONGEST_BUILD = 3600  # seconds, of all that a file is tested by
 LONGEST_STEP = 300  # of what one fault touches
+PARTS = 8  # of a suite that run side by side
 COMPILER = "compiler"
 
 
-def run(command, limit, **options):
-    """The status of a command; None if it takes longer than the limit in seconds. What it started ends with it."""
-    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                          start_new_session=True, **options) as process:
-        try:
-            return process.wait(limit)
-        except subprocess.TimeoutExpired:
-            return None
-        finally:
-            for number in (signal.SIGTERM, signal.SIGKILL):  # Ninja ends its compilers only if it is asked to end
-                try:
-                    os.killpg(process.pid, number)
-                    process.wait(5)
-                except (ProcessLookupError, subprocess.TimeoutExpired):
-                    pass
+def end(processes):
+    """Ends them with all that they have started; Ninja ends its compilers only if it is asked to end."""
+    for number in (signal.SIGTERM, signal.SIGKILL):
+        for process in processes:
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(process.pid, number)
+        for process in processes:
+            with contextlib.suppress(subprocess.TimeoutExpired):
+                process.wait(5)
+
+
+def all_succeed(commands, limit):
+    """Whether commands that are run side by side all succeed within the limit in seconds; the first failure ends all."""
+    running = []
+    try:
+        for command, options in commands:
+            running.append(subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                            stderr=subprocess.DEVNULL, start_new_session=True, **options))
+        deadline = time.monotonic() + limit
+        while running and time.monotonic() < deadline:
+            for process in list(running):
+                status = process.poll()
+                if status is not None:
+                    running.remove(process)
+                    end([process])
+                if status:
+                    return False
+            time.sleep(0.01)
+        return not running
+    finally:
+        end(running)
 
 
 class Suite:
-    """A test program, run as a whole."""
+    """A test program, run as a whole. Its tests mostly wait, so many of them run at a time."""
 
     def __init__(self, program, arguments=()):
         self.program = program
         self.command = [program, *arguments]
+        self.parts = 1 if arguments else PARTS
         self.limit = None
 
     def passes(self):
-        environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1")
-        return run(self.command, self.limit or LONGEST_STEP, env=environment, cwd=self.program.parent) == 0
+        environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1", GTEST_TOTAL_SHARDS=str(self.parts))
+        return all_succeed([(self.command, {"cwd": self.program.parent,
+                                            "env": environment | {"GTEST_SHARD_INDEX": str(part)}})
+                            for part in range(self.parts)], self.limit or LONGEST_STEP)
 
     def measure(self):
         """Runs without a fault, the first time, and allows for as much time as a busy machine might make of that."""
@@ -95,8 +116,8 @@ class Copy:
                 yield Suite(tests / f"fuzz_{seeds.name}", [seeds])
 
     def make(self, suites, limit):
-        return run(["ninja", "-C", self.build, "--quiet",
-                    *(suite.program.relative_to(self.build) for suite in suites)], limit)
+        return all_succeed([(["ninja", "-C", self.build, "--quiet",
+                              *(suite.program.relative_to(self.build) for suite in suites)], {})], limit)
 
     def suites_of(self, name):
         """The suites that the file of that name is linked into, built and known to pass."""
@@ -106,7 +127,7 @@ class Copy:
             return name in inputs
 
         suites = [suite for suite in self.suites if is_linked(suite)]
-        if self.make(suites, LONGEST_BUILD) != 0:
+        if not self.make(suites, LONGEST_BUILD):
             sys.exit("the checkout does not build")
         for suite in suites:
             suite.measure()
@@ -119,7 +140,7 @@ class Copy:
         try:
             (self.folder / name).write_text("\n".join(lines))
             for suite in suites:
-                if self.make([suite], LONGEST_STEP) != 0:
+                if not self.make([suite], LONGEST_STEP):
                     return COMPILER
                 if not suite.passes():
                     return suite.program.name

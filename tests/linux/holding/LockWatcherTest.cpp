@@ -2,6 +2,7 @@
 
 #include "platform/linux/holding/LockWatcher.hpp"
 
+#include "platform/linux/holding/BusQuestions.hpp"
 #include "tests/support/AnsweringService.hpp"
 
 #include <gmock/gmock.h>
@@ -17,33 +18,45 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+VariantHandle askBus(GDBusConnection* from, const char* method, GVariant* arguments = nullptr) {
+    return call(from, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments);
+}
+
+/// Once the bus has answered, it has also read who listens and what was said, and what it sent before has come.
+void awaitBus(GDBusConnection* of) { ASSERT_TRUE(askBus(of, "GetId")); }
+
 /// A service that locks the screen.
 class ScreenSaver {
 public:
-    explicit ScreenSaver(std::string name)
-        : _name{std::move(name)} {
-        takeName(bus.get(), _name.c_str());
+    ScreenSaver(GDBusConnection* listener, std::string name)
+        : _listener{listener}
+        , _name{std::move(name)} {
+        takeName(_bus.get(), _name.c_str());
+        awaitBus(_listener);
     }
 
     void tell(GVariant* arguments) const {
         std::string path = "/" + _name;
         std::replace(path.begin(), path.end(), '.', '/');
-        g_dbus_connection_emit_signal(bus.get(), nullptr, path.c_str(), _name.c_str(), "ActiveChanged", arguments,
+        g_dbus_connection_emit_signal(_bus.get(), nullptr, path.c_str(), _name.c_str(), "ActiveChanged", arguments,
                                       nullptr);
-        settle();
+        awaitBus(_bus.get());
+        awaitBus(_listener);
     }
     void lock() const { tell(g_variant_new("(b)", TRUE)); }
     void unlock() const { tell(g_variant_new("(b)", FALSE)); }
     void die() const {
-        g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
-        runLoopFor(std::chrono::milliseconds{50});
+        g_dbus_connection_close_sync(_bus.get(), nullptr, nullptr);
+        ASSERT_TRUE(runLoopUntil([&] { return !hasOwner(); }));
     }
 
-    ObjectHandle<GDBusConnection> bus = connectToSession();
-
 private:
-    void settle() const { runLoopFor(std::chrono::milliseconds{20}); }
+    bool hasOwner() const {
+        return saysYes(askBus(_listener, "NameHasOwner", g_variant_new("(s)", _name.c_str())).get());
+    }
 
+    GDBusConnection* _listener;
+    ObjectHandle<GDBusConnection> _bus = connectToSession();
     std::string _name;
 };
 
@@ -59,7 +72,7 @@ protected:
 class Lockers : public Lock, public testing::WithParamInterface<const char*> {};
 
 TEST_P(Lockers, TellForHowLong) {
-    const ScreenSaver locker{GetParam()};
+    const ScreenSaver locker{bus.get(), GetParam()};
     locker.lock();
     now += 300;
     locker.lock();
@@ -70,7 +83,7 @@ TEST_P(Lockers, TellForHowLong) {
 }
 
 TEST_P(Lockers, UnlockWhenTheyDie) {
-    const ScreenSaver locker{GetParam()};
+    const ScreenSaver locker{bus.get(), GetParam()};
     locker.lock();
     now += 10;
     locker.die();
@@ -83,8 +96,8 @@ INSTANTIATE_TEST_SUITE_P(All, Lockers,
                                          "org.xfce.ScreenSaver"));
 
 TEST_F(Lock, LastsUntilTheLastOneHasUnlocked) {
-    const ScreenSaver first{"org.freedesktop.ScreenSaver"};
-    const ScreenSaver second{"org.gnome.ScreenSaver"};
+    const ScreenSaver first{bus.get(), "org.freedesktop.ScreenSaver"};
+    const ScreenSaver second{bus.get(), "org.gnome.ScreenSaver"};
     first.lock();
     now += 1;
     second.lock();
@@ -97,7 +110,7 @@ TEST_F(Lock, LastsUntilTheLastOneHasUnlocked) {
 }
 
 TEST_F(Lock, IsNotMadeUpOfNonsense) {
-    const ScreenSaver locker{"org.gnome.ScreenSaver"};
+    const ScreenSaver locker{bus.get(), "org.gnome.ScreenSaver"};
     locker.tell(g_variant_new("(s)", "true"));
     locker.tell(nullptr);
     locker.unlock();
@@ -110,8 +123,7 @@ TEST_F(Lock, IsAskedOfTheLoginManagerWhenASessionChanges) {
     watcher.listenTo(nullptr);
     watcher.listenTo(systemBus.get());
     watcher.listenTo(systemBus.get());
-    // once the bus has answered this, it has also read who listens
-    ASSERT_TRUE(call(systemBus.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr));
+    awaitBus(systemBus.get());
     const auto change = [&](const char* hint) {
         manager.say(hint);
         const int calls = manager.calls();
@@ -123,7 +135,8 @@ TEST_F(Lock, IsAskedOfTheLoginManagerWhenASessionChanges) {
             g_main_context_wakeup(nullptr);
             return manager.calls() == calls + 1;
         }));
-        runLoopFor(std::chrono::milliseconds{20});
+        awaitBus(manager.bus());
+        awaitBus(systemBus.get());
     };
     change("(<true>,)");
     now += 500;

@@ -3,8 +3,7 @@
 
 They are compared with one another, and the Debian package with itself, made again elsewhere. CTest gives in the
 environment: CMAKE, CPACK, VERSION, ALL_AT_ONCE, with which CMake compiles many sources together, and is done sooner, and
-IN_HASTE, with which each source is compiled by itself, as it is elsewhere, but not optimised, and by clang if there is
-one: for a package of which only the files' names are compared.
+CLANG if there is one.
 """
 
 import os
@@ -18,11 +17,11 @@ import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[3]
 CMAKE, CPACK = os.environ["CMAKE"], os.environ["CPACK"]
-IN_HASTE = pathlib.Path(os.environ["IN_HASTE"])
 VERSION = os.environ["VERSION"]
 NAME = f"marvelode-timer-{VERSION}"
 
 FLAGS = "-O2 -Wp,-D_FORTIFY_SOURCE=3"  # as distributions give them
+LIBRARIES = ("algorithm", "chrono", "filesystem", "functional", "memory", "string", "variant", "vector", "gio/gio.h")
 NOBODY = 65534
 PRIVATELY = ("sh", "-c", 'umask 077; exec "$0" "$@"')
 LIFE = """
@@ -90,16 +89,36 @@ class Packages(unittest.TestCase):
         """By an ordinary user, since makepkg serves no other; that one may have no way into the checkout."""
         place = cls.folder / "arch"
         place.mkdir()
-        for file in (cls.archive, PROJECT / "packaging/arch/PKGBUILD", IN_HASTE):
+        for file in (cls.archive, PROJECT / "packaging/arch/PKGBUILD"):
             shutil.copy(file, place)
+        toolchain = cls.hasty_toolchain(place)
         as_user = []
         if os.getuid() == 0:
             as_user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
             for path in (place, *place.iterdir()):
                 os.chown(path, NOBODY, NOBODY)
         output(*as_user, "makepkg", "--nodeps", folder=place, HOME=str(place), CXXFLAGS=FLAGS,
-               CMAKE_TOOLCHAIN_FILE=str(place / IN_HASTE.name))
+               CMAKE_TOOLCHAIN_FILE=str(toolchain))
         cls.arch = next(place.glob("*.pkg.tar*"))
+
+    @staticmethod
+    def hasty_toolchain(place):
+        """For a package of which only the files' names are compared: each source is compiled by itself, as it is
+        elsewhere, but not optimised; and if there is clang, by that, which reads once what they include of libraries,
+        whether they are for a library or a program, with exceptions or without."""
+        lines = ["set(CMAKE_INTERPROCEDURAL_OPTIMIZATION OFF)"]
+        flags = "-O0"
+        if clang := os.environ["CLANG"]:
+            headers, precompiled = place / "libraries.hpp", place / "libraries.pch"
+            headers.write_text("".join(f"#include <{name}>\n" for name in LIBRARIES))
+            output(clang, "-std=c++20", *FLAGS.split(), "-O0", "-fPIC", "-fno-rtti",
+                   *output("pkg-config", "--cflags", "gio-2.0").split(),
+                   "-x", "c++-header", headers, "-o", precompiled)
+            flags += f" -Xclang -fno-validate-pch -include-pch {precompiled}"
+            lines.append(f"set(CMAKE_CXX_COMPILER {clang})")
+        toolchain = place / "InHaste.cmake"
+        toolchain.write_text("\n".join([*lines, f'set(CMAKE_CXX_FLAGS_RELEASE "{flags}" CACHE STRING "")', ""]))
+        return toolchain
 
     @staticmethod
     def packed(build, place, prefix=(), **environment):

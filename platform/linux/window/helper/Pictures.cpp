@@ -3,14 +3,15 @@
 #include <bit>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace platform::linux {
 namespace {
 
-constexpr double asWideAsNeeded = -1;
 constexpr unsigned largestInstalledIcon = 512;
 
 /// The density of what is not on a screen yet: of any screen that is on.
@@ -19,17 +20,35 @@ int scaleOfScreens() {
     return any ? gdk_monitor_get_scale_factor(any) : 1;
 }
 
-GtkWidget* loaded(const std::filesystem::path& path, double width, double height) {
+using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
+
+/// The surface in that many pixels.
+Surface resized(Surface surface, int width, int height) {
+    const int columns = cairo_image_surface_get_width(surface.get());
+    const int rows = cairo_image_surface_get_height(surface.get());
+    if (columns == width && rows == height) {
+        return surface;
+    }
+    Surface result{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height), cairo_surface_destroy};
+    const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> drawing{cairo_create(result.get()), cairo_destroy};
+    cairo_scale(drawing.get(), static_cast<double>(width) / columns, static_cast<double>(height) / rows);
+    cairo_set_source_surface(drawing.get(), surface.get(), 0, 0);
+    cairo_pattern_set_extend(cairo_get_source(drawing.get()), CAIRO_EXTEND_PAD);
+    cairo_paint(drawing.get());
+    return result;
+}
+
+/// By Cairo itself: what reads pictures of all kinds looks for them in modules first.
+GtkWidget* loaded(const std::filesystem::path& path, std::optional<double> width, double height) {
     GtkWidget* image = gtk_image_new();
-    const int scale = scaleOfScreens();
-    const int pixelWidth = width == asWideAsNeeded ? -1 : static_cast<int>(std::lround(width * scale));
-    const int pixelHeight = static_cast<int>(std::lround(height * scale));
-    const std::unique_ptr<GdkPixbuf, decltype(&g_object_unref)> pixels{
-        gdk_pixbuf_new_from_file_at_scale(path.c_str(), pixelWidth, pixelHeight, width == asWideAsNeeded, nullptr),
-        g_object_unref};
-    if (pixels) {
-        const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface{
-            gdk_cairo_surface_create_from_pixbuf(pixels.get(), scale, nullptr), cairo_surface_destroy};
+    Surface surface{cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy};
+    if (cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS) {
+        const int scale = scaleOfScreens();
+        const double proportion = static_cast<double>(cairo_image_surface_get_width(surface.get())) /
+                                  cairo_image_surface_get_height(surface.get());
+        const auto pixels = [&](double points) { return static_cast<int>(std::lround(points * scale)); };
+        surface = resized(std::move(surface), pixels(width.value_or(height * proportion)), pixels(height));
+        cairo_surface_set_device_scale(surface.get(), scale, scale);
         gtk_image_set_from_surface(GTK_IMAGE(image), surface.get());
     }
     return image;
@@ -60,9 +79,7 @@ GtkWidget* picture(const std::filesystem::path& path, double width, double heigh
     return loaded(path, width, height);
 }
 
-GtkWidget* picture(const std::filesystem::path& path, double height) {
-    return loaded(path, asWideAsNeeded, height);
-}
+GtkWidget* picture(const std::filesystem::path& path, double height) { return loaded(path, std::nullopt, height); }
 
 GtkWidget* applicationIcon(int size) {
     const std::filesystem::path file = installedIcon(size * scaleOfScreens());

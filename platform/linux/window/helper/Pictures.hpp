@@ -8,10 +8,10 @@
 
 namespace platform::linux {
 
-/// The picture at `path` in that size; an empty widget if it cannot be read. The reference is floating.
+/// The PNG file at `path` in that size; an empty widget if it cannot be read. The reference is floating.
 GtkWidget* picture(const std::filesystem::path& path, double width, double height);
 
-/// The picture at `path`, that high and as wide as it needs. The reference is floating.
+/// The PNG file at `path`, that high and as wide as it needs. The reference is floating.
 GtkWidget* picture(const std::filesystem::path& path, double height);
 
 /// The application's icon at that size, in the end that of the user's icon theme; null if the program is not
