@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace platform::linux {
 namespace {
 
@@ -17,6 +19,15 @@ TEST(Mnemonics, FallBackToAnyLetterOfEitherCase) {
     Mnemonics mnemonics;
     EXPECT_EQ(mnemonics.mark("OK"), "_OK");
     EXPECT_EQ(mnemonics.mark("ok"), "o_k");
+}
+
+TEST(Mnemonics, AreTheFirstAndTheLastLettersToo) {
+    for (const std::string letter : {"a", "z", "A", "Z"}) {
+        EXPECT_EQ(Mnemonics{}.mark(letter), "_" + letter);
+    }
+    for (const std::string neighbour : {"`", "{", "@", "["}) {
+        EXPECT_EQ(Mnemonics{}.mark(neighbour), neighbour);
+    }
 }
 
 TEST(Mnemonics, RunOutQuietly) {
