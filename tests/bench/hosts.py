@@ -1,6 +1,7 @@
 """What an idle timer costs in each panel, side by side with the floors."""
 
 import contextlib
+import statistics
 
 import idle
 from start import spawn
@@ -10,6 +11,7 @@ from driving.hosts import HOSTS
 from driving.timer import QUIET, Timer
 from driving.waiting import wait_until
 
+PAIRS = 3
 OTHERS = [host for host in HOSTS if host.name != "xfce"]
 
 
@@ -38,15 +40,29 @@ def lonely_timer(desktop):
     return timer.program.pid
 
 
+def mean(minutes):
+    return idle.Minute(*map(statistics.mean, zip(*minutes)))
+
+
+def lonely_minutes(floor):
+    """The median minutes of a bare tick and of a lonely timer, each the mean of several: what a tick costs depends on
+    what else wakes up at its moment in the second. No panel runs beside them: what does leaves less of a program in the
+    processor's caches, the more of it the more there is."""
+    with contextlib.ExitStack() as stack:
+        desktops = [stack.enter_context(Desktop(panel=False)) for _ in range(PAIRS)]
+        medians = idle.medians([spawn(desktop, floor("tick")) for desktop in desktops] +
+                               [lonely_timer(desktop) for desktop in desktops])
+        return mean(medians[:PAIRS]), mean(medians[PAIRS:])
+
+
 def minutes(floor):
-    """The median minutes of bare tick, bare item and lonely timer, and of a timer in each panel by its name."""
+    """The median minutes of bare tick and bare item, and of a timer in each panel by its name."""
     with contextlib.ExitStack() as stack:
         desktop = stack.enter_context(Desktop())
-        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")),
-                lonely_timer(stack.enter_context(Desktop(panel=False))), idle_timer(desktop)]
+        pids = [spawn(desktop, floor("tick")), settled(desktop, floor("item")), idle_timer(desktop)]
         pids += [idle_timer(shown_by(host, stack)) for host in OTHERS]
-        tick, item, lonely, *timers = idle.medians(pids)
-        return tick, item, lonely, dict(zip(["xfce", *(host.name for host in OTHERS)], timers))
+        tick, item, *timers = idle.medians(pids)
+        return tick, item, dict(zip(["xfce", *(host.name for host in OTHERS)], timers))
 
 
 def shown_by(host, stack):

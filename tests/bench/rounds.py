@@ -7,7 +7,7 @@ import costs
 import hosts
 import life
 from start import end, registered
-from windows import bare_window, popup
+from windows import bare_window, popup, popup_when_due
 
 from driving.desktop import Desktop
 
@@ -23,6 +23,7 @@ class Round(NamedTuple):
     start: float
     bare_start: float
     window: float
+    window_when_due: float
     bare_window: float
 
 
@@ -37,7 +38,8 @@ def one_round(timer, floor):
         memories = life.memories(desktop, item)
         end(item)
         starts = quickest(STARTS, lambda: registered(desktop, timer), lambda: registered(desktop, floor("item")))
-        windows = quickest(WINDOWS, lambda: popup(desktop, timer), lambda: bare_window(desktop, floor("window")))
+        windows = quickest(WINDOWS, lambda: popup(desktop, timer), lambda: popup_when_due(desktop, timer),
+                           lambda: bare_window(desktop, floor("window")))
         return Round(*memories, *starts, *windows)
 
 

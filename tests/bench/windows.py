@@ -1,11 +1,17 @@
 """How long programs take from their start to the first pixel of their window on the screen."""
 
+import os
+import socket
 import time
 from pathlib import Path
 
 from driving.waiting import wait_until
 
-from start import end, spawn
+from start import DEVICES, end, spawn
+
+POPUP = ("('alert', <(uint32 1, b'{picture}', 1, @ms nothing, 'Marvelode Timer', "
+         "'Look around. Take a breath. Stretch.', ['Restart', 'Snooze'], "
+         "@m(sb) ('Disable popup notifications', false))>)")
 
 
 def await_closely(condition):
@@ -47,7 +53,25 @@ def bare_window(desktop, *command):
 
 
 def popup(desktop, timer):
-    """Milliseconds from the start of a timer's helper to the popup."""
+    """Milliseconds from the start of a timer's helper to the popup, while nothing else happens."""
+    installed = Path(timer).parents[1]
+    helper = str(installed / "libexec/marvelode-timer/marvelode-timer-window")
+    request = POPUP.format(picture=installed / "share/marvelode-timer/Marvelode.png")
+    background = desktop.centre_pixel()
+    ours, its = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+    with ours, its:
+        pid = os.posix_spawn(helper, [helper], desktop.environment,
+                             file_actions=[(os.POSIX_SPAWN_DUP2, its.fileno(), 0), *DEVICES[1:]])
+        begin = time.monotonic()
+        ours.send(request.encode())
+        took = shown(desktop, begin, background)
+    end(pid)
+    await_empty(desktop, background)
+    return took
+
+
+def popup_when_due(desktop, timer):
+    """The same while the timer tells the panel that a break is due, and the panel shows it."""
     background = desktop.centre_pixel()
     pid = spawn(desktop, timer, "-TimerInterval", "1", "-Mute", "true")
     begin = await_closely(lambda: helper_of(pid))[1]

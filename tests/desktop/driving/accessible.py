@@ -1,5 +1,7 @@
 """What assistive software finds in the windows of a desktop, read and used over the accessibility bus."""
 
+import contextlib
+
 from gi.repository import GLib
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
@@ -13,6 +15,48 @@ TEXT = "org.a11y.atspi.Text"
 STATES = {"active": 1, "checked": 4, "enabled": 8, "focused": 12, "sensitive": 24, "showing": 25, "default": 39}
 SCREEN_COORDINATES = 0
 
+REGISTRY = "org.a11y.atspi.Registry"
+
+
+class ScreenReader:
+    """Hears which windows and controls get the keyboard. Used in a `with` statement."""
+
+    EVENTS = "window:activate", "object:state-changed:focused"
+
+    def __init__(self, bus):
+        self._bus, self._heard = bus, []
+
+    def __enter__(self):
+        for event in self.EVENTS:
+            self._ask_registry("RegisterEvent", "(sass)", event, [], "")
+        self._stops = [self._bus.hear("org.a11y.atspi.Event.Window", "Activate", self._hear),
+                       self._bus.hear("org.a11y.atspi.Event.Object", "StateChanged", self._hear_state)]
+        return self
+
+    def __exit__(self, *_):
+        for event in self.EVENTS:
+            self._ask_registry("DeregisterEvent", "(s)", event)
+        for stop in self._stops:
+            stop()
+
+    def _ask_registry(self, method, signature, *arguments):
+        self._bus.call(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, method, signature, *arguments)
+
+    def _hear(self, sender, path, *_):
+        each = Accessible(self._bus, sender, path)
+        with contextlib.suppress(GLib.Error):  # it has gone
+            self._heard.append((each.role, each.name))
+
+    def _hear_state(self, sender, path, state, is_on, *_):
+        if state == "focused" and is_on:
+            self._hear(sender, path)
+
+    def heard(self):
+        """Roles and names, in the order in which they were heard of."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return self._heard
+
 
 class Accessible:
     """An object that a window shows, or the window, or the application."""
@@ -23,7 +67,7 @@ class Accessible:
     @classmethod
     def desktop(cls, bus):
         """The root, whose children are the applications."""
-        return cls(bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+        return cls(bus, REGISTRY, "/org/a11y/atspi/accessible/root")
 
     def _call(self, interface, method, signature="()", *arguments):
         return self._bus.call(self._name, self._path, interface, method, signature, *arguments)

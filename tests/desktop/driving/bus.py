@@ -52,6 +52,14 @@ class Bus:
         return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                          "GetConnectionUnixProcessID", "(s)", name)[0]
 
+    def hear(self, interface, signal, handler):
+        """Calls `handler` with sender, path and arguments of that signal of any program, while events are handled;
+        returns what makes it stop."""
+        def heard(_connection, sender, path, _interface, _signal, arguments):
+            handler(sender, path, *arguments.unpack())
+        number = self._connection.signal_subscribe(None, interface, signal, None, None, Gio.DBusSignalFlags.NONE, heard)
+        return lambda: self._connection.signal_unsubscribe(number)
+
     def close(self):
         try:
             self._connection.close_sync(None)

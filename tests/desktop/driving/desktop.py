@@ -12,7 +12,7 @@ from pathlib import Path
 from gi.repository import GLib
 
 from . import processes
-from .accessible import Accessible
+from .accessible import Accessible, ScreenReader
 from .bus import Bus
 from .picture import Picture
 from .program import Program
@@ -260,6 +260,10 @@ class Desktop:
         This panel takes the largest picture that is offered, whatever its own size."""
         pictures = item.pictures()
         return self.picture_in_panel(pictures[max(pictures)]) if pictures else None
+
+    def screen_reader(self):
+        """Assistive software that hears what gets the keyboard."""
+        return ScreenReader(self._accessibility_bus)
 
     def windows(self):
         """The windows that assistive software finds, of whatever program."""

@@ -7,6 +7,7 @@ from driving.desktop import Desktop
 from driving.picture import Picture
 from driving.waiting import wait_until
 
+import contextlib
 import os
 import signal
 import tempfile
@@ -18,7 +19,7 @@ BROWSER = """[Desktop Entry]
 Type=Application
 Name=Browser
 Exec=sh -c 'echo "$0" "${{XDG_ACTIVATION_TOKEN-no token}}" "${{DESKTOP_STARTUP_ID-no id}}" "${{GTK_MODULES-no modules}}" \
-    "${{GIO_USE_VFS-no files}}" >{visited}' %u
+    "${{GIO_USE_VFS-no files}}" "${{NO_AT_BRIDGE-no bridge}}" "${{AT_SPI_BUS_ADDRESS-no bus}}" >{visited}' %u
 MimeType=x-scheme-handler/https;
 """
 
@@ -28,6 +29,12 @@ Directories=64x64/apps
 
 [64x64/apps]
 Size=64
+"""
+WIDE_FONTS = """<fontconfig>
+  <match target="pattern">
+    <edit name="family" mode="assign" binding="strong"><string>DejaVu Sans Mono</string></edit>
+  </match>
+</fontconfig>
 """
 RED, BLUE = (255, 0, 0, 255), (0, 0, 255, 255)
 
@@ -50,6 +57,37 @@ class RealWindows(OnEveryDesktop, ShownWindows):
         x, y, width, height = self.window.extents
         self.assertAlmostEqual(x + width / 2, self.desktop.width / 2, delta=2)
         self.assertAlmostEqual(y + height / 2, self.desktop.height / 2, delta=2)
+
+    def test_a_screen_reader_hears_of_the_popup_and_of_its_button(self):
+        news = {("alert", "Marvelode Timer"), ("push button", "Restart")}
+        with self.desktop.screen_reader() as reader:
+            self.show("popup")
+            with contextlib.suppress(AssertionError):
+                wait_until(lambda: news <= set(reader.heard()), "the news")
+            self.assertLessEqual(news, set(reader.heard()))
+
+    def test_popup_is_found_by_assistive_software_through_one_connection_to_the_display(self):
+        self.show("popup", LD_PRELOAD=os.environ["ONE_DISPLAY"], DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere")
+
+    def test_popup_is_not_told_to_assistive_software_if_the_user_wants_none(self):
+        background = self.desktop.centre_pixel()
+        self.start(*SHOW, "popup", NO_AT_BRIDGE="1")
+        wait_until(lambda: self.desktop.centre_pixel() != background, "the popup")
+        time.sleep(KEYLESS_SECONDS)
+        self.assertEqual(self.windows(), [])
+
+    def test_popup_is_written_in_the_fonts_that_the_user_has_chosen(self):
+        def width():
+            self.show("popup")
+            _, _, width, _ = self.find("label", "Look around. Take a breath. Stretch.").extents
+            self.end(self.shower)
+            return width
+        usual = width()
+        fonts = self.desktop.home / ".config/fontconfig/fonts.conf"
+        fonts.parent.mkdir(parents=True)
+        fonts.write_text(WIDE_FONTS)
+        self.addCleanup(fonts.unlink)
+        self.assertGreater(width(), usual * 1.1)
 
     def test_popup_and_warning_show_of_which_kind_they_are(self):
         def sign_of(name, red, green, blue):
@@ -193,12 +231,12 @@ class RealWindows(OnEveryDesktop, ShownWindows):
         return visited.read_text().strip()
 
     def test_about_opens_links_in_the_browser(self):
-        self.assertEqual(self.browser_was_opened(GTK_MODULES="of-the-user", GIO_USE_VFS="of-the-user"),
-                         "https://marvelode.example/support no token no id of-the-user of-the-user")
+        self.assertEqual(self.browser_was_opened(GTK_MODULES="of-the-user", GIO_USE_VFS="of-the-user", NO_AT_BRIDGE="0"),
+                         "https://marvelode.example/support no token no id of-the-user of-the-user 0 no bus")
 
     def test_about_sets_no_variable_for_the_browser(self):
         self.assertEqual(self.browser_was_opened(),
-                         "https://marvelode.example/support no token no id no modules no files")
+                         "https://marvelode.example/support no token no id no modules no files no bridge no bus")
 
 
 class ByHand(unittest.TestCase):

@@ -232,8 +232,9 @@ class DebianPackage(PackagingTest):
 
     def test_it_depends_on_what_the_programs_need(self):
         depends = self.field("Depends")
-        for package in (r"libc6", r"libglib2\.0-0\w*", r"libgtk-3-0\w*", r"libgtk-layer-shell0", r"libcanberra0\w*",
-                        r"libxcb1", r"libavcodec\d+", r"libavformat\d+", r"dbus-session-bus", r"dbus-bin"):
+        for package in (r"libc6", r"libglib2\.0-0\w*", r"libgtk-3-0\w*", r"libgtk-layer-shell0", r"libatk-bridge2\.0-0\w*",
+                        r"libfontconfig1", r"libcanberra0\w*", r"libxcb1", r"libavcodec\d+", r"libavformat\d+",
+                        r"dbus-session-bus", r"dbus-bin"):
             self.assertRegex(depends, rf"(^|[ ,|]){package}($|[ ,])")
 
     def test_it_recommends_a_sound_server_and_the_way_to_it(self):

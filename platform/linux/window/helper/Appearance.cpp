@@ -1,10 +1,7 @@
 #include "platform/linux/window/helper/Appearance.hpp"
 
+#include "platform/linux/window/helper/Backend.hpp"
 #include "platform/linux/window/helper/Gtk.hpp"
-
-#ifdef GDK_WINDOWING_X11
-#include <gdk/gdkx.h>
-#endif
 
 #include <memory>
 #include <string_view>
@@ -21,14 +18,6 @@ constexpr const char* appearance = R"(
     window .alert button { min-width: 76px; }
     window .panel { margin: 24px 14px 14px 14px; }
 )";
-
-bool isOnX11() {
-#ifdef GDK_WINDOWING_X11
-    return GDK_IS_X11_DISPLAY(gdk_display_get_default());
-#else
-    return false;
-#endif
-}
 
 /// Whether the user asked the desktop for dark windows in the way that GTK 3 does not hear by itself: GNOME's,
 /// which is that of all desktops on Wayland, where GTK takes its other settings from the same place.

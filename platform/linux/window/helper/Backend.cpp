@@ -3,6 +3,10 @@
 #include "platform/linux/glib/Handles.hpp"
 #include "platform/linux/window/helper/Gtk.hpp"
 
+#ifdef GDK_WINDOWING_X11
+#include <gdk/gdkx.h>
+#endif
+
 #include <variant>
 
 namespace platform::linux {
@@ -32,6 +36,14 @@ void preferX11For(const Request& request) {
     if (mustBeSeen(request)) {
         gdk_set_allowed_backends("x11,*"); // or any other, should X11 fail
     }
+}
+
+bool isOnX11() {
+#ifdef GDK_WINDOWING_X11
+    return GDK_IS_X11_DISPLAY(gdk_display_get_default());
+#else
+    return false;
+#endif
 }
 
 } // namespace platform::linux

@@ -14,4 +14,7 @@ bool isX11Better();
 /// works.
 void preferX11For(const Request& request);
 
+/// Once the toolkit is set up: whether it shows windows through X11.
+bool isOnX11();
+
 } // namespace platform::linux

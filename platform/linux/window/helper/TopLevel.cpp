@@ -1,5 +1,6 @@
 #include "platform/linux/window/helper/TopLevel.hpp"
 
+#include "platform/linux/window/helper/Backend.hpp"
 #include "platform/linux/window/helper/Layers.hpp"
 #include "platform/linux/window/helper/Pictures.hpp"
 
@@ -41,14 +42,6 @@ std::vector<GtkWidget*> controlsIn(GtkWidget* content) {
     std::vector<GtkWidget*> controls;
     collectControls(content, controls);
     return controls;
-}
-
-bool isOnX11([[maybe_unused]] GtkWindow* window) {
-#ifdef GDK_WINDOWING_X11
-    return GDK_IS_X11_DISPLAY(gtk_widget_get_display(GTK_WIDGET(window)));
-#else
-    return false;
-#endif
 }
 
 bool isReturn(guint key) { return key == GDK_KEY_Return || key == GDK_KEY_KP_Enter || key == GDK_KEY_ISO_Enter; }
@@ -132,7 +125,7 @@ void TopLevel::appearEverywhere() {
 }
 
 void TopLevel::returnWhenLost() {
-    if (isInLayer(_window) || isOnX11(_window)) {
+    if (isInLayer(_window) || isOnX11()) {
         return;
     }
     connect(_window, "notify::is-active", [this](GParamSpec*) { waitToReturn(); });

@@ -2,9 +2,12 @@
 // what to show, and is told there what the user does. It ends with the last window, or with the resident program.
 
 #include "platform/linux/window/Protocol.hpp"
+#include "platform/linux/window/helper/Accessibility.hpp"
 #include "platform/linux/window/helper/Appearance.hpp"
 #include "platform/linux/window/helper/Backend.hpp"
+#include "platform/linux/window/helper/Fonts.hpp"
 #include "platform/linux/window/helper/Pictures.hpp"
+#include "platform/linux/window/helper/VariableForNow.hpp"
 #include "platform/linux/window/helper/Windows.hpp"
 
 #include <glib-unix.h>
@@ -13,6 +16,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <clocale>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -35,39 +39,14 @@ void tell(const Event& event) {
          MSG_NOSIGNAL); // its end is noticed where requests are read
 }
 
-/// Changes a variable of the environment until this object is destroyed. What is started from a window, such as a
-/// browser, finds what the user had.
-class VariableForNow {
-public:
-    /// Unsets the variable if `value` is null.
-    VariableForNow(const char* name, const char* value)
-        : _name{name} {
-        if (const char* before = g_getenv(name)) {
-            _before = before;
-        }
-        set(value);
-    }
-    ~VariableForNow() { set(_before ? _before->c_str() : nullptr); }
-    VariableForNow(const VariableForNow&) = delete;
-    VariableForNow& operator=(const VariableForNow&) = delete;
-
-private:
-    void set(const char* value) const {
-        if (value) {
-            g_setenv(_name, value, TRUE);
-        } else {
-            g_unsetenv(_name);
-        }
-    }
-
-    const char* _name;
-    std::optional<std::string> _before;
-};
-
 bool setUpToolkit(int& argc, char**& argv) {
     const VariableForNow noModules{"GTK_MODULES", nullptr};  // none is needed here, and each delays the window
     const VariableForNow localFiles{"GIO_USE_VFS", "local"}; // all files are, so there is no need to ask a daemon
-    g_vfs_get_default();                                     // reads the latter
+    const VariableForNow noBridge{"NO_AT_BRIDGE", "1"};      // until meetAssistiveTechnology()
+    setlocale(LC_ALL, "");
+    gtk_disable_setlocale(); // it would be while fonts are read
+    const FontReading fonts;
+    g_vfs_get_default(); // reads GIO_USE_VFS
     return gtk_init_check(&argc, &argv) != FALSE;
 }
 
@@ -118,7 +97,8 @@ int main(int argc, char** argv) {
     for (const char* token : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
         g_unsetenv(token); // GTK has read it, and a browser that is started from here has no right to it
     }
-    pango_cairo_font_map_get_default(); // looks for fonts in a thread of its own, while the theme is read
+    meetAssistiveTechnology();
+    pango_cairo_font_map_get_default(); // reads the fonts in a thread of its own, if that was not done before
     setUpAppearance();
     Windows windows{tell};
     g_unix_fd_add(residentProgram, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), serve, &windows);

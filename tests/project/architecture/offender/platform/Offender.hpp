@@ -4,4 +4,5 @@
 #include "platform/Date.hpp"
 #include "app/App.hpp"
 #include <glib.h>
+#include <fontconfig/fontconfig.h>
 #import <Cocoa/Cocoa.h>
