@@ -81,8 +81,8 @@ class Packages(unittest.TestCase):
         top.mkdir(parents=True)
         output(*A_YEAR_LATER, "rpmbuild", "-tb", "--noclean", "--nodeps", f"--define=_topdir {top}",
                f"--define=optflags {FLAGS}", cls.archive, HOME=str(cls.folder), **cls.abroad)
-        cls.build_elsewhere = top / "BUILD" / NAME / "build"
-        cls.fedora = next(top.glob("RPMS/*/*.rpm"))
+        cls.build_elsewhere = next(top.glob(f"BUILD/**/{NAME}/build"))  # rpm 4.20 has a folder around it
+        cls.fedora = next(top.glob(f"RPMS/*/{NAME}-*.rpm"))  # beside it may be packages for debugging
 
     @classmethod
     def build_for_arch(cls):
