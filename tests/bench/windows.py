@@ -42,14 +42,20 @@ def await_empty(desktop, background):
     wait_until(lambda: desktop.centre_pixel() == background, "the screen to be empty again")
 
 
-def bare_window(desktop, *command):
-    """Milliseconds from the start of a program to its window."""
+def until_shown(desktop, start):
+    """Milliseconds from the start of a program to its window. `start` returns what is to be ended afterwards, a pid, and
+    the moment of that start."""
     background = desktop.centre_pixel()
-    pid = spawn(desktop, *command)
-    took = shown(desktop, time.monotonic(), background)
+    pid, begin = start()
+    took = shown(desktop, begin, background)
     end(pid)
     await_empty(desktop, background)
     return took
+
+
+def bare_window(desktop, *command):
+    """Milliseconds from the start of a program to its window."""
+    return until_shown(desktop, lambda: (spawn(desktop, *command), time.monotonic()))
 
 
 def popup(desktop, timer):
@@ -57,25 +63,21 @@ def popup(desktop, timer):
     installed = Path(timer).parents[1]
     helper = str(installed / "libexec/marvelode-timer/marvelode-timer-window")
     request = POPUP.format(picture=installed / "share/marvelode-timer/Marvelode.png")
-    background = desktop.centre_pixel()
     ours, its = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
-    with ours, its:
+
+    def start():
         pid = os.posix_spawn(helper, [helper], desktop.environment,
                              file_actions=[(os.POSIX_SPAWN_DUP2, its.fileno(), 0), *DEVICES[1:]])
         begin = time.monotonic()
         ours.send(request.encode())
-        took = shown(desktop, begin, background)
-    end(pid)
-    await_empty(desktop, background)
-    return took
+        return pid, begin
+    with ours, its:
+        return until_shown(desktop, start)
 
 
 def popup_when_due(desktop, timer):
     """The same while the timer tells the panel that a break is due, and the panel shows it."""
-    background = desktop.centre_pixel()
-    pid = spawn(desktop, timer, "-TimerInterval", "1", "-Mute", "true")
-    begin = await_closely(lambda: helper_of(pid))[1]
-    took = shown(desktop, begin, background)
-    end(pid)
-    await_empty(desktop, background)
-    return took
+    def start():
+        pid = spawn(desktop, timer, "-TimerInterval", "1", "-Mute", "true")
+        return pid, await_closely(lambda: helper_of(pid))[1]
+    return until_shown(desktop, start)
