@@ -38,8 +38,7 @@ void UXStatus::start() {
     button().sendActionOn(NSStatusBarButton::LeftMouseUp | NSStatusBarButton::RightMouseUp);
     statusBarItem->setMenu(menu->main);
     setIcon(TimerIcon);
-    platform::Timer::scheduledTimer(
-        1.0, [self = shared_from_this()](const auto&) { self->update(); }, {}, true);
+    platform::Timer::scheduledTimer(1.0, [self = shared_from_this()](const auto&) { self->update(); }, {}, true);
 }
 
 void UXStatus::update() {

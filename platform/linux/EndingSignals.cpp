@@ -12,7 +12,7 @@ constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
 
 /// Whether this program was started to ignore that signal, as `nohup` does with SIGHUP.
 bool isIgnored(int signal) {
-    struct sigaction action {};
+    struct sigaction action{};
     return signal == SIGHUP && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 

@@ -18,8 +18,7 @@ namespace platform::linux {
 class EventLoop {
 public:
     /// `mode` is asked before timers fire; `settle` is called after each event, `begin` ahead of its timers.
-    EventLoop(
-        std::function<RunLoopMode()> mode, std::function<void()> settle, std::function<void()> begin = [] {});
+    EventLoop(std::function<RunLoopMode()> mode, std::function<void()> settle, std::function<void()> begin = [] {});
     ~EventLoop();
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;

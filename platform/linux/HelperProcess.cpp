@@ -53,8 +53,7 @@ HelperProcess::~HelperProcess() {
     g_source_remove(_watch);
     kill();
     if (!reap(_process)) {
-        g_child_watch_add(
-            _process, [](GPid, int, gpointer) {}, nullptr);
+        g_child_watch_add(_process, [](GPid, int, gpointer) {}, nullptr);
     }
 }
 

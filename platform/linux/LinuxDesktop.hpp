@@ -85,8 +85,7 @@ public:
 
     /// Picks the menu entry of that title from the event loop. `picked` is called once its action has run or its
     /// window is on the screen, or destroyed uncalled if the entry is disabled then or its window cannot be shown.
-    void pick(
-        std::string_view entry, std::function<void()> picked = [] {});
+    void pick(std::string_view entry, std::function<void()> picked = [] {});
 
     /// Shows the status item and its menu as a window. `shown` is called once that is on the screen, or destroyed
     /// uncalled if it cannot be shown.

@@ -29,7 +29,7 @@ void writeOnce(int descriptor, std::string_view text) {
 } // namespace
 
 void writeAtOnce(int descriptor, std::string_view text) {
-    struct stat status {};
+    struct stat status{};
     fstat(descriptor, &status);
     const bool mayWait = S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode);
     const int own = mayWait ? openedOnceMore(descriptor) : -1;

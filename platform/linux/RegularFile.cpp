@@ -98,7 +98,7 @@ int replace(const fs::path& target, std::string_view bytes, mode_t permissions) 
 } // namespace
 
 FileContent readRegularFile(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         return {{}, false, notRegular(path)}; // opening a device may have an effect
     }
@@ -118,7 +118,7 @@ FileContent readRegularFile(const fs::path& path) {
 
 std::string replaceRegularFile(const fs::path& path, std::string_view bytes) {
     const fs::path target = linkTarget(path);
-    struct stat status {};
+    struct stat status{};
     const bool isThere = stat(target.c_str(), &status) == 0;
     if (!isThere && errno != ENOENT) {
         return problemWith(target, errno);

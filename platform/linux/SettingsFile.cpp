@@ -202,7 +202,7 @@ void SettingsFile::parseValues() {
 }
 
 SettingsFile::Fingerprint SettingsFile::fingerprint() const {
-    struct stat status {};
+    struct stat status{};
     if (stat(_path.c_str(), &status) != 0) {
         return {};
     }

@@ -236,8 +236,7 @@ using bench::BenchDeathTest;
 TEST_F(BenchDeathTest, ATimerWithoutItsKindIsFatal) {
     EXPECT_FATAL({
         const std::shared_ptr<App> object = App::create(true);
-        object->systemTimer = platform::Timer::scheduledTimer(
-            1, [](const auto&) {}, std::string{"no kind"}, false);
+        object->systemTimer = platform::Timer::scheduledTimer(1, [](const auto&) {}, std::string{"no kind"}, false);
         object->timeExpired(object->systemTimer);
     });
 }

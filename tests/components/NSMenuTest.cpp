@@ -11,8 +11,8 @@ using platform::NSMenuItem;
 class AMenu : public Bench {
 protected:
     int picks = 0;
-    std::shared_ptr<NSMenuItem> withAction = std::make_shared<NSMenuItem>(
-        "Act", [this](NSMenuItem&) { ++picks; }, "");
+    std::shared_ptr<NSMenuItem> withAction =
+        std::make_shared<NSMenuItem>("Act", [this](NSMenuItem&) { ++picks; }, "");
     std::shared_ptr<NSMenuItem> withoutAction = std::make_shared<NSMenuItem>("Rest", nullptr, "");
 };
 

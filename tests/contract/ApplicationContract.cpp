@@ -31,10 +31,7 @@ TEST_F(TheApplication, CanBeTerminatedWhileItLaunches) {
 }
 
 TEST_F(TheApplication, CanBeTerminatedByATimer) {
-    run([&] {
-        platform::Timer::scheduledTimer(
-            0.01, [](const auto&) { end(); }, {}, false);
-    });
+    run([&] { platform::Timer::scheduledTimer(0.01, [](const auto&) { end(); }, {}, false); });
 }
 
 TEST_F(TheApplication, CanBeBroughtToTheFrontAtAnyTime) {
@@ -49,10 +46,8 @@ TEST_F(Wakes, AreToldToEveryObserverInOrder) {
     std::vector<int> told;
     run([&] {
         auto& center = NSWorkspace::shared().notificationCenter();
-        center.addObserver(
-            &told, [&] { told.push_back(1); }, wake);
-        center.addObserver(
-            &told, [&] { told.push_back(2); }, wake);
+        center.addObserver(&told, [&] { told.push_back(1); }, wake);
+        center.addObserver(&told, [&] { told.push_back(2); }, wake);
         driver->after(10ms, [&] { driver->wakeMachine(); });
         endAfter(100ms);
     });
@@ -64,10 +59,8 @@ TEST_F(Wakes, AreNotToldToObserversThatWereRemoved) {
     const int other = 0;
     run([&] {
         auto& center = NSWorkspace::shared().notificationCenter();
-        center.addObserver(
-            &told, [&] { told.push_back(1); }, wake);
-        center.addObserver(
-            &other, [&] { told.push_back(2); }, wake);
+        center.addObserver(&told, [&] { told.push_back(1); }, wake);
+        center.addObserver(&other, [&] { told.push_back(2); }, wake);
         center.removeObserver(&told);
         driver->after(10ms, [&] { driver->wakeMachine(); });
         endAfter(100ms);
@@ -79,8 +72,7 @@ TEST_F(Wakes, AreToldWhileAnAlertIsUp) {
     bool wasTold = false;
     bool wasToldWhileUp = false;
     run([&] {
-        NSWorkspace::shared().notificationCenter().addObserver(
-            &wasTold, [&] { wasTold = true; }, wake);
+        NSWorkspace::shared().notificationCenter().addObserver(&wasTold, [&] { wasTold = true; }, wake);
         driver->onceShown([&] {
             driver->wakeMachine();
             driver->after(80ms, [&] {

@@ -17,13 +17,11 @@ class Timers : public Clause {
 protected:
     /// Schedules `action`; `interval` in seconds.
     static std::shared_ptr<Timer> once(double interval, std::function<void()> action) {
-        return Timer::scheduledTimer(
-            interval, [action = std::move(action)](const auto&) { action(); }, {}, false);
+        return Timer::scheduledTimer(interval, [action = std::move(action)](const auto&) { action(); }, {}, false);
     }
 
     static std::shared_ptr<Timer> repeatedly(double interval, std::function<void()> action) {
-        return Timer::scheduledTimer(
-            interval, [action = std::move(action)](const auto&) { action(); }, {}, true);
+        return Timer::scheduledTimer(interval, [action = std::move(action)](const auto&) { action(); }, {}, true);
     }
 };
 

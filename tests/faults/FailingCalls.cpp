@@ -56,7 +56,7 @@ Function* next(const char* name, Function* /* for its type */) {
 }
 
 bool isFile(int descriptor) {
-    struct stat status {};
+    struct stat status{};
     return plan && fstatat(descriptor, "", &status, AT_EMPTY_PATH) == 0 && S_ISREG(status.st_mode);
 }
 

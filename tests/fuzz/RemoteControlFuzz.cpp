@@ -40,10 +40,7 @@ public:
                 .isMuted = yes,
                 .showsPopups = yes,
                 .settingsState = [] { return 0U; },
-                .findings =
-                    [] {
-                        return Findings{{"panel", "none"}};
-                    },
+                .findings = [] { return Findings{{"panel", "none"}}; },
                 .hold =
                     [this](std::chrono::seconds span) {
                         require(span >= std::chrono::seconds{1} && span <= std::chrono::hours{24},

@@ -113,10 +113,7 @@ protected:
                                   return showsPopups;
                               },
                           .settingsState = [this] { return settingsState; },
-                          .findings =
-                              [] {
-                                  return Findings{{"Panel", "none"}, {"Error", "\xff"}};
-                              },
+                          .findings = [] { return Findings{{"Panel", "none"}, {"Error", "\xff"}}; },
                           .hold = [this](std::chrono::seconds span) { holds.push_back(span); },
                           .release = [this] { ++releases; },
                           .holdReason = [this] { return holdReason; }}};

@@ -93,8 +93,8 @@ TEST(Loop, WakesOnceForOneTimer) {
     int settlings = 0;
     EventLoop loop{[] { return RunLoopMode::Default; }, [&] { ++settlings; }};
     bool hasFired = false;
-    const auto timer = Timer::scheduledTimer(
-        0.0305, [&](const std::shared_ptr<Timer>&) { hasFired = true; }, {}, false);
+    const auto timer =
+        Timer::scheduledTimer(0.0305, [&](const std::shared_ptr<Timer>&) { hasFired = true; }, {}, false);
     loop.schedule(timer);
     loop.iterate();
     EXPECT_TRUE(hasFired) << "it woke too early";
@@ -104,10 +104,9 @@ TEST(Loop, WakesOnceForOneTimer) {
 /// A loop with timers, and how punctual its next wait is meant to be.
 class PunctualLoop : public testing::Test {
 protected:
-    void schedule(
-        double seconds, bool repeats, const std::function<void()>& action = [] {}) {
-        loop.schedule(Timer::scheduledTimer(
-            seconds, [action](const std::shared_ptr<Timer>&) { action(); }, {}, repeats));
+    void schedule(double seconds, bool repeats, const std::function<void()>& action = [] {}) {
+        loop.schedule(
+            Timer::scheduledTimer(seconds, [action](const std::shared_ptr<Timer>&) { action(); }, {}, repeats));
     }
     void tickEverySecond() { schedule(1, true); }
     void breakIn(double seconds) { schedule(seconds, false); }
@@ -167,8 +166,7 @@ TEST_F(PunctualLoop, LetsTheTickWaitWhileAWindowHoldsUpTheBreak) {
 
 TEST_F(PunctualLoop, IsExactForWhatIsNoTimerOfItsOwn) {
     tickEverySecond();
-    const unsigned other = g_timeout_add(
-        500, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
+    const unsigned other = g_timeout_add(500, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
     EXPECT_EQ(slackOfNextWait(), usual);
     g_source_remove(other);
 }

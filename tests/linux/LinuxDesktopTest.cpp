@@ -21,8 +21,7 @@ namespace {
 class LinuxDesktopTest : public testing::Test {
 protected:
     static std::shared_ptr<Timer> startTimer(TimeInterval seconds) {
-        return Timer::scheduledTimer(
-            seconds, [](const auto&) {}, {}, false);
+        return Timer::scheduledTimer(seconds, [](const auto&) {}, {}, false);
     }
 
     /// Whose program for windows shows none, and ends in a moment.
@@ -60,8 +59,7 @@ TEST_F(LinuxDesktopTest, CountsABreakThatIsDueFromItsOwnMomentWhateverASnoozeAdd
 
 TEST_F(LinuxDesktopTest, AnnouncesTheMenuAsEnabledAgainWhenAnAlertHasClosed) {
     const auto menu = std::make_shared<NSMenu>();
-    menu->addItem(std::make_shared<NSMenuItem>(
-        "Ask", [](NSMenuItem&) { NSAlert{}.runModal(); }, ""));
+    menu->addItem(std::make_shared<NSMenuItem>("Ask", [](NSMenuItem&) { NSAlert{}.runModal(); }, ""));
     const auto item = NSStatusBar::system().statusItemWithLength(50);
     const auto panel = connectToSession();
     BusSignals signals{panel.get(), bus.get(), "com.canonical.dbusmenu"};

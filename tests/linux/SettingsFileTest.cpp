@@ -45,13 +45,13 @@ protected:
     }
 
     ino_t inode() const {
-        struct stat status {};
+        struct stat status{};
         stat(file.c_str(), &status);
         return status.st_ino;
     }
 
     static mode_t permissions(const fs::path& path) {
-        struct stat status {};
+        struct stat status{};
         stat(path.c_str(), &status);
         return status.st_mode & 07777U;
     }
@@ -79,7 +79,7 @@ TEST_F(Settings, KeepTypedValuesInText) {
 }
 
 TEST_F(Settings, KeepEveryText) {
-    const std::vector<std::string> texts{"",         "true",    "7",      "it's \"so\"", "two\nlines\t\\ ",
+    const std::vector<std::string> texts{"",         "true",    "7",       "it's \"so\"", "two\nlines\t\\ ",
                                          " spaces ", "# ;[x]=", "Größe ☕"};
     for (const std::string& text : texts) {
         open().set(text, "Text");

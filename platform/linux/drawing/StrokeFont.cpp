@@ -216,8 +216,7 @@ int StrokeText::widthOf(std::string_view text, const Shape& shape) {
 
 StrokeText::Shape StrokeText::fitting(std::string_view text, int roomWidth, int roomHeight) {
     std::string widest{text};
-    std::replace_if(
-        widest.begin(), widest.end(), [](char each) { return each >= '0' && each <= '9'; }, '4');
+    std::replace_if(widest.begin(), widest.end(), [](char each) { return each >= '0' && each <= '9'; }, '4');
     Shape shape{roomHeight, std::max(1.0, rounded(roomHeight * boldness * 2) / 2.0), 1};
     for (; shape.thickness > 1; shape.thickness -= 0.5) {
         shape.counter = narrowestCounter(shape.thickness);

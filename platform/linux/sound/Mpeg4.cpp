@@ -56,7 +56,7 @@ public:
 
     /// In bytes; zero for what is not a regular, readable file.
     std::uint64_t size() const {
-        struct stat status {};
+        struct stat status{};
         const bool isFile = fstat(_file, &status) == 0 && S_ISREG(status.st_mode);
         return isFile ? static_cast<std::uint64_t>(status.st_size) : 0;
     }

@@ -54,7 +54,6 @@ int main() {
     char* const name = g_strdup_printf("org.kde.StatusNotifierItem-%d-1", getpid());
     exportItem(bus);
     g_bus_own_name_on_connection(bus, name, G_BUS_NAME_OWNER_FLAGS_NONE, registerItem, nullptr, nullptr, nullptr);
-    g_timeout_add(
-        1000, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    g_timeout_add(1000, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }

@@ -48,8 +48,7 @@ protected:
 
     /// From now on, with no system bus.
     void askThrough(const HelperProgram& program) {
-        question.emplace(
-            bus.get(), [] { return nullptr; }, program, errorLog, patience);
+        question.emplace(bus.get(), [] { return nullptr; }, program, errorLog, patience);
     }
 
     std::string ask() {
@@ -84,8 +83,7 @@ protected:
                                          patience};
 
     void impatient(HoldQuestion::Patience lessPatience) {
-        question.emplace(
-            bus.get(), [this] { return system.get(); }, helper, errorLog, lessPatience);
+        question.emplace(bus.get(), [this] { return system.get(); }, helper, errorLog, lessPatience);
     }
 
 private:

@@ -267,7 +267,7 @@ TEST_F(SoundPlayerTest, EndsItsHelpersWhenItGoes) {
 class Interruptions {
 public:
     Interruptions() {
-        struct sigaction action {};
+        struct sigaction action{};
         action.sa_handler = [](int) {};
         sigaction(SIGALRM, &action, &_before);
         constexpr timeval often{0, 20};
@@ -283,7 +283,7 @@ public:
     Interruptions& operator=(const Interruptions&) = delete;
 
 private:
-    struct sigaction _before {};
+    struct sigaction _before{};
 };
 
 TEST_F(SoundPlayerTest, LeavesNoZombieWhenItIsInterrupted) {

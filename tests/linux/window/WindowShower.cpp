@@ -151,8 +151,7 @@ public:
     Status(const linux::HelperProgram& helper, bool isUnasked, linux::ErrorLog& errorLog)
         : _window{helper, [this](NSMenuItem& item) { pick(item); }, errorLog, _token} {
         for (const char* title : {"About", "Restart timer", "Mute", "Quit"}) {
-            _menu->addItem(std::make_shared<NSMenuItem>(
-                title, [](NSMenuItem&) {}, ""));
+            _menu->addItem(std::make_shared<NSMenuItem>(title, [](NSMenuItem&) {}, ""));
         }
         _menu->autoenablesItems = false;
         _menu->itemWithTitle("Mute")->setState(NSMenuItem::StateValue::Off);

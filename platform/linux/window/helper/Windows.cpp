@@ -63,13 +63,8 @@ class Windows::Alert : public Window {
 public:
     Alert(const AlertRequest& request, GtkWindow* below, const Tell& tell)
         : Window{request.window}
-        , _topLevel{alertTitle, below,
-                    [tell, number = number] {
-                        tell({Event::Kind::Shown, number, 0, {}});
-                    },
-                    [tell, number = number] {
-                        tell({Event::Kind::Closed, number, 0, {}});
-                    }} {
+        , _topLevel{alertTitle, below, [tell, number = number] { tell({Event::Kind::Shown, number, 0, {}}); },
+                    [tell, number = number] { tell({Event::Kind::Closed, number, 0, {}}); }} {
         const NSAlert& alert = request.alert;
         GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
         gtk_container_add(GTK_CONTAINER(texts), messageLabel(alert.messageText));
@@ -125,9 +120,8 @@ private:
         std::uint32_t control = 0;
         for (const std::string& title : alert.buttons()) {
             GtkWidget* button = gtk_button_new_with_mnemonic(_mnemonics.mark(title).c_str());
-            connect(button, "clicked", [tell, number = number, control] {
-                tell({Event::Kind::Pressed, number, control, {}});
-            });
+            connect(button, "clicked",
+                    [tell, number = number, control] { tell({Event::Kind::Pressed, number, control, {}}); });
             gtk_box_pack_end(GTK_BOX(row), button, TRUE, TRUE, 0);
             if (control++ == 0) {
                 gtk_widget_set_can_default(button, TRUE);
@@ -149,9 +143,7 @@ public:
         : Window{request.window}
         , _filling{std::make_unique<Filling>(std::move(request))}
         , _topLevel{_filling->request.title, below,
-                    [tell, number = number] {
-                        tell({Event::Kind::Shown, number, 0, {}});
-                    },
+                    [tell, number = number] { tell({Event::Kind::Shown, number, 0, {}}); },
                     [this, tell] {
                         _filling->content.commitEdits(); // the form is closed unsaved, but keeps what it holds
                         tell({Event::Kind::Closed, number, 0, {}});
