@@ -27,7 +27,7 @@ class Activation(unittest.TestCase):
 
     def tokens(self):
         """The tokens that were shown to the compositor so far, but for those that come from itself."""
-        return re.findall(r'-> xdg_activation_v1@\d+\.activate\("([a-z-]+)"', self.timer.program.output())
+        return re.findall(r'-> xdg_activation_v1[@#]\d+\.activate\("([a-z-]+)"', self.timer.program.output())
 
     def expect_tokens(self, *tokens):
         wait_until(lambda: self.tokens() == list(tokens), f"{tokens}, not {self.tokens()}")

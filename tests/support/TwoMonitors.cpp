@@ -38,6 +38,8 @@ XRRMonitorInfo* XRRGetMonitors(Display* display, Window window, Bool getActive, 
         halves[index].width = whole->width / monitorCount;
         halves[index].x = index * halves[index].width;
         halves[index].primary = index == 0;
+        halves[index].name = // newer GTK tells monitors by it
+            original<decltype(XInternAtom)>("XInternAtom")(display, index == 0 ? "left" : "right", False);
         outputs[index] = theOutput + static_cast<RROutput>(index);
         halves[index].outputs = &outputs[index];
     }
