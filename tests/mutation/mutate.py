@@ -5,21 +5,24 @@
 
 All faults are tried, or the share of them or the number in each file that the seed picks, the same ones each time. It
 works on a copy of the checkout in a temporary folder, which goes at the end; the checkout itself is only read. The
-tests are stories, components, contract, models and the suites of the Linux desktop without a display. A fault that
-makes them fail, crash or take far longer than usual is caught; one that does not compile is none.
+tests are stories, components, contract, models and the suites of the Linux desktop; of those that need a display, the
+tests of the windows and of what is heard. A fault that makes them fail, crash or take far longer than usual is caught;
+one that does not compile is none.
 """
 
 import argparse
 import contextlib
+import json
 import os
 import random
+import re
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
 import time
-from collections import Counter
+from collections import Counter, defaultdict
 from pathlib import Path
 
 from faults import faults_in
@@ -27,10 +30,17 @@ from faults import faults_in
 CHECKOUT = Path(__file__).resolve().parents[2]
 # The folders of the suites, in the order in which they are asked.
 FOLDERS = ["components", "stories", "linux", "contract", "fuzz", "models"]
+DISPLAY_TESTS = ["real_windows", "real_settings", "real_small_window", "layer_windows", "wayland_windows",
+                 "sounds_are_heard"]
 LONGEST_BUILD = 3600  # seconds, of all that a file is tested by
 LONGEST_STEP = 300  # of what one fault touches
 PARTS = 8  # of a suite that run side by side
 COMPILER = "compiler"
+# What most sources include, compiled once.
+COMMON_HEADERS = ["algorithm", "array", "charconv", "chrono", "filesystem", "fstream", "functional", "iostream", "map",
+                  "memory", "mutex", "numeric", "optional", "regex", "sstream", "string", "string_view", "thread",
+                  "variant", "vector", "gio/gio.h", "gmock/gmock.h", "gtest/gtest.h"]
+BEGUN = re.compile(rb"\[ RUN      \] ([\w/]+)\.")
 
 
 def end(processes):
@@ -44,50 +54,93 @@ def end(processes):
                 process.wait(5)
 
 
-def all_succeed(commands, limit):
-    """Whether commands that are run side by side all succeed within the limit in seconds; the first failure ends all."""
-    running = []
-    try:
+def failure_of(commands, limit):
+    """What the first of commands that are run side by side has written when it failed, or when the limit in seconds
+    was reached; that ends all. None if all succeed."""
+    with contextlib.ExitStack() as stack:
+        running = []
+        stack.callback(end, running)
         for command, options in commands:
-            running.append(subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                            stderr=subprocess.DEVNULL, start_new_session=True, **options))
+            output = stack.enter_context(tempfile.TemporaryFile())
+            process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.DEVNULL,
+                                       start_new_session=True, **options)
+            process.output = output
+            running.append(process)
         deadline = time.monotonic() + limit
-        while running and time.monotonic() < deadline:
+        while running:
             for process in list(running):
                 status = process.poll()
-                if status is not None:
+                if status or time.monotonic() > deadline:
+                    process.output.seek(0)
+                    return process.output.read()
+                if status == 0:
                     running.remove(process)
                     end([process])
-                if status:
-                    return False
             time.sleep(0.01)
-        return not running
-    finally:
-        end(running)
+        return None
 
 
 class Suite:
-    """A test program, run as a whole. Its tests mostly wait, so many of them run at a time."""
+    """A test program, run as a whole, or what has caught most of it ahead. Its tests mostly wait, so many of them run
+    at a time."""
 
     def __init__(self, program, arguments=()):
-        self.program = program
+        self.programs = [program]
+        self.name = program.name
         self.command = [program, *arguments]
         self.parts = 1 if arguments else PARTS
         self.limit = None
+        self.catchers = Counter()  # suites of tests within it
+
+    def _failure(self, parts, **environment):
+        environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1", GTEST_TOTAL_SHARDS=str(parts),
+                           **environment)
+        return failure_of([(self.command, {"cwd": self.programs[0].parent,
+                                           "env": environment | {"GTEST_SHARD_INDEX": str(part)}})
+                           for part in range(parts)], self.limit or LONGEST_STEP)
 
     def passes(self):
-        environment = dict(os.environ, GTEST_FAIL_FAST="1", RC_PARAMS="seed=1", GTEST_TOTAL_SHARDS=str(self.parts))
-        return all_succeed([(self.command, {"cwd": self.program.parent,
-                                            "env": environment | {"GTEST_SHARD_INDEX": str(part)}})
-                            for part in range(self.parts)], self.limit or LONGEST_STEP)
+        best = ":".join(f"{name}.*" for name, _ in self.catchers.most_common(3))
+        if best and self._fails_again(best) and self._fails_again(best):
+            return False
+        failure = self._failure(self.parts)
+        if failure is None:
+            return True
+        catchers = [name.decode() for name in BEGUN.findall(failure)[-1:]]
+        self.catchers.update(catchers)
+        return bool(catchers) and not self._fails_again(f"{catchers[0]}.*")
+
+    def _fails_again(self, tests):
+        """Whether those tests fail, one at a time; what a busy machine has made fail does not."""
+        return self._failure(1, GTEST_FILTER=tests) is not None
 
     def measure(self):
         """Runs without a fault, the first time, and allows for as much time as a busy machine might make of that."""
         if self.limit is None:
             begin = time.monotonic()
             if not self.passes() and not self.passes():
-                sys.exit(f"{self.program.name} fails without any fault")
-            self.limit = 20 + 5 * (time.monotonic() - begin)
+                sys.exit(f"{self.name} fails without any fault: {', '.join(self.catchers)}")
+            self.limit = 10 + 5 * (time.monotonic() - begin)
+        self.catchers.clear()  # another file has others
+
+
+def settings_of(test):
+    """The environment variables that CTest would give it."""
+    return dict(setting.split("=", 1) for each in test["properties"] if each["name"] == "ENVIRONMENT"
+                for setting in each["value"])
+
+
+class DisplayTests(Suite):
+    """Scripts that try the same programs, each on a private display."""
+
+    def __init__(self, tests, programs):
+        super().__init__(programs[0])
+        self.programs = programs
+        self.tests = tests
+
+    def passes(self):
+        return any(failure_of([([*test["command"], "-f"], {"env": os.environ | settings_of(test)})
+                               for test in self.tests], self.limit or LONGEST_STEP) is None for _ in range(2))
 
 
 class Copy:
@@ -102,10 +155,26 @@ class Copy:
             if (CHECKOUT / name).is_file():
                 (folder / name).parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy(CHECKOUT / name, folder / name)
-        subprocess.run(["cmake", "-S", folder, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
+        self._configure()
+        self.suites = list(self._suites())
+
+    def _configure(self):
+        """For what is compiled, linked and run once: without optimisation, with the quick linker."""
+        headers = self.folder / "build/common.hpp"
+        headers.parent.mkdir()
+        headers.write_text("".join(f"#include <{name}>\n" for name in COMMON_HEADERS))
+        compiled = headers.with_suffix(".pch")
+        flags = ["-std=c++20", "-O0", "-pthread"]
+        glib = subprocess.check_output(["pkg-config", "--cflags", "gio-unix-2.0"]).decode().split()
+        subprocess.check_call(["clang++", *flags, *glib, "-fPIC", "-x", "c++-header", headers, "-o", compiled])
+        # Programs are compiled with -fPIE, of which these headers make nothing.
+        use = ["-fno-validate-pch", "-include-pch", str(compiled)]
+        flags += [word for argument in use for word in ("-Xclang", argument)]
+        subprocess.run(["cmake", "-S", self.folder, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
+                        "-DCMAKE_CXX_COMPILER=clang++", f"-DCMAKE_CXX_FLAGS={' '.join(flags)}",
+                        "-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", "--log-level=ERROR"],
                        check=True, stdout=subprocess.DEVNULL)
-        self.suites = list(self._suites())
 
     def _suites(self):
         for folder in FOLDERS:
@@ -114,17 +183,28 @@ class Copy:
                 yield Suite(script.with_name(script.name.removesuffix("[1]_include.cmake")))
             for seeds in sorted((self.folder / "tests" / folder).glob("seeds/*")):
                 yield Suite(tests / f"fuzz_{seeds.name}", [seeds])
+        yield from self._display_tests()
+
+    def _display_tests(self):
+        known = json.loads(subprocess.check_output(["ctest", "--test-dir", self.build, "--show-only=json-v1"]))
+        by_programs = defaultdict(list)
+        for test in known["tests"]:
+            if test["name"] in DISPLAY_TESTS:
+                programs = [word for word in test["command"] if word.startswith(f"{self.build}/")]
+                by_programs[tuple(programs)].append(test)
+        for programs, tests in by_programs.items():
+            yield DisplayTests(tests, [Path(program) for program in programs])
 
     def make(self, suites, limit):
-        return all_succeed([(["ninja", "-C", self.build, "--quiet",
-                              *(suite.program.relative_to(self.build) for suite in suites)], {})], limit)
+        programs = [program.relative_to(self.build) for suite in suites for program in suite.programs]
+        return failure_of([(["ninja", "-C", self.build, "--quiet", *programs], {})], limit) is None
 
     def suites_of(self, name):
         """The suites that the file of that name is linked into, built and known to pass."""
         def is_linked(suite):
             inputs = subprocess.check_output(["ninja", "-C", self.build, "-t", "inputs",
-                                              suite.program.relative_to(self.build)]).decode()
-            return name in inputs
+                                              *(program.relative_to(self.build) for program in suite.programs)])
+            return name in inputs.decode()
 
         suites = [suite for suite in self.suites if is_linked(suite)]
         if not self.make(suites, LONGEST_BUILD):
@@ -143,7 +223,7 @@ class Copy:
                 if not self.make([suite], LONGEST_STEP):
                     return COMPILER
                 if not suite.passes():
-                    return suite.program.name
+                    return suite.name
             return None
         finally:
             (self.folder / name).write_text(source)
@@ -155,7 +235,7 @@ def try_file(copy, name, picked):
     suites = copy.suites_of(name)
     catchers, survivors = Counter(), []
     for fault in picked(faults_in(source)):
-        catcher = copy.what_catches(name, source, fault, suites)
+        catcher = copy.what_catches(name, source, fault, sorted(suites, key=lambda suite: -catchers[suite.name]))
         catchers[catcher] += 1
         if catcher is None:
             survivors.append(fault)
