@@ -66,14 +66,16 @@ guint lastNumber = 0;
 constexpr guint asked = 7; // the number of each question
 int repliesSent = 0;       // to the one at hand
 
-/// The tuple that `text` stands for, of that type unless it is null; null if there is none.
+/// The tuple that `text` stands for, of that type unless it is null; null if there is none that D-Bus can carry.
 VariantHandle tupleIn(std::string_view text, const char* type = nullptr) {
     if (!platform::isUtf8(text)) {
         return nullptr;
     }
     VariantHandle tuple{g_variant_parse(type ? G_VARIANT_TYPE(type) : nullptr, text.data(),
                                         text.data() + text.size(), nullptr, nullptr)};
-    return tuple && g_variant_is_of_type(tuple.get(), G_VARIANT_TYPE_TUPLE) ? std::move(tuple) : nullptr;
+    const bool canBeCarried = tuple && g_variant_is_of_type(tuple.get(), G_VARIANT_TYPE_TUPLE) &&
+                              g_variant_is_signature(g_variant_get_type_string(tuple.get()));
+    return canBeCarried ? std::move(tuple) : nullptr;
 }
 
 /// Calls `function` with each of the values, of which it may add and remove some.
