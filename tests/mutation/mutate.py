@@ -190,7 +190,8 @@ class Copy:
         by_programs = defaultdict(list)
         for test in known["tests"]:
             if test["name"] in DISPLAY_TESTS:
-                programs = [word for word in test["command"] if word.startswith(f"{self.build}/")]
+                needed = [*test["command"], *settings_of(test).values()]
+                programs = [word for word in needed if word.startswith(f"{self.build}/")]
                 by_programs[tuple(programs)].append(test)
         for programs, tests in by_programs.items():
             yield DisplayTests(tests, [Path(program) for program in programs])
